@@ -1,0 +1,173 @@
+#pragma once
+
+// The emulator engine: bytes from the host in, a screen and answers to the host out. No window, no socket, no
+// clock of its own. Columns and rows count from 0; row -1 is the newest line of the history. One thread.
+//
+// A host can never make it grow without bound: parameters, strings, clusters, links and history are capped.
+
+#include <emulator/engine/cell.h>
+#include <emulator/engine/keys.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kestrune::emu {
+
+struct Personality; // emulator/engine/personality.h: the declarative table of one terminal type
+
+struct Size
+{
+    int cols = 80;
+    int rows = 24;
+    bool operator==(const Size&) const = default;
+};
+
+struct Position
+{
+    int col = 0;
+    int row = 0;
+    auto operator<=>(const Position&) const = default;
+};
+
+// How bytes 0x20 and up become characters before the terminal's own character sets come in.
+enum class HostCharset
+{
+    Utf8,
+    Latin1,
+    Windows1252,
+    Cp437,
+    Cp850
+};
+
+struct TerminalOptions
+{
+    Size size;
+    int historyRows = 0; // lines kept above the screen, 0 to 1,000,000
+    HostCharset charset = HostCharset::Latin1;
+    bool eightBitControls = true; // 0x80..0x9F are C1 controls where the type has them and the charset allows
+    bool autoWrap = true;
+    std::string answerBack;
+};
+
+enum class LineSize : uint8_t
+{
+    Normal,
+    DoubleWidth,
+    DoubleTop,
+    DoubleBottom
+};
+
+// A look at one row. Valid until the terminal is next changed. cells may be shorter than the screen is wide:
+// the rest is blank in the plain style (history keeps only the used part of a line).
+struct RowView
+{
+    std::span<const Cell> cells;
+    uint64_t generation = 0; // changes whenever anything in the row does; never the same for two contents
+    bool wraps = false;      // the text goes on in the next row without a line end
+    LineSize size = LineSize::Normal;
+};
+
+enum class MouseReport : uint8_t
+{
+    None,
+    Click,
+    Drag,
+    Motion
+}; // X10/normal, button motion, any motion
+enum class CursorShape : uint8_t
+{
+    BlinkBlock,
+    Block,
+    BlinkUnderline,
+    UnderlineBar,
+    BlinkBar,
+    Bar
+};
+
+struct ModesView // what drawing and input need to know
+{
+    bool applicationCursor = false;
+    bool applicationKeypad = false;
+    bool alternateScreen = false;
+    bool reverseScreen = false;
+    bool cursorVisible = true;
+    bool bracketedPaste = false;
+    bool focusReports = false;
+    bool newLine = false;            // Enter sends CR LF
+    bool localEcho = false;          // SRM reset
+    bool backspaceSendsBs = true;    // DECBKM
+    bool synchronizedUpdate = false; // hold drawing
+    bool keyboardLocked = false;
+    MouseReport mouse = MouseReport::None;
+    CursorShape cursor = CursorShape::BlinkBlock;
+};
+
+// Notices, all made from inside Receive, Resize, Reset or SelectPersonality. The handler must not call back
+// into the terminal except for reading.
+class TerminalListener
+{
+public:
+    virtual ~TerminalListener() = default;
+    virtual void Reply(std::string_view bytes) = 0; // answers for the host
+    virtual void Bell() {}
+    virtual void TitleChanged(std::string_view utf8) { (void)utf8; } // cleaned of controls, capped in length
+    virtual void ScreenSizeChanged(Size size) { (void)size; }        // the host asked for it (80/132) or Resize did it
+    virtual void KeyboardLockChanged(bool locked) { (void)locked; }
+    virtual void PrinterData(std::string_view bytes) { (void)bytes; }    // controller mode, auto print, print screen
+    virtual void PrinterStateChanged(int state) { (void)state; }         // -1 off, 0 idle, 1 on
+    virtual void HistoryAdded(int rows) { (void)rows; }                  // lines that went up into the history
+    virtual void ClipboardOffered(std::string_view utf8) { (void)utf8; } // OSC 52 write; taken only if allowed
+};
+
+class Terminal
+{
+public:
+    Terminal(const TerminalOptions& options, const Personality& personality, TerminalListener& listener);
+    ~Terminal();
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    // --- from the host. Any split of the same bytes gives the same screen.
+    void Receive(std::string_view bytes);
+
+    // --- from the user's side
+    void Resize(Size size); // 1..1000 cols, 1..500 rows, clamped
+    void SetHistoryRows(int rows);
+    void SetCharset(HostCharset charset);
+    void SelectPersonality(const Personality& personality); // the screen stays
+    void Reset();                                           // to the power-up state; history stays
+    void ClearHistory();
+
+    // --- reading
+    Size ScreenSize() const;
+    Position Cursor() const;        // col == cols - 1 with a wrap pending
+    int HistoryCount() const;       // rows -HistoryCount() .. -1 exist
+    uint64_t HistoryPushed() const; // lines ever moved to the history: keeps selections in place
+    RowView Row(int row) const;     // -HistoryCount() .. rows - 1
+    const Style& StyleOf(StyleId id) const;
+    std::u32string_view ClusterOf(uint32_t text) const; // for cells with ClusterBit
+    std::string_view LinkOf(uint16_t link) const;
+    uint64_t Generation() const; // changes with anything visible, the cursor included
+    ModesView Modes() const;
+    uint32_t PaletteOverride(int index) const; // 0: none; 0x01RRGGBB set by the host
+    const Personality& CurrentPersonality() const;
+    // Text of a stretch of one row, UTF-8, trailing blanks kept; wide characters once.
+    std::string TextOf(int row, int fromCol, int cols) const;
+
+    // --- to the host: bytes that a key, a mouse action or a paste sends under the present modes
+    std::string KeyBytes(const KeyPress& key) const;         // empty: the terminal has no such key
+    std::string MouseBytes(const MouseAction& action) const; // empty: not reported
+    std::string FocusBytes(bool gained) const;
+    std::string
+    PasteBytes(std::string_view utf8) const; // controls and end-of-paste marks removed, in brackets if asked
+    std::string EncodeText(std::string_view utf8) const; // typed text in the host's charset; '?' for what it lacks
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace kestrune::emu

@@ -1,0 +1,125 @@
+#pragma once
+
+// What an emulator needs of a line to a host, for every kind of device, and what it is told in return.
+// All calls and all notices are on the user-interface thread. Nothing is told from inside Open().
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <string_view>
+
+namespace kestrune {
+
+// Device numbers as they stand in session files and on the automation surface.
+enum class Device : qint16
+{
+    None = 0,
+    SerialPort = 1,
+    PicLan = 2,
+    Telnet = 3,
+    Modem = 4,
+    Ssh = 5,
+    Extension = 6, // the local shell; exists only when the installation names it
+    SslTelnet = 7,
+};
+
+struct TerminalSize
+{
+    int cols = 80;
+    int rows = 24;
+    int pixelWidth = 0; // 0: not known
+    int pixelHeight = 0;
+    bool operator==(const TerminalSize&) const = default;
+};
+
+// A copy of what the settings say at the moment of connecting. Each device reads its own part.
+struct LineOptions
+{
+    Device device = Device::None;
+    QString hostName;     // telnet, SSH: name or address; extension device: the command line, empty = login shell
+    QString hostPort;     // number or service name; empty: the device's own default
+    QString terminalName; // sent to the host as terminal type, or TERM of a local program
+    TerminalSize size;
+    int connectTimeout = 0;    // seconds; 0: the device's own default
+    int keepaliveInterval = 0; // seconds; 0: off
+    bool tcpNoDelay = false;
+    bool tcpIdn = false; // host names outside ASCII go through IDNA
+    QByteArray userName; // NEW-ENVIRON USER, SSH user; empty: not sent
+
+    struct Telnet
+    {
+        bool binary = false;         // ask for BINARY in both directions
+        bool localEcho = false;      // never agree to WILL ECHO
+        bool bypass = false;         // raw TCP: no negotiation at all
+        bool alternateBreak = false; // a break is IAC IP instead of IAC BRK
+        bool keepaliveIsNop = false; // IAC NOP instead of the TCP keep-alive
+    } telnet;
+
+    struct Serial
+    {
+        int port = 0;
+        int baud = 9600; // bits per second
+        int dataBits = 8;
+        int stopBits = 1;
+        int parity = 0;    // 0 none, 1 odd, 2 even, 3 mark, 4 space
+        int handshake = 0; // 0 none, 1 XON/XOFF, 2 RTS/CTS, 3 DTR/DSR, 4 XON/BI
+    } serial;
+};
+
+// Connection status as the status line and the dialer see it.
+enum class LineState : qint16
+{
+    Closed = 0,
+    Resolving = 1,
+    Connecting = 2,
+    Authenticating = 3,
+    Connected = 4,
+    Closing = 5
+};
+
+// The top byte of an error word holds flags.
+inline constexpr quint32 LineErrorCanResume = 0x01000000;
+
+class LineListener
+{
+public:
+    virtual ~LineListener() = default;
+    virtual void LineReceived(std::string_view bytes) = 0;
+    virtual void LineStateChanged(LineState state, const QString& text) = 0; // text in the user's words
+    virtual void LineDeviceStatus(const QString& text) = 0;                  // "Telnet localhost:23"
+    // What failed, on what, why. fatal: the line is closed; LineClosed follows.
+    virtual void LineError(quint32 errorWord, const QString& description, bool fatal) = 0;
+    virtual void LineClosed() = 0; // nothing is received after it
+    // The program at the far end has ended and said how (a local program, SSH). Comes before LineClosed.
+    virtual void LineProgramEnded(int exitCode, int signalNumber) = 0;
+    // The far side does, or no longer does, echo what is typed (telnet ECHO).
+    virtual void LineRemoteEcho(bool remote) = 0;
+};
+
+class Line
+{
+public:
+    virtual ~Line() = default; // closes without notices
+    virtual void Open() = 0;   // the outcome comes through the listener
+    virtual void Close() = 0;  // harmless when closed; LineClosed follows once
+    virtual bool IsOpen() const = 0;
+    virtual void Send(std::string_view bytes) = 0; // queued; what a dead line cannot take is dropped with an error
+    virtual qsizetype Unsent() const = 0;          // bytes queued here: paste and transfers pace themselves by it
+    virtual void SetReceiving(bool on) = 0;        // false: take nothing from the far side until true again
+    virtual void Resize(const TerminalSize& size) = 0;
+    virtual void Break(int milliseconds) = 0;
+    virtual bool HasChildren() const { return false; } // a program besides the shell itself is running there
+};
+
+class LineFactory
+{
+public:
+    virtual ~LineFactory() = default;
+    virtual bool Exists(Device device) const = 0;
+    virtual QString Name(Device device) const = 0; // "Telnet", "Local Shell"
+    // Null when the device does not exist here; the listener must outlive the line.
+    virtual std::unique_ptr<Line> Make(const LineOptions& options, LineListener& listener) = 0;
+};
+
+} // namespace kestrune
