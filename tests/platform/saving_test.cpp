@@ -1,4 +1,5 @@
 #include <dispatch/failure.h>
+#include <fakes/children.h>
 #include <fakes/print.h>
 #include <platform/nativefiles.h>
 
@@ -17,23 +18,11 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 namespace kestrune {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-// Runs in a process of its own; its exit status, or minus the signal that ended it.
-int InChild(const std::function<int()>& run)
-{
-    const pid_t child = fork();
-    if (child == 0)
-        _exit(run());
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
-}
 
 quint32 ErrorOf(const std::function<void()>& run, QString* text = nullptr)
 {
@@ -288,21 +277,15 @@ TEST_F(SavingTest, NoProcessLosesAnothersChange)
     constexpr int kProcesses = 4, kEach = 25;
     files.Replace(path, "");
     std::vector<pid_t> children;
-    for (int i = 0; i < kProcesses; ++i) {
-        const pid_t child = fork();
-        if (child == 0) {
+    for (int i = 0; i < kProcesses; ++i)
+        children.push_back(StartChild([&] {
             for (int n = 0; n < kEach; ++n)
                 files.Edit(path,
                            [&](const std::optional<QByteArray>& old) { return std::optional(*old + char('a' + i)); });
-            _exit(0);
-        }
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = -1;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(status, 0);
-    }
+            return 0;
+        }));
+    for (const pid_t child : children)
+        EXPECT_EQ(EndOf(child), 0);
     const QByteArray all = OnDisk();
     for (int i = 0; i < kProcesses; ++i)
         EXPECT_EQ(all.count(char('a' + i)), kEach);

@@ -1,3 +1,4 @@
+#include <fakes/children.h>
 #include <fakes/fakesystem.h>
 #include <fakes/print.h>
 #include <platform/eventclock.h>
@@ -17,9 +18,6 @@
 #include <cerrno>
 #include <sched.h>
 #include <thread>
-#include <unistd.h>
-
-#include <sys/wait.h>
 
 namespace kestrune {
 namespace {
@@ -48,24 +46,21 @@ int ProcessorsOfThisThread()
 // In a process of its own, since a test program keeps its processors.
 TEST(Processors, PinnedProcessGivesThemBackToWhatItStarts)
 {
-    const pid_t child = fork();
-    if (child == 0) {
-        const auto permitted = PermittedProcessors();
-        const int all = int(permitted.size());
-        const bool pinned = PinToProcessor(permitted.back()) && ProcessorsOfThisThread() == 1;
-        int inherited = 0, given = 0;
-        std::thread([&] {
-            inherited = ProcessorsOfThisThread();
-            GiveBackProcessors();
-            given = ProcessorsOfThisThread();
-        }).join();
-        const bool right = pinned && inherited == 1 && given == all && ProcessorsOfThisThread() == 1 &&
-                           PermittedProcessors() == permitted && !PinToProcessor(-1) && !PinToProcessor(5000);
-        _exit(right ? 0 : 1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(InChild([] {
+                  const auto permitted = PermittedProcessors();
+                  const int all = int(permitted.size());
+                  const bool pinned = PinToProcessor(permitted.back()) && ProcessorsOfThisThread() == 1;
+                  int inherited = 0, given = 0;
+                  std::thread([&] {
+                      inherited = ProcessorsOfThisThread();
+                      GiveBackProcessors();
+                      given = ProcessorsOfThisThread();
+                  }).join();
+                  const bool right = pinned && inherited == 1 && given == all && ProcessorsOfThisThread() == 1 &&
+                                     PermittedProcessors() == permitted && !PinToProcessor(-1) && !PinToProcessor(5000);
+                  return right ? 0 : 1;
+              }),
+              0);
 }
 
 TEST(EventClock, RunsInTheEventLoop)

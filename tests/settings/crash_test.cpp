@@ -1,5 +1,6 @@
 // Settings, session files and the hive under SIGKILL at random moments and under several writers.
 
+#include <fakes/children.h>
 #include <fakes/print.h>
 #include <platform/hive.h>
 #include <platform/nativefiles.h>
@@ -14,8 +15,6 @@
 #include <csignal>
 #include <random>
 #include <unistd.h>
-
-#include <sys/wait.h>
 
 namespace kestrune {
 namespace {
@@ -48,16 +47,15 @@ TEST(Crash, KilledWhileSavingEverythingIsOfOneGeneration)
     for (int round = 0; round < 20; ++round) {
         std::array<int, 2> pipes{};
         ASSERT_EQ(pipe(pipes.data()), 0);
-        const pid_t child = fork();
-        if (child == 0) {
+        const pid_t child = StartChild([&] {
             close(pipes[0]);
             for (int generation = 2;; ++generation) {
                 SaveGeneration(profile, file, generation);
                 hive.Write(u"K"_s, u"n"_s, {HiveValueType::String, QString::number(generation)});
                 if (write(pipes[1], "x", 1) != 1)
-                    _exit(1);
+                    return 1;
             }
-        }
+        });
         close(pipes[1]);
         char byte = 0;
         for (auto saves = random() % 5; saves > 0; --saves)
@@ -66,7 +64,7 @@ TEST(Crash, KilledWhileSavingEverythingIsOfOneGeneration)
         while (std::chrono::steady_clock::now() < moment) { // any moment will do; no outcome rests on the time
         }
         kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
+        EXPECT_EQ(EndOf(child), -SIGKILL);
         close(pipes[0]);
 
         const int generation = profile.ProfileGetInt(u"Kestrune"_s, KeyName(0), -1, file);
@@ -91,24 +89,19 @@ TEST(Crash, TwoProcessesWritingDifferentSettingsLoseNone)
     const QString file = dir.filePath(u"appstate.ini"_s), section = u"S"_s;
     NativeFileSystem files;
     std::array<pid_t, kProcesses> children{};
-    for (int p = 0; p < kProcesses; ++p) {
-        children[std::size_t(p)] = fork();
-        if (children[std::size_t(p)] != 0)
-            continue;
-        Profile profile(files);
-        FileHive hive(files, dir.filePath(u"user.hive"_s));
-        for (int i = 0; i < kEach; ++i) {
-            const QString name = u"p%1n%2"_s.arg(p).arg(i);
-            profile.ProfileSetString(section, name, name, {}, file);
-            hive.Write(u"K"_s, name, {HiveValueType::String, name});
-        }
-        _exit(0);
-    }
-    for (const pid_t child : children) {
-        int status = -1;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(status, 0);
-    }
+    for (int p = 0; p < kProcesses; ++p)
+        children[std::size_t(p)] = StartChild([&] {
+            Profile profile(files);
+            FileHive hive(files, dir.filePath(u"user.hive"_s));
+            for (int i = 0; i < kEach; ++i) {
+                const QString name = u"p%1n%2"_s.arg(p).arg(i);
+                profile.ProfileSetString(section, name, name, {}, file);
+                hive.Write(u"K"_s, name, {HiveValueType::String, name});
+            }
+            return 0;
+        });
+    for (const pid_t child : children)
+        EXPECT_EQ(EndOf(child), 0);
     EXPECT_EQ(Profile(files).ReadDocument(file).Keys(section).size(), kProcesses * kEach);
     EXPECT_EQ(FileHive(files, dir.filePath(u"user.hive"_s)).Values(u"K"_s).size(), kProcesses * kEach);
 }
