@@ -121,7 +121,7 @@ public:
     // The far side does, or no longer does, echo what is typed (telnet ECHO). Told after each agreement; before
     // the first one a network virtual terminal does not echo, every other device does.
     virtual void LineRemoteEcho(bool remote) = 0;
-    // All that was sent has been taken by the system: Unsent() is 0 again. For a paste that paces itself.
+    // What Send() had to leave in the queue has gone: Unsent() is 0 again. For a paste that paces itself.
     virtual void LineDrained() {}
 };
 
@@ -131,7 +131,7 @@ public:
     static constexpr qsizetype MaxUnsent = 8 * 1024 * 1024;
 
     virtual ~Line() = default; // closes without notices
-    virtual void Open() = 0;   // the outcome comes through the listener
+    virtual void Open() = 0;   // once; the outcome comes through the listener. Another connection: another line
     virtual void Close() = 0;  // harmless when closed; LineClosed follows once
     virtual bool IsOpen() const = 0;
     // Queued. What does not fit into the queue (MaxUnsent) of a host that takes nothing is dropped whole, with an
