@@ -30,7 +30,8 @@ namespace {
 class OwnedDescriptor
 {
 public:
-    explicit OwnedDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
+    OwnedDescriptor() = default;
+    explicit OwnedDescriptor(int descriptor) : descriptor_(descriptor) {}
     OwnedDescriptor(OwnedDescriptor&& other) noexcept : descriptor_(other.Release()) {}
     OwnedDescriptor& operator=(OwnedDescriptor&&) = delete;
     ~OwnedDescriptor() { Reset(); }
@@ -44,21 +45,21 @@ public:
     }
 
 private:
-    int descriptor_;
+    int descriptor_ = -1;
 };
 
-constexpr tcflag_t Input = ICRNL | IXON | IMAXBEL | BRKINT;
-constexpr tcflag_t Output = OPOST | ONLCR;
-constexpr tcflag_t Local = ISIG | ICANON | IEXTEN | ECHO | ECHOE | ECHOK | ECHOCTL | ECHOKE;
+constexpr tcflag_t InputModes = ICRNL | IXON | IMAXBEL | BRKINT;
+constexpr tcflag_t OutputModes = OPOST | ONLCR;
+constexpr tcflag_t LocalModes = ISIG | ICANON | IEXTEN | ECHO | ECHOE | ECHOK | ECHOCTL | ECHOKE;
 
 // What people expect of a fresh terminal: echo, line editing and the usual control characters.
 termios FreshTerminal(const ProgramStart& start)
 {
     termios t{};
-    t.c_iflag = Input | (start.utf8 ? IUTF8 : 0U);
-    t.c_oflag = Output;
+    t.c_iflag = InputModes | (start.utf8 ? IUTF8 : 0U);
+    t.c_oflag = OutputModes;
     t.c_cflag = CREAD | CS8 | HUPCL;
-    t.c_lflag = Local;
+    t.c_lflag = LocalModes;
     const auto control = [](char letter) { return static_cast<cc_t>(letter & 0x1f); };
     t.c_cc[VINTR] = control('C');
     t.c_cc[VQUIT] = control('\\');
