@@ -6,14 +6,12 @@ namespace kestrune::comm {
 
 namespace {
 
-using Words = std::vector<std::string>;
-
 TEST(CommandLine, FollowsTheShellsRulesForWordsAndQuotes)
 {
     struct Case
     {
         const char* line;
-        Words words;
+        std::vector<std::string> words;
     };
     const std::vector<Case> cases{
         {"", {}},

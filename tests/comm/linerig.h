@@ -5,8 +5,12 @@
 #include <comm/commlibrary.h>
 #include <platform/eventclock.h>
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QStringList>
-#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
 
 #include <functional>
 
@@ -14,11 +18,24 @@ namespace kestrune {
 
 inline void PrintTo(const QByteArray& bytes, std::ostream* out) { *out << '"' << bytes.toPercentEncoding(" ").data() << '"'; }
 
+// Runs the event loop until it has happened; false: it never did.
+inline bool WaitUntil(const std::function<bool()>& happened)
+{
+    const QDeadlineTimer longEnough(30000); // reached only when a test fails
+    QTimer look;
+    look.start(5);
+    while (!happened()) {
+        if (longEnough.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    return true;
+}
+
 class LineRig : public LineListener
 {
 public:
-    static constexpr int LongEnough = 20000; // ms; reached only when a test fails
-
     explicit LineRig(const LineOptions& options) : LineRig(options, eventClock_) {}
     LineRig(const LineOptions& options, Clock& clock)
         : library_(clock, QStringLiteral("Local Shell")), line(library_.Make(options, *this))
@@ -29,7 +46,7 @@ public:
         line->Open();
         return *this;
     }
-    bool Until(const std::function<bool()>& happened) { return QTest::qWaitFor(happened, LongEnough); }
+    bool Until(const std::function<bool()>& happened) { return WaitUntil(happened); }
     bool UntilReceived(const QByteArray& text)
     {
         return Until([&] { return received.contains(text); });

@@ -1,16 +1,19 @@
 #include "linerig.h"
 
 #include <platform/processors.h>
+#include <platform/pseudoterminal.h>
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fcntl.h>
 #include <sched.h>
-#include <sys/wait.h>
+#include <unistd.h>
 
 namespace kestrune {
 
@@ -86,12 +89,12 @@ TEST(LocalShell, SaysWhyAProgramCouldNotBeRun)
 TEST(LocalShell, GivesTheProgramATerminalOfItsOwn)
 {
     LineOptions options = Script(u"tty; stty size; echo TERM=$TERM; stty -a | tr \" \" \"\\n\" | grep -x -e -*iutf8;"
-                                 " stty -a | grep -o \"erase = [^;]*\""_s);
+                                 " stty -a | grep -o \" erase = [^;]*\""_s);
     options.utf8 = true;
     options.eraseCharacter = '\b';
     QByteArray output = OutputOf(options);
     EXPECT_TRUE(output.startsWith("/dev/pts/")) << output.data();
-    EXPECT_TRUE(output.endsWith("33 91\r\nTERM=vt220\r\niutf8\r\nerase = ^H\r\n")) << output.data();
+    EXPECT_TRUE(output.endsWith("33 91\r\nTERM=vt220\r\niutf8\r\n erase = ^H\r\n")) << output.data();
     options.utf8 = false;
     EXPECT_TRUE(OutputOf(options).contains("\r\n-iutf8\r\n"));
 }
@@ -161,11 +164,11 @@ TEST(LocalShell, ResetsSignalsAndGivesAllProcessorsBack)
     std::signal(SIGPIPE, SIG_IGN);
     ASSERT_TRUE(PinToProcessor(permitted.front()));
     const QByteArray output =
-        OutputOf(Program(u"grep -E \"^(SigBlk|SigIgn|SigCgt|Cpus_allowed):\" /proc/self/status"_s));
+        OutputOf(Program(u"grep -E \"^(SigBlk|SigIgn):\" /proc/self/status"_s));
     const QByteArray count = OutputOf(Program(u"nproc"_s)).trimmed();
     ::sched_setaffinity(0, sizeof before, &before);
     std::signal(SIGPIPE, SIG_DFL);
-    for (const QByteArray name : {"SigBlk", "SigIgn", "SigCgt"})
+    for (const QByteArray name : {"SigBlk", "SigIgn"})
         EXPECT_TRUE(output.contains(name + ":\t0000000000000000")) << output.data();
     EXPECT_EQ(count.toInt(), static_cast<int>(permitted.size()));
 }
@@ -204,7 +207,7 @@ TEST(LocalShell, KeepsTheEventLoopTurningDuringAFlood)
     QObject::connect(&timer, &QTimer::timeout, [&turns] { ++turns; });
     timer.start(1);
     rig.line->Open();
-    EXPECT_TRUE(rig.Until([&] { return rig.receivedBytes > 20'000'000 && turns > 20; }));
+    EXPECT_TRUE(rig.Until([&] { return rig.receivedBytes > 4'000'000 && turns > 20; }));
     rig.Type("\x03");
     EXPECT_TRUE(rig.UntilClosed());
     EXPECT_EQ(rig.signalNumber, SIGINT);
@@ -230,26 +233,35 @@ TEST(LocalShell, HangsUpOnCloseAndLeavesNoZombie)
 {
     QTemporaryDir folder;
     const QString mark = folder.filePath(u"mark"_s);
-    struct Case
-    {
-        const char* name;
-        QString script;
-        bool heard;
-    };
-    for (const Case& c : {Case{"hears it", u"trap \"echo hup >%1; exit\" HUP; echo $$ ready; while :; do sleep 0.01; done"_s, true},
-                          Case{"is stopped", u"trap \"echo hup >%1; exit\" HUP; echo $$ ready; kill -STOP $$; sleep 1"_s, true},
-                          Case{"will not hear", u"trap \"\" HUP; echo $$ ready; while :; do sleep 0.01; done"_s, false}}) {
-        LineRig rig(Script(c.script.arg(mark)));
+    const QString trap = u"trap \"echo hup >%1; exit\" HUP; echo $$ ready; "_s.arg(mark);
+    for (const QString& rest : {u"while :; do sleep 0.01; done"_s, u"kill -STOP $$; sleep 1"_s}) {
+        LineRig rig(Script(trap + rest));
         ASSERT_TRUE(rig.Opened().UntilReceived("ready"));
         const pid_t process = rig.received.split(' ').first().toInt();
         rig.line->Close();
         ASSERT_TRUE(rig.UntilClosed());
         rig.line.reset();
         EXPECT_EQ(rig.programEnds, 0);
-        EXPECT_TRUE(rig.Until([&] { return ::kill(process, 0) != 0; })) << c.name << " is still there";
-        EXPECT_EQ(QFile::exists(mark), c.heard) << c.name;
-        QFile::remove(mark);
+        EXPECT_TRUE(WaitUntil([process] { return ::kill(process, 0) != 0; }));
+        EXPECT_TRUE(QFile::remove(mark));
     }
+}
+
+TEST(LocalShell, KillsAProgramThatDoesNotHearTheHangup)
+{
+    int error = 0;
+    auto program = TerminalProgram::Start({.file = "/bin/sh",
+                                           .arguments = {"sh", "-c", "trap '' HUP; echo $$; while :; do sleep 1; done"},
+                                           .environment = {"PATH=/usr/bin:/bin"},
+                                           .workingFolder = "/"},
+                                          error);
+    ASSERT_NE(program, nullptr);
+    QByteArray output(100, '\0');
+    ASSERT_TRUE(WaitUntil([&] { return program->Read(output.data(), 100) > 0; }));
+    const pid_t process = output.split('\r').first().toInt();
+    program->HangUp(20);
+    program.reset();
+    EXPECT_TRUE(WaitUntil([process] { return ::kill(process, 0) != 0; }));
 }
 
 TEST(LocalShell, QueuesWhatTheProgramDoesNotReadYet)
@@ -269,12 +281,12 @@ TEST(LocalShell, QueuesWhatTheProgramDoesNotReadYet)
 
 TEST(LocalShell, TellsWhetherAJobIsRunning)
 {
-    LineRig rig(Program(u"bash --norc --noprofile -i"_s));
-    ASSERT_TRUE(rig.Opened().UntilReceived("$ ") || rig.received.contains("# "));
+    LineRig rig(Program(u"env \"PS1=ready> \" bash --norc --noprofile -i"_s));
+    ASSERT_TRUE(rig.Opened().UntilReceived("ready> "));
     EXPECT_FALSE(rig.line->HasChildren());
-    rig.Type("sleep 100\r");
+    rig.Type("cat\r");
     EXPECT_TRUE(rig.Until([&] { return rig.line->HasChildren(); }));
-    rig.Type("\x03");
+    rig.Type("\x04");
     EXPECT_TRUE(rig.Until([&] { return !rig.line->HasChildren(); }));
 }
 
