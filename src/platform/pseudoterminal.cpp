@@ -1,5 +1,7 @@
 #include <platform/pseudoterminal.h>
 
+#include "filedescriptor.h"
+
 #include <platform/processors.h>
 
 #include <QCoreApplication>
@@ -25,28 +27,6 @@
 namespace kestrune {
 
 namespace {
-
-// A file descriptor that is closed when its owner goes.
-class OwnedDescriptor
-{
-public:
-    OwnedDescriptor() = default;
-    explicit OwnedDescriptor(int descriptor) : descriptor_(descriptor) {}
-    OwnedDescriptor(OwnedDescriptor&& other) noexcept : descriptor_(other.Release()) {}
-    OwnedDescriptor& operator=(OwnedDescriptor&&) = delete;
-    ~OwnedDescriptor() { Reset(); }
-    int Get() const { return descriptor_; }
-    bool Valid() const { return descriptor_ >= 0; }
-    int Release() { return std::exchange(descriptor_, -1); }
-    void Reset()
-    {
-        if (Valid())
-            ::close(Release());
-    }
-
-private:
-    int descriptor_ = -1;
-};
 
 constexpr tcflag_t InputModes = ICRNL | IXON | IMAXBEL | BRKINT;
 constexpr tcflag_t OutputModes = OPOST | ONLCR;
@@ -87,24 +67,24 @@ winsize SizeOf(int cols, int rows, int pixelWidth, int pixelHeight)
 
 struct TerminalPair
 {
-    OwnedDescriptor ours;
-    OwnedDescriptor theirs;
+    FileDescriptor ours;
+    FileDescriptor theirs;
 };
 
 // Both sides closed on exec, ours never blocking. Invalid sides: errno tells why.
 TerminalPair OpenTerminal(const ProgramStart& start)
 {
-    OwnedDescriptor ours(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
+    FileDescriptor ours(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
     std::array<char, 64> name{};
-    if (!ours.Valid() || ::grantpt(ours.Get()) != 0 || ::unlockpt(ours.Get()) != 0 ||
-        ::ptsname_r(ours.Get(), name.data(), name.size()) != 0)
+    if (!ours || ::grantpt(ours.Number()) != 0 || ::unlockpt(ours.Number()) != 0 ||
+        ::ptsname_r(ours.Number(), name.data(), name.size()) != 0)
         return {};
-    OwnedDescriptor theirs(::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-    if (!theirs.Valid())
+    FileDescriptor theirs(::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    if (!theirs)
         return {};
     const termios fresh = FreshTerminal(start);
     const winsize size = SizeOf(start.cols, start.rows, start.pixelWidth, start.pixelHeight);
-    if (::tcsetattr(theirs.Get(), TCSANOW, &fresh) != 0 || ::ioctl(theirs.Get(), TIOCSWINSZ, &size) != 0)
+    if (::tcsetattr(theirs.Number(), TCSANOW, &fresh) != 0 || ::ioctl(theirs.Number(), TIOCSWINSZ, &size) != 0)
         return {};
     return {std::move(ours), std::move(theirs)};
 }
@@ -234,7 +214,7 @@ private:
     }
 
     int process_;
-    OwnedDescriptor handle_;
+    FileDescriptor handle_;
     QSocketNotifier ended_;
     QTimer grace_;
 };
@@ -245,18 +225,18 @@ std::unique_ptr<TerminalProgram> TerminalProgram::Start(const ProgramStart& star
 {
     TerminalPair terminal = OpenTerminal(start);
     std::array<int, 2> ends{-1, -1};
-    if (!terminal.ours.Valid() || ::pipe2(ends.data(), O_CLOEXEC) != 0) {
+    if (!terminal.ours || ::pipe2(ends.data(), O_CLOEXEC) != 0) {
         systemError = errno;
         return nullptr;
     }
-    OwnedDescriptor readEnd(ends[0]);
-    OwnedDescriptor writeEnd(ends[1]);
-    const pid_t process = Fork(start, terminal.theirs.Get(), writeEnd.Get());
+    FileDescriptor readEnd(ends[0]);
+    FileDescriptor writeEnd(ends[1]);
+    const pid_t process = Fork(start, terminal.theirs.Number(), writeEnd.Number());
     systemError = process < 0 ? errno : 0;
-    writeEnd.Reset();
+    ::close(writeEnd.Release()); // the child's copy alone is left, and goes with the exec
     if (process < 0)
         return nullptr;
-    systemError = ReadReport(readEnd.Get());
+    systemError = ReadReport(readEnd.Number());
     const int handle = systemError ? -1 : static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
     if (systemError == 0 && handle >= 0)
         return std::unique_ptr<TerminalProgram>(new TerminalProgram(terminal.ours.Release(), handle, process));
