@@ -52,7 +52,7 @@ public:
     void Resize(int cols, int rows, int pixelWidth, int pixelHeight);
     // SIGINT to the foreground job: what a break does on a real tty. A pseudo-terminal carries no breaks.
     void Interrupt();
-    bool HasForegroundJob() const; // another process group than the program's own has the terminal
+    bool HasForegroundJob() const;   // another process group than the program's own has the terminal
     std::optional<ProgramEnd> End(); // collects the program once it has ended; the same answer ever after
 
     // What closing a terminal window means: SIGHUP to the program's group and, as the terminal goes, to the

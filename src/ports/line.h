@@ -46,9 +46,9 @@ struct LineOptions
     int connectTimeout = 0;    // seconds; 0: the device's own default
     int keepaliveInterval = 0; // seconds; 0: off
     bool tcpNoDelay = false;
-    bool tcpIdn = false; // host names outside ASCII go through IDNA
-    QByteArray userName; // NEW-ENVIRON USER, SSH user; empty: not sent
-    bool utf8 = false;   // local program: its tty erases whole UTF-8 characters
+    bool tcpIdn = false;          // host names outside ASCII go through IDNA
+    QByteArray userName;          // NEW-ENVIRON USER, SSH user; empty: not sent
+    bool utf8 = false;            // local program: its tty erases whole UTF-8 characters
     char eraseCharacter = '\x7f'; // local program: what the Backspace key sends, for the tty's erase character
 
     struct Telnet
@@ -101,10 +101,7 @@ inline constexpr quint16 HostUnreachable = 10065;
 inline constexpr quint16 HostNotFound = 11001;
 } // namespace LineErrorNumber
 
-constexpr quint32 LineErrorWord(Device device, quint16 number)
-{
-    return static_cast<quint32>(device) << 16 | number;
-}
+constexpr quint32 LineErrorWord(Device device, quint16 number) { return static_cast<quint32>(device) << 16 | number; }
 
 class LineListener
 {

@@ -63,8 +63,9 @@ TEST(CommLibrary, TranslatesNumbersWithoutALocation)
         QString number, dialable;
         int result;
     };
-    for (const Case& c : {Case{u"+1 (212) 555-0100"_s, u"12125550100"_s, 1}, Case{u" 9,W5550100# "_s, u"9,W5550100#"_s, 1},
-                          Case{u"()"_s, {}, 0}, Case{QString(128, u'1'), {}, 0}}) {
+    for (const Case& c :
+         {Case{u"+1 (212) 555-0100"_s, u"12125550100"_s, 1}, Case{u" 9,W5550100# "_s, u"9,W5550100#"_s, 1},
+          Case{u"()"_s, {}, 0}, Case{QString(128, u'1'), {}, 0}}) {
         QString dialable, displayed;
         EXPECT_EQ(library.ORTranslateNumber(c.number, 0, dialable, displayed, 128), c.result);
         EXPECT_EQ(dialable, c.dialable);

@@ -16,7 +16,10 @@
 
 namespace kestrune {
 
-inline void PrintTo(const QByteArray& bytes, std::ostream* out) { *out << '"' << bytes.toPercentEncoding(" ").data() << '"'; }
+inline void PrintTo(const QByteArray& bytes, std::ostream* out)
+{
+    *out << '"' << bytes.toPercentEncoding(" ").data() << '"';
+}
 
 // Runs the event loop until it has happened; false: it never did.
 inline bool WaitUntil(const std::function<bool()>& happened)

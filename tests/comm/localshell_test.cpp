@@ -163,8 +163,7 @@ TEST(LocalShell, ResetsSignalsAndGivesAllProcessorsBack)
     ASSERT_EQ(::sched_getaffinity(0, sizeof before, &before), 0);
     std::signal(SIGPIPE, SIG_IGN);
     ASSERT_TRUE(PinToProcessor(permitted.front()));
-    const QByteArray output =
-        OutputOf(Program(u"grep -E \"^(SigBlk|SigIgn):\" /proc/self/status"_s));
+    const QByteArray output = OutputOf(Program(u"grep -E \"^(SigBlk|SigIgn):\" /proc/self/status"_s));
     const QByteArray count = OutputOf(Program(u"nproc"_s)).trimmed();
     ::sched_setaffinity(0, sizeof before, &before);
     std::signal(SIGPIPE, SIG_DFL);

@@ -14,10 +14,10 @@ namespace {
 std::string Wire(const std::string& words)
 {
     static const std::map<std::string, int> names{
-        {"IAC", 255}, {"DONT", 254},  {"DO", 253},  {"WONT", 252}, {"WILL", 251}, {"SB", 250},     {"AYT", 246},
-        {"IP", 244},  {"BRK", 243},   {"DM", 242},  {"NOP", 241},  {"SE", 240},   {"BINARY", 0},   {"ECHO", 1},
-        {"SGA", 3},   {"TM", 6},      {"TTYPE", 24}, {"NAWS", 31}, {"TSPEED", 32}, {"XDISPLOC", 35}, {"ENVIRON", 39},
-        {"AUTH", 37}, {"LINEMODE", 34}};
+        {"IAC", 255},   {"DONT", 254},    {"DO", 253},     {"WONT", 252}, {"WILL", 251},   {"SB", 250},
+        {"AYT", 246},   {"IP", 244},      {"BRK", 243},    {"DM", 242},   {"NOP", 241},    {"SE", 240},
+        {"BINARY", 0},  {"ECHO", 1},      {"SGA", 3},      {"TM", 6},     {"TTYPE", 24},   {"NAWS", 31},
+        {"TSPEED", 32}, {"XDISPLOC", 35}, {"ENVIRON", 39}, {"AUTH", 37},  {"LINEMODE", 34}};
     std::string bytes;
     std::istringstream in(words);
     for (std::string word; in >> word;) {
@@ -100,7 +100,9 @@ TEST(Telnet, AnswersOptionsAsItsTableSays)
         {"binary to us when the host wishes", {}, "IAC WILL BINARY", "IAC DO BINARY"},
         {"binary from us when the host wishes", {}, "IAC DO BINARY", "IAC WILL BINARY"},
         {"terminal type was offered, so no answer", {}, "IAC DO TTYPE", ""},
-        {"unknown ones are refused", {}, "IAC WILL AUTH IAC DO XDISPLOC IAC DO LINEMODE IAC DO 200",
+        {"unknown ones are refused",
+         {},
+         "IAC WILL AUTH IAC DO XDISPLOC IAC DO LINEMODE IAC DO 200",
          "IAC DONT AUTH IAC WONT XDISPLOC IAC WONT LINEMODE IAC WONT 200"},
         {"what never was on is not switched off", {}, "IAC WONT AUTH IAC DONT XDISPLOC IAC DONT ECHO", ""},
         {"no user, no environment", {}, "IAC DO ENVIRON", "IAC WONT ENVIRON"},
@@ -126,8 +128,9 @@ TEST(Telnet, WaitsForTheHostUnlessStarted)
 {
     TelnetSettings settings;
     settings.binary = true;
-    const std::string offers = Wire("IAC WILL BINARY IAC DO BINARY IAC WILL SGA IAC DO SGA IAC WILL TTYPE IAC WILL NAWS "
-                                    "IAC WILL TSPEED");
+    const std::string offers =
+        Wire("IAC WILL BINARY IAC DO BINARY IAC WILL SGA IAC DO SGA IAC WILL TTYPE IAC WILL NAWS "
+             "IAC WILL TSPEED");
     TelnetRig quiet(settings);
     EXPECT_EQ(quiet.Answer("login:"), "");
     EXPECT_EQ(Words(quiet.Answer("IAC NOP")), Words(offers));
@@ -144,7 +147,8 @@ TEST(Telnet, NamesItsTerminalsInTurnAndTheLastOneTwice)
     TelnetRig rig(Vt220());
     rig.Started().HostSays("IAC DO TTYPE");
     for (const char* name : {"vt220", "vt100", "vt100", "vt220", "vt100"})
-        EXPECT_EQ(Words(rig.Answer("IAC SB TTYPE 1 IAC SE")), Words(Wire(std::string("IAC SB TTYPE 0 ") + name + " IAC SE")));
+        EXPECT_EQ(Words(rig.Answer("IAC SB TTYPE 1 IAC SE")),
+                  Words(Wire(std::string("IAC SB TTYPE 0 ") + name + " IAC SE")));
     EXPECT_EQ(rig.Answer("IAC SB TTYPE 0 xterm IAC SE"), "") << "only a request is answered";
 }
 
@@ -195,7 +199,8 @@ TEST(Telnet, TakesTextOutOfTheProtocol)
         {"commands are no text", Wire("a IAC NOP IAC DM IAC BRK IAC IP IAC 249 b"), "ab"},
         {"sub-negotiations are no text", Wire("a IAC SB TTYPE 1 IAC SE IAC SB 77 x IAC IAC y IAC SE b"), "ab"},
         {"one that is broken off by a command", Wire("IAC SB TTYPE 1 IAC WILL ECHO ab"), "ab"},
-        {"text after an endless one shows again", Wire("IAC SB TTYPE") + std::string(64 * 1024, 'x') + "shown", "shown"},
+        {"text after an endless one shows again", Wire("IAC SB TTYPE") + std::string(64 * 1024, 'x') + "shown",
+         "shown"},
     };
     for (const Case& c : cases) {
         TelnetRig rig;
@@ -261,7 +266,8 @@ TEST(Telnet, NeverLoopsWithAPeerOfItsOwnKind)
 // Interesting bytes are frequent, so that every state is reached and every border cut.
 std::string RandomWire(std::mt19937& random)
 {
-    static const std::string common = Wire("IAC IAC IAC SB SE WILL DO DONT WONT ECHO TTYPE NAWS BINARY SGA ENVIRON 13 a 2");
+    static const std::string common =
+        Wire("IAC IAC IAC SB SE WILL DO DONT WONT ECHO TTYPE NAWS BINARY SGA ENVIRON 13 a 2");
     std::string wire;
     for (int i = 0; i < 200; ++i)
         wire += random() % 8 ? common[random() % common.size()] : static_cast<char>(random() % 256);

@@ -146,7 +146,8 @@ TEST(TelnetLine, SaysWhyItCouldNotConnect)
         {TelnetTo(u"h"_s, u"0"_s), 0x32726, u"Unable to connect to h: \"0\" is not a port number or a service name."_s},
         {TelnetTo(u"h"_s, u"65536"_s), 0x32726,
          u"Unable to connect to h: \"65536\" is not a port number or a service name."_s},
-        {TelnetTo(u"h"_s, u"-1"_s), 0x32726, u"Unable to connect to h: \"-1\" is not a port number or a service name."_s},
+        {TelnetTo(u"h"_s, u"-1"_s), 0x32726,
+         u"Unable to connect to h: \"-1\" is not a port number or a service name."_s},
         {TelnetTo(u"h"_s, u"no such"_s), 0x32726,
          u"Unable to connect to h: \"no such\" is not a port number or a service name."_s},
     };
@@ -191,7 +192,8 @@ TEST(TelnetLine, GivesUpAfterItsTimeLimit)
 TEST(TelnetLine, CanBeCancelledAtEachStep)
 {
     ScriptedHost host;
-    for (const LineState step : {LineState::Closed, LineState::Resolving, LineState::Connecting, LineState::Connected}) {
+    for (const LineState step :
+         {LineState::Closed, LineState::Resolving, LineState::Connecting, LineState::Connected}) {
         LineRig rig(host.Options());
         rig.line->Open();
         if (step != LineState::Closed) {

@@ -47,10 +47,10 @@ public:
         free.listen(QHostAddress::LocalHost);
         port_ = free.serverPort();
         free.close();
-        process_.start(u"timeout"_s,
-                       {u"-k"_s, u"1"_s, u"90"_s, u"socat"_s,
-                        u"TCP-LISTEN:%1,bind=127.0.0.1,reuseaddr,fork"_s.arg(port_),
-                        u"EXEC:/usr/sbin/telnetd -h --accept-env=USER --exec-login=%1,nofork"_s.arg(script.fileName())});
+        process_.start(
+            u"timeout"_s,
+            {u"-k"_s, u"1"_s, u"90"_s, u"socat"_s, u"TCP-LISTEN:%1,bind=127.0.0.1,reuseaddr,fork"_s.arg(port_),
+             u"EXEC:/usr/sbin/telnetd -h --accept-env=USER --exec-login=%1,nofork"_s.arg(script.fileName())});
     }
     ~TelnetServer() { Kill(); }
     void Kill()

@@ -33,8 +33,8 @@ protected:
         std::function<void()> before{}; // told first
     };
 
-    virtual void Begin() = 0;      // starts to connect; every failure goes through Fail
-    virtual void LetGo() = 0;      // ends timers, sockets, programs; nothing may be received after it
+    virtual void Begin() = 0;       // starts to connect; every failure goes through Fail
+    virtual void LetGo() = 0;       // ends timers, sockets, programs; nothing may be received after it
     virtual void TakeWaiting() = 0; // receiving is on again: take what has been waiting
 
     void EnterState(LineState state, const QString& text);

@@ -59,8 +59,8 @@ HostAddress HostAddress::From(const QString& hostField, const QString& portField
     else if (!IsHost(result.host))
         result.error = tr("Unable to connect: \"%1\" is not a host name or address.").arg(result.host.left(80));
     else if (!ascii && !idn)
-        result.error = tr("Unable to connect to %1: international host names are switched off for this session.")
-                           .arg(result.host);
+        result.error =
+            tr("Unable to connect to %1: international host names are switched off for this session.").arg(result.host);
     else if (const auto number = port.isEmpty() ? std::optional(defaultPort) : PortNumber(port))
         result.port = *number;
     else

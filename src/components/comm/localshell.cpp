@@ -28,9 +28,16 @@ constexpr Clock::Duration QuietAfterEnd{50};
 constexpr Clock::Duration ReopenTime{100};
 
 // Facts about another terminal, or about how we were started, that would mislead a program in this one.
-constexpr std::array NotInherited{"COLUMNS",      "LINES",        "TERMCAP",           "COLORTERM",
-                                  "TERM_PROGRAM", "VTE_VERSION",  "TERM_PROGRAM_VERSION", "WINDOWID",
-                                  "DBUS_STARTER_ADDRESS", "DBUS_STARTER_BUS_TYPE"};
+constexpr std::array NotInherited{"COLUMNS",
+                                  "LINES",
+                                  "TERMCAP",
+                                  "COLORTERM",
+                                  "TERM_PROGRAM",
+                                  "VTE_VERSION",
+                                  "TERM_PROGRAM_VERSION",
+                                  "WINDOWID",
+                                  "DBUS_STARTER_ADDRESS",
+                                  "DBUS_STARTER_BUS_TYPE"};
 
 std::vector<std::string> ChildEnvironment(const QString& terminalName)
 {

@@ -70,10 +70,10 @@ private:
     enum class State : std::uint8_t
     {
         Data,
-        Command,      // after IAC
-        Option,       // after IAC WILL, WONT, DO or DONT
-        SubOption,    // after IAC SB
-        SubData,      // inside a sub-negotiation
+        Command,       // after IAC
+        Option,        // after IAC WILL, WONT, DO or DONT
+        SubOption,     // after IAC SB
+        SubData,       // inside a sub-negotiation
         SubDataCommand // IAC inside a sub-negotiation
     };
     struct OptionRow;

@@ -96,8 +96,8 @@ void TelnetLine::Begin()
     host_ = address.host;
     port_ = address.port;
     const int seconds = Options().connectTimeout > 0 ? Options().connectTimeout : DefaultConnectTimeout;
-    connectLimit_ = Time().After(std::chrono::seconds(seconds),
-                                 [this] { SocketFailed(QAbstractSocket::SocketTimeoutError); });
+    connectLimit_ =
+        Time().After(std::chrono::seconds(seconds), [this] { SocketFailed(QAbstractSocket::SocketTimeoutError); });
     Listener().LineDeviceStatus(tr("Telnet %1:%2").arg(host_).arg(port_));
     EnterState(LineState::Resolving, tr("Looking up %1").arg(host_));
     if (!HasEnded())
