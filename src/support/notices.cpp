@@ -4,7 +4,8 @@
 
 namespace kestrune {
 
-using namespace Qt::StringLiterals;
+using Qt::StringLiterals::operator""_L1;
+using Qt::StringLiterals::operator""_s;
 
 QString NotImplementedLine(const QString& feature)
 {
