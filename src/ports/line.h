@@ -1,7 +1,9 @@
 #pragma once
 
 // What an emulator needs of a line to a host, for every kind of device, and what it is told in return.
-// All calls and all notices are on the user-interface thread. Nothing is told from inside Open().
+// All calls and all notices are on the user-interface thread. Nothing is told from inside Open() or Close().
+// Inside a notice any call on the line is allowed. The line may be destroyed inside LineClosed, which is
+// always the last thing it says, but not inside another notice.
 
 #include <QByteArray>
 #include <QString>
@@ -46,6 +48,8 @@ struct LineOptions
     bool tcpNoDelay = false;
     bool tcpIdn = false; // host names outside ASCII go through IDNA
     QByteArray userName; // NEW-ENVIRON USER, SSH user; empty: not sent
+    bool utf8 = false;   // local program: its tty erases whole UTF-8 characters
+    char eraseCharacter = '\x7f'; // local program: what the Backspace key sends, for the tty's erase character
 
     struct Telnet
     {
@@ -78,8 +82,29 @@ enum class LineState : qint16
     Closing = 5
 };
 
-// The top byte of an error word holds flags.
-inline constexpr quint32 LineErrorCanResume = 0x01000000;
+// An error word: bits 24 to 31 flags, 16 to 23 the device number, 0 to 15 the error. Errors of the network
+// devices are the socket numbers that users of other platforms know from their help pages.
+inline constexpr quint32 LineErrorCanResume = 0x02000000; // bit 25: the host side can be resumed
+
+namespace LineErrorNumber {
+inline constexpr quint16 NoSuchFile = 2; // local program: not found
+inline constexpr quint16 AccessDenied = 10013;
+inline constexpr quint16 InvalidArgument = 10022;
+inline constexpr quint16 NetworkDown = 10050;
+inline constexpr quint16 NetworkUnreachable = 10051;
+inline constexpr quint16 ConnectionReset = 10054;
+inline constexpr quint16 NoBufferSpace = 10055;
+inline constexpr quint16 NotConnected = 10057;
+inline constexpr quint16 TimedOut = 10060;
+inline constexpr quint16 ConnectionRefused = 10061;
+inline constexpr quint16 HostUnreachable = 10065;
+inline constexpr quint16 HostNotFound = 11001;
+} // namespace LineErrorNumber
+
+constexpr quint32 LineErrorWord(Device device, quint16 number)
+{
+    return static_cast<quint32>(device) << 16 | number;
+}
 
 class LineListener
 {
@@ -93,20 +118,27 @@ public:
     virtual void LineClosed() = 0; // nothing is received after it
     // The program at the far end has ended and said how (a local program, SSH). Comes before LineClosed.
     virtual void LineProgramEnded(int exitCode, int signalNumber) = 0;
-    // The far side does, or no longer does, echo what is typed (telnet ECHO).
+    // The far side does, or no longer does, echo what is typed (telnet ECHO). Told after each agreement; before
+    // the first one a network virtual terminal does not echo, every other device does.
     virtual void LineRemoteEcho(bool remote) = 0;
+    // All that was sent has been taken by the system: Unsent() is 0 again. For a paste that paces itself.
+    virtual void LineDrained() {}
 };
 
 class Line
 {
 public:
+    static constexpr qsizetype MaxUnsent = 8 * 1024 * 1024;
+
     virtual ~Line() = default; // closes without notices
     virtual void Open() = 0;   // the outcome comes through the listener
     virtual void Close() = 0;  // harmless when closed; LineClosed follows once
     virtual bool IsOpen() const = 0;
-    virtual void Send(std::string_view bytes) = 0; // queued; what a dead line cannot take is dropped with an error
-    virtual qsizetype Unsent() const = 0;          // bytes queued here: paste and transfers pace themselves by it
-    virtual void SetReceiving(bool on) = 0;        // false: take nothing from the far side until true again
+    // Queued. What does not fit into the queue (MaxUnsent) of a host that takes nothing is dropped whole, with an
+    // error; so is what is sent before the line is open or after it has closed, without one.
+    virtual void Send(std::string_view bytes) = 0;
+    virtual qsizetype Unsent() const = 0;   // bytes queued here: paste and transfers pace themselves by it
+    virtual void SetReceiving(bool on) = 0; // false: tell nothing more from the far side until true again
     virtual void Resize(const TerminalSize& size) = 0;
     virtual void Break(int milliseconds) = 0;
     virtual bool HasChildren() const { return false; } // a program besides the shell itself is running there
