@@ -14,11 +14,10 @@ class ScriptEnginePort;
 class RecorderPort;
 class CommandPort;
 class Questions;
-class KeyFiles;
 class Clock;
 class MainWindow;
 class SessionMenus;
-struct Folders;
+struct SettingsLayer;
 
 class ApplicationPort
 {
@@ -36,8 +35,7 @@ public:
     virtual MainWindow* Frame() = 0; // null in a run for the settings alone
 
     // --- the world, as its parts see it
-    virtual KeyFiles& Files() = 0;
-    virtual Folders& Paths() = 0; // SessionDir follows the file loaded last
+    virtual SettingsLayer& Layer() = 0; // settings/layer.h; its SessionDir follows the file loaded last
     virtual Clock& Time() = 0;
 
     // --- global settings

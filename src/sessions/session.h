@@ -171,6 +171,7 @@ private:
     bool ConfirmDisconnect(const QString& title);
     bool ConfirmSave(const QString& title);
     void ApplyCopyPasteShortcut();
+    void EnablePasteTool();
     void SetSessionIcon();
     int OrdinalAmongSameFile() const;
     SessionWindow& Window() const;
