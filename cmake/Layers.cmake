@@ -14,7 +14,7 @@ set(_qt_ui Qt6::Core Qt6::Gui Qt6::Widgets)
 # --- below everything
 house_layer(dispatch ${_qt_core})
 house_layer(ports dispatch ${_qt_core})
-house_layer(platform ${_qt_core})
+house_layer(platform dispatch ports ${_qt_core}) # raises Failure, gives the event loop's Clock
 house_layer(support_core ports dispatch platform ${_qt_core})
 house_layer(support_ui support_core ports dispatch platform ${_qt_ui})
 
@@ -25,7 +25,7 @@ house_layer(emulator_control emulator_engine emulator_personalities ports dispat
 house_layer(emulator_view emulator_control emulator_engine ports dispatch ${_qt_ui})
 house_layer(comm_core)
 house_layer(comm comm_core ports dispatch platform ${_qt_core} Qt6::Network)
-house_layer(textfile platform ${_qt_core})
+house_layer(textfile platform dispatch ${_qt_core})
 house_layer(menubar_core ports dispatch ${_qt_core})
 house_layer(menubar_ui menubar_core ports dispatch ${_qt_ui})
 

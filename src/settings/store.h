@@ -1,0 +1,47 @@
+#pragma once
+
+// The settings store: the one pair of read and write operations for the user's values. They go to the current
+// user's hive, to the private file of an isolated installation, or nowhere. There is no cache. Reads never fail,
+// writes are silent, and a value equal to its default reads back as the default.
+
+#include <QString>
+
+namespace kestrune {
+
+class Isolation;
+class Profile;
+class RegFuncs;
+
+// The number 70 is that of an earlier release and stands for all releases of the 7 series, on purpose.
+namespace StoreKey {
+inline constexpr char16_t Settings[] = u"Software\\Tavle\\orlin70\\Settings";
+inline constexpr char16_t RecentFiles[] = u"Software\\Tavle\\orlin70\\Settings\\RecentFiles";
+inline constexpr char16_t WelcomePage[] = u"Software\\Tavle\\orlin70\\Settings\\WelcomePage";
+inline constexpr char16_t Control[] = u"Software\\Tavle\\orlin70\\Control";
+} // namespace StoreKey
+
+class Store
+{
+public:
+    Store(const Isolation& isolation, RegFuncs& registry, Profile& profile)
+        : isolation_(isolation), registry_(registry), profile_(profile)
+    {}
+
+    QString StoreGetString(const QString& key, const QString& name, const QString& defaultValue) const;
+    void StoreSetString(const QString& key, const QString& name, const QString& value, const QString& defaultValue);
+    void StoreDeleteKey(const QString& key);
+
+    bool IsolationActive() const; // the store is anything other than the hive
+    QString IsolationAppDataDir() const;
+    QString IsolationUserDataDir() const;
+
+    // Section of the private file for a key: "Software\Tavle\orlin70\Settings" is "orlin70_Settings".
+    static QString SectionOf(const QString& key);
+
+private:
+    const Isolation& isolation_;
+    RegFuncs& registry_;
+    Profile& profile_;
+};
+
+} // namespace kestrune
