@@ -42,6 +42,14 @@ enum class HostCharset
     Cp850
 };
 
+// What the Backspace key sends until the host says otherwise (DECBKM).
+enum class BackspaceKey : uint8_t
+{
+    AsType, // as the real terminal did
+    Bs,
+    Del
+};
+
 struct TerminalOptions
 {
     Size size;
@@ -49,7 +57,10 @@ struct TerminalOptions
     HostCharset charset = HostCharset::Latin1;
     bool eightBitControls = true; // 0x80..0x9F are C1 controls where the type has them and the charset allows
     bool autoWrap = true;
-    std::string answerBack;
+    bool applicationCursor = false; // power-up states of DECCKM and DECKPAM
+    bool applicationKeypad = false;
+    BackspaceKey backspace = BackspaceKey::AsType;
+    std::string answerBack; // bytes sent for ENQ, at most 255
 };
 
 enum class LineSize : uint8_t
@@ -60,8 +71,9 @@ enum class LineSize : uint8_t
     DoubleBottom
 };
 
-// A look at one row. Valid until the terminal is next changed. cells may be shorter than the screen is wide:
-// the rest is blank in the plain style (history keeps only the used part of a line).
+// A look at one row. Valid until the terminal is next changed; of the history, 512 rows can be looked at side by
+// side, a further one may take the place of the oldest look. cells may be shorter than the screen is wide: the
+// rest is blank in the plain style (history keeps only the used part of a line).
 struct RowView
 {
     std::span<const Cell> cells;
@@ -117,8 +129,8 @@ public:
     virtual void ScreenSizeChanged(Size size) { (void)size; }        // the host asked for it (80/132) or Resize did it
     virtual void KeyboardLockChanged(bool locked) { (void)locked; }
     virtual void PrinterData(std::string_view bytes) { (void)bytes; }    // controller mode, auto print, print screen
-    virtual void PrinterStateChanged(int state) { (void)state; }         // -1 off, 0 idle, 1 on
-    virtual void HistoryAdded(int rows) { (void)rows; }                  // lines that went up into the history
+    virtual void PrinterStateChanged(int state) { (void)state; }         // 1 auto print or controller mode, 0 idle
+    virtual void HistoryAdded(int rows) { (void)rows; }                  // sum of one Receive or Resize
     virtual void ClipboardOffered(std::string_view utf8) { (void)utf8; } // OSC 52 write; taken only if allowed
 };
 
@@ -137,16 +149,21 @@ public:
     void Resize(Size size); // 1..1000 cols, 1..500 rows, clamped
     void SetHistoryRows(int rows);
     void SetCharset(HostCharset charset);
+    // All of the options at once: size, history and charset as by the calls above, the power-up states of modes
+    // also take effect now.
+    void SetOptions(const TerminalOptions& options);
     void SelectPersonality(const Personality& personality); // the screen stays
     void Reset();                                           // to the power-up state; history stays
     void ClearHistory();
 
     // --- reading
     Size ScreenSize() const;
-    Position Cursor() const;        // col == cols - 1 with a wrap pending
-    int HistoryCount() const;       // rows -HistoryCount() .. -1 exist
-    uint64_t HistoryPushed() const; // lines ever moved to the history: keeps selections in place
-    RowView Row(int row) const;     // -HistoryCount() .. rows - 1
+    Position Cursor() const;  // col == cols - 1 with a wrap pending
+    int HistoryCount() const; // rows -HistoryCount() .. -1 exist
+    // Lines ever moved to the history, less those that a taller screen took back: HistoryPushed() + row names the
+    // same line for as long as it exists, which keeps selections in place.
+    uint64_t HistoryPushed() const;
+    RowView Row(int row) const; // -HistoryCount() .. rows - 1
     const Style& StyleOf(StyleId id) const;
     std::u32string_view ClusterOf(uint32_t text) const; // for cells with ClusterBit
     std::string_view LinkOf(uint16_t link) const;
@@ -158,7 +175,7 @@ public:
     std::string TextOf(int row, int fromCol, int cols) const;
 
     // --- to the host: bytes that a key, a mouse action or a paste sends under the present modes
-    std::string KeyBytes(const KeyPress& key) const;         // empty: the terminal has no such key
+    std::string KeyBytes(const KeyPress& key) const;         // empty: no such key, or the host has locked the keyboard
     std::string MouseBytes(const MouseAction& action) const; // empty: not reported
     std::string FocusBytes(bool gained) const;
     std::string
