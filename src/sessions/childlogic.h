@@ -8,9 +8,6 @@
 #include <ports/clock.h>
 #include <ports/sessionwindow.h>
 
-#include <QObject>
-
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -18,7 +15,7 @@ namespace kestrune {
 
 class ApplicationPort;
 class clsSession;
-class ctlEmulator;
+class EmulatorEvents;
 
 // Who closes the window; the numbers are those of the platform's close query.
 enum class UnloadMode : int
@@ -30,13 +27,14 @@ enum class UnloadMode : int
     MainWindow = 4
 };
 
-class ChildLogic : public QObject
+class ChildLogic
 {
-    Q_OBJECT
 public:
-    // Connects itself to the emulator's events. window outlives it.
+    // Listens to the emulator's events from now on. window outlives it.
     ChildLogic(ApplicationPort& application, SessionWindow& window);
-    ~ChildLogic() override;
+    ~ChildLogic();
+    ChildLogic(const ChildLogic&) = delete;
+    ChildLogic& operator=(const ChildLogic&) = delete;
 
     std::shared_ptr<clsSession> Session() const; // null: none, or it has ended
 
@@ -60,21 +58,14 @@ public:
     void SetMenuDirty() { menuDirty_ = true; }
     void RefreshMenu();
     bool CanClose() const { return canClose_; }
-    quint32 LastError() const { return lastError_; } // error word, 0: none
 
     // --- deferred work: runs from the message loop, and not at all when the session is gone by then
     void PostClose();
     void PostTransfer(const TransferRequest& request);
 
 private:
-    void ConnectEmulator(ctlEmulator& emulator);
-    void Caption(int tool, const QString& text);
-    void FocusLater();
+    void FocusAfterActivation();
     bool ActivateNextInOrder();
-    void SayOnScreen(const QString& text);
-    void CommError(quint32& errorWord, const QString& description, bool fatal);
-    void Disconnected();
-    QString TermTypeName(int type) const;
 
     ApplicationPort& application_;
     SessionWindow& window_;
@@ -83,10 +74,10 @@ private:
     bool menuDirty_ = false;
     bool canClose_ = true;
     bool swallowDeactivation_ = false;
-    quint32 lastError_ = 0;
     WindowPlace lastPlace_{0, 0, 0, 0, -1};
     std::optional<Clock::Duration> lastActivation_;
     std::unique_ptr<Clock::Timer> activateTimer_;
+    std::unique_ptr<EmulatorEvents> events_;
 };
 
 } // namespace kestrune

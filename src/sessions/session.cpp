@@ -1,16 +1,20 @@
 #include <sessions/session.h>
 
 #include <dispatch/failure.h>
-#include <dispatch/propertybag.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/control/emulatorsettings.h>
 #include <ports/application.h>
 #include <ports/menutools.h>
 #include <ports/sessionmenus.h>
 #include <ports/sessionwindow.h>
+#include <sessions/sessionfile.h>
 #include <sessions/sessions.h>
 #include <sessions/tools.h>
+#include <settings/layer.h>
 #include <support/errors.h>
+#include <support/ordlst.h>
+
+#include "sessiontitle.h"
 
 #include <array>
 
@@ -63,7 +67,7 @@ std::shared_ptr<clsSession> clsSession::Create(ApplicationPort& application)
     session->SetId(QString::number(session->number_));
     session->Settings().SetValue(Setting("FontName"), session->DefaultFontName());
     application.Sessions().clsAdd(session);
-    session->saveDir_ = application.Paths().HomeDir;
+    session->saveDir_ = application.Layer().folders.HomeDir;
     session->LoadGlobalSettings();
     session->SetSessionTitle();
     application.Order().Add(session->number_);
@@ -235,27 +239,8 @@ void clsSession::SetMousePatterns(const QString&) { NotServed(u"MousePatterns"_s
 QString clsSession::Script() const { NotServed(u"Script"_s); }
 void clsSession::SetScript(const QString&) { NotServed(u"Script"_s); }
 
-void clsSession::ReadProperties(const PropertyBag& bag)
-{
-    SetAutoClose(bag.ReadProperty(u"SessionAutoClose"_s, false).ToBoolean());
-    SetCaption(bag.ReadProperty(u"SessionTitle"_s).ToText());
-    SetIcon(bag.ReadProperty(u"SessionIcon"_s).ToText());
-    SetMouseTable(bag.ReadProperty(u"SessionMouseTable"_s).ToText());
-    SetShowErrs(bag.ReadProperty(u"SessionShowErrs"_s, false).ToBoolean());
-    SetCapsLock(bag.ReadProperty(u"SessionCapsLock"_s, qint16(0)).ToInteger());
-    SetCopyPasteShortcut(bag.ReadProperty(u"CopyPasteShortcut"_s, qint16(0)).ToInteger());
-}
-
-void clsSession::WriteProperties(PropertyBag& bag) const
-{
-    bag.WriteProperty(u"SessionAutoClose"_s, AutoClose(), false);
-    bag.WriteProperty(u"SessionTitle"_s, Caption(), QString());
-    bag.WriteProperty(u"SessionIcon"_s, Icon(), QString());
-    bag.WriteProperty(u"SessionMouseTable"_s, MouseTable(), QString());
-    bag.WriteProperty(u"SessionShowErrs"_s, ShowErrs(), false);
-    bag.WriteProperty(u"SessionCapsLock"_s, qint16(CapsLock()), qint16(0));
-    bag.WriteProperty(u"CopyPasteShortcut"_s, qint16(CopyPasteShortcut()), qint16(0));
-}
+void clsSession::ReadProperties(const PropertyBag& bag) { ReadSessionBag(bag, *this); }
+void clsSession::WriteProperties(PropertyBag& bag) const { WriteSessionBag(bag, *this); }
 
 // --- title, icon, menu
 
@@ -280,7 +265,7 @@ void clsSession::SetSessionTitle()
     if (!frmSession_)
         return;
     const QString title = SessionTitle({.caption = caption_,
-                                        .fileName = fileName_,
+                                        .fileTitle = application_.Layer().spec.GetFileName(fileName_),
                                         .server = serverMode_ != 0,
                                         .format = application_.TitleFormat(),
                                         .id = id_,
@@ -300,7 +285,8 @@ void clsSession::SetServer(int mode, const QString& name)
 void clsSession::SetSessionIcon()
 {
     if (frmSession_)
-        frmSession_->ChangeIcon(DotToAbsPath(icon_, application_.Paths().ProgramDir));
+        frmSession_->ChangeIcon(
+            application_.Layer().spec.ExpandPath(icon_, application_.Layer().folders.ProgramDir, {}));
 }
 
 QString clsSession::DefaultFontName() const

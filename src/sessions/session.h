@@ -11,6 +11,7 @@
 #include <QObject>
 
 #include <memory>
+#include <optional>
 
 namespace kestrune {
 
@@ -166,7 +167,7 @@ private:
     explicit clsSession(ApplicationPort& application);
     void LoadSession(const QString& fileName);
     bool SaveSession(const QString& name, Dialog dialog); // false: cancelled
-    QString AskForFileName() const;
+    std::optional<QString> AskForFileName() const;
     void WriteFile();
     bool ConfirmDisconnect(const QString& title);
     bool ConfirmSave(const QString& title);

@@ -1,7 +1,5 @@
 #include "sessiontitle.h"
 
-#include <settings/filespec.h>
-
 #include <QObject>
 
 namespace kestrune {
@@ -12,8 +10,8 @@ QString BaseTitle(const TitleFacts& facts)
 {
     if (!facts.caption.isEmpty())
         return facts.caption;
-    if (!facts.fileName.isEmpty())
-        return GetFileNameWithoutExt(facts.fileName);
+    if (!facts.fileTitle.isEmpty())
+        return facts.fileTitle;
     return QObject::tr("New Session");
 }
 

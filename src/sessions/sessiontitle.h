@@ -8,8 +8,8 @@ namespace kestrune {
 
 struct TitleFacts
 {
-    QString caption;  // the user's own, may be empty
-    QString fileName; // full path, may be empty
+    QString caption;   // the user's own, may be empty
+    QString fileTitle; // the file's name without folder and extension, may be empty
     bool server = false;
     int format = 4; // the application's TitleFormat
     QString id;
