@@ -4,9 +4,7 @@
 #include <sessions/layout.h>
 #include <sessions/session.h>
 #include <sessions/sessions.h>
-#include <settings/filespec.h>
-#include <settings/profile.h>
-#include <settings/store.h>
+#include <settings/layer.h>
 #include <support/errors.h>
 
 #include <algorithm>
@@ -80,8 +78,8 @@ constexpr Effect kEffects[] = {
 Kestrune* Kestrune::Application() { return theApplication; }
 
 Kestrune::Kestrune(const Parts& parts, StartMode mode)
-    : parts_(parts), mode_(std::move(mode)), iniPath_(InstallationIniFile(parts.folders)),
-      stored_(parts.spec, parts.folders, parts.store, parts.profile, iniPath_)
+    : parts_(parts), mode_(std::move(mode)), iniPath_(InstallationIniFile(parts.layer.folders)),
+      stored_(parts.layer.spec, parts.layer.folders, parts.layer.store, parts.layer.profile, iniPath_)
 {
     static_assert(std::tuple_size_v<decltype(held_)> == static_cast<std::size_t>(GlobalId::TelnetHostsFile) + 1);
     if (theApplication != nullptr)
@@ -244,12 +242,12 @@ QString Kestrune::Caption() const
 
 int Kestrune::FuncBarBank() const
 {
-    return ParseNumber(parts_.store.StoreGetString(StoreKey::Settings, u"FuncBarBank"_s, u"0"_s));
+    return ParseNumber(parts_.layer.store.StoreGetString(StoreKey::Settings, u"FuncBarBank"_s, u"0"_s));
 }
 
 void Kestrune::SetFuncBarBank(int bank)
 {
-    parts_.store.StoreSetString(StoreKey::Settings, u"FuncBarBank"_s, QString::number(bank), u"0"_s);
+    parts_.layer.store.StoreSetString(StoreKey::Settings, u"FuncBarBank"_s, QString::number(bank), u"0"_s);
 }
 
 // --- recent files
@@ -258,7 +256,7 @@ QString Kestrune::Normalised(const QString& name) const
 {
     QString path = name;
     SpecParts parts;
-    parts_.spec.ParseFileSpec(path, parts);
+    parts_.layer.spec.ParseFileSpec(path, parts);
     return path;
 }
 
@@ -278,9 +276,9 @@ void Kestrune::LoadRecentList()
 {
     QStringList names;
     for (int i = 1; i <= recent_.ListSize(); ++i) {
-        const QString stored = parts_.store.StoreGetString(StoreKey::RecentFiles, u"File_%1"_s.arg(i), {});
+        const QString stored = parts_.layer.store.StoreGetString(StoreKey::RecentFiles, u"File_%1"_s.arg(i), {});
         if (!stored.isEmpty())
-            names.append(parts_.spec.ExpandPath(stored, parts_.folders.HomeDir, parts_.folders.DocumentsDir));
+            names.append(parts_.layer.spec.ExpandPath(stored, parts_.layer.folders.HomeDir, parts_.layer.folders.DocumentsDir));
     }
     recent_.Load(names);
     frame_->RecentFilesChanged();
@@ -288,11 +286,11 @@ void Kestrune::LoadRecentList()
 
 void Kestrune::RewriteRecentList()
 {
-    parts_.store.StoreDeleteKey(StoreKey::RecentFiles);
+    parts_.layer.store.StoreDeleteKey(StoreKey::RecentFiles);
     for (int i = 1; i <= recent_.ListCount(); ++i)
-        parts_.store.StoreSetString(
+        parts_.layer.store.StoreSetString(
             StoreKey::RecentFiles, u"File_%1"_s.arg(i),
-            parts_.spec.ContractPath(recent_.ListItem(i), parts_.folders.HomeDir, parts_.folders.DocumentsDir), {});
+            parts_.layer.spec.ContractPath(recent_.ListItem(i), parts_.layer.folders.HomeDir, parts_.layer.folders.DocumentsDir), {});
     if (frame_ != nullptr)
         frame_->RecentFilesChanged();
 }

@@ -14,6 +14,7 @@
 #include <ports/pieces.h>
 #include <ports/scriptengine.h>
 #include <settings/globals.h>
+#include <settings/layer.h>
 #include <support/ordlst.h>
 #include <support/recentlist.h>
 
@@ -23,10 +24,6 @@
 #include <optional>
 
 namespace kestrune {
-
-class FileSpec;
-class Profile;
-class Store;
 
 struct StartMode
 {
@@ -40,11 +37,7 @@ class Kestrune final : public ApplicationPort
 public:
     struct Parts // what it stands on; all of it outlives the object
     {
-        const FileSpec& spec;
-        Folders& folders;
-        kestrune::Store& store;
-        Profile& profile;
-        KeyFiles& files;
+        SettingsLayer& layer;
         Clock& clock;
         Questions& ask;
         RecorderPort& recorder;
@@ -128,8 +121,7 @@ public:
     ScriptEnginePort* ScriptEngine(bool noCreate) override;
     SessionMenus& Menus() override { return *commands_; }
     kestrune::MainWindow* Frame() override { return frame_.get(); }
-    KeyFiles& Files() override { return parts_.files; }
-    Folders& Paths() override { return parts_.folders; }
+    SettingsLayer& Layer() override { return parts_.layer; }
     Clock& Time() override { return parts_.clock; }
 
     int TitleFormat() const override { return Number(GlobalId::TitleFormat); }

@@ -8,13 +8,13 @@
 #include <ports/sessionwindow.h>
 #include <sessions/controltext.h>
 #include <sessions/layout.h>
+#include <sessions/savewords.h>
 #include <sessions/session.h>
 #include <sessions/sessions.h>
+#include <settings/layer.h>
 #include <support/errors.h>
 #include <support/msgbox.h>
 #include <support/notices.h>
-
-#include <QFileInfo>
 
 #include <algorithm>
 #include <array>
@@ -60,21 +60,19 @@ void Save(const CommandCall& call)
         SaveAs(call);
         return;
     }
-    const QString file = session.FileName();
-    const QString copy = u"To save a copy, click OK, then give the session a new name in the Save As dialog box."_s;
+    const auto alive = session.shared_from_this(); // a box runs the message loop
     try {
         session.Save({});
     } catch (const Failure& failure) {
-        QString text;
-        if (failure.Number() == ErrorNumber::FileNotFound)
-            text = u"The folder or file name '"_s + file + u"' is not valid. "_s + copy;
-        else if (failure.Number() == ErrorNumber::PathAccess)
-            text = u"'"_s + QFileInfo(file).fileName() + u"' is read-only. "_s + copy;
-        if (text.isEmpty()) {
+        const QString words =
+            SaveFailureWords(failure, SavedThing::Session, call.application.Layer().spec, session.FileName());
+        if (words.isEmpty()) {
             call.host.ShowNotice(failure.Text()); // no box for these, but the user must know that nothing was saved
             return;
         }
-        MsgBox(call.application.Ask(), text, MsgFlag::Exclamation);
+        MsgBox(call.application.Ask(), words, MsgFlag::Exclamation);
+        if (session.Terminated())
+            return;
         SaveAs(call);
     }
 }
