@@ -1,10 +1,12 @@
 #include <sessions/files.h>
 
 #include <settings/layer.h>
-#include <textfile/textfile.h>
 
 #include <QStringList>
 
+#include "textlines.h"
+
+#include <algorithm>
 #include <array>
 
 namespace kestrune {

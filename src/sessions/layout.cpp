@@ -15,6 +15,9 @@
 #include <support/msgbox.h>
 
 #include <QCoreApplication>
+#include <QRegularExpression>
+
+#include <algorithm>
 
 #include "hourglass.h"
 
@@ -27,6 +30,7 @@ namespace {
 constexpr int LayoutLoaded = 2;
 constexpr int NotALayout = 0;
 constexpr QStringView MainModule = u"Main";
+constexpr int MostScriptLines = 10000; // a count from a file is not believed beyond this
 
 QString LayoutTr(const char* text) { return QCoreApplication::translate("kestrune::Layout", text); }
 
@@ -40,6 +44,7 @@ public:
         : profile_(profile), file_(file), section_(section)
     {}
 
+    bool IsThere() const { return !profile_.ProfileGetKeys(section_, file_).isEmpty(); }
     QString Text(QStringView key) const { return profile_.ProfileGetString(section_, key.toString(), {}, file_); }
     int Number(QStringView key) const { return profile_.ProfileGetInt(section_, key.toString(), 0, file_); }
     bool Flag(QStringView key) const { return profile_.ProfileGetBool(section_, key.toString(), false, file_); }
@@ -71,6 +76,29 @@ private:
     QString file_;
     QString section_;
 };
+
+// A value is one line, a script may have many: the first stands in "Script", where it has always been, the others in
+// "Script2" and on.
+QString ScriptKey(int line) { return line == 1 ? u"Script"_s : u"Script"_s + QString::number(line); }
+
+QString Script(const LayoutPart& main)
+{
+    QStringList lines{main.Text(ScriptKey(1))};
+    const int count = std::min(main.Number(u"ScriptLines"), MostScriptLines);
+    for (int line = 2; line <= count; ++line)
+        lines.append(main.Text(ScriptKey(line)));
+    return lines.join(u"\r\n"_s);
+}
+
+void SetScript(LayoutPart& main, const QString& text)
+{
+    static const QRegularExpression lineEnd(u"\r\n|\r|\n"_s);
+    const QStringList lines = text.isEmpty() ? QStringList() : text.split(lineEnd);
+    for (int line = 1; line <= lines.size(); ++line)
+        main.SetText(ScriptKey(line), lines.at(line - 1));
+    if (lines.size() > 1)
+        main.SetNumber(u"ScriptLines", int(lines.size()));
+}
 
 // The restored place first, then the state. A layout without sizes leaves the window's own.
 template <typename Window>
@@ -144,13 +172,15 @@ int OpenLayout(ApplicationPort& application, const QString& file, LayoutScript s
         const auto session = OpenPart(application, part, file);
         if (session && part.Flag(u"Active"))
             active = session;
+        if (!part.IsThere()) // the numbering has no gaps, so the count was wrong
+            break;
     }
     if (active) {
         application.Frame()->RunEventsOnce();
         if (!active->Terminated())
             active->Activate();
     }
-    if (const QString text = main.Text(u"Script"); script == LayoutScript::Run && !text.isEmpty())
+    if (const QString text = Script(main); script == LayoutScript::Run && !text.isEmpty())
         application.ScriptEngine(false)->RunModule(text, MainModule.toString(), MainModule.toString());
     application.AddRecent(file);
     return LayoutLoaded;
@@ -170,7 +200,7 @@ void WriteLayout(ApplicationPort& application, const QString& file)
 {
     SettingsLayer& layer = application.Layer();
     ProfileGroup group(layer.profile, file);
-    for (const QString& section : layer.profile.ProfileGetSections(file))
+    for (const QString& section : group.Document().Sections())
         layer.profile.ProfileDeleteSection(section, file);
 
     MainWindow& frame = *application.Frame();
@@ -196,7 +226,7 @@ void WriteLayout(ApplicationPort& application, const QString& file)
     }
     main.SetNumber(u"Files", count);
     if (const ScriptEnginePort* engine = application.ScriptEngine(true))
-        main.SetText(u"Script", engine->ModuleText(MainModule.toString()));
+        SetScript(main, engine->ModuleText(MainModule.toString()));
     group.Commit();
 }
 
@@ -221,18 +251,18 @@ void SaveLayout(ApplicationPort& application)
 
 bool SaveLayoutAs(ApplicationPort& application)
 {
-    FileDialogRequest request;
-    request.title = LayoutTr("Save As");
-    request.folder = application.Layer().folders.SessionDir;
-    request.name = application.LayoutFileName();
-    request.defaultExtension = u"orly"_s;
-    request.filter = LayoutTr("Kestrune Layout (.orly)|*.orly|Old Kestrune Layout (.lyt)|*.lyt");
-    request.flags = SaveDialogFlags;
-    const auto name = application.Ask().SaveFile(request);
+    const QString oldName = application.LayoutFileName();
+    const auto name = application.Ask().SaveFile(
+        SaveAsDialog(SavedThing::Layout, application.Layer().folders.SessionDir, oldName));
     if (!name || name->isEmpty())
         return false;
     application.SetLayoutFileName(*name);
-    SaveLayout(application);
+    try {
+        SaveLayout(application);
+    } catch (...) {
+        application.SetLayoutFileName(oldName); // the next Save goes where the layout still is
+        throw;
+    }
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include <dispatch/failure.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/control/keynotation.h>
+#include <platform/files.h>
 #include <ports/application.h>
 #include <settings/layer.h>
 #include <settings/strfunc.h>

@@ -6,6 +6,32 @@
 
 namespace kestrune {
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char* SaveContext = "kestrune::SaveFailure";
+constexpr int SaveDialogFlags = 0x20080E;
+
+QString SaveTr(const char* text) { return QCoreApplication::translate(SaveContext, text); }
+
+} // namespace
+
+FileDialogRequest SaveAsDialog(SavedThing thing, const QString& folder, const QString& name)
+{
+    const bool session = thing == SavedThing::Session;
+    FileDialogRequest request;
+    request.title = SaveTr("Save As");
+    request.folder = folder;
+    request.name = name;
+    request.filter = session ? SaveTr("Kestrune Session (.orcf)|*.orcf|Old Kestrune Session (cfg)|*.cfg")
+                             : SaveTr("Kestrune Layout (.orly)|*.orly|Old Kestrune Layout (.lyt)|*.lyt");
+    request.defaultExtension = session ? u"orcf"_s : u"orly"_s;
+    request.filterIndex = 1;
+    request.flags = SaveDialogFlags;
+    return request;
+}
+
 Failure SaveFailure(const Failure& failure)
 {
     switch (failure.Number()) {
@@ -21,20 +47,16 @@ Failure SaveFailure(const Failure& failure)
 QString SaveFailureWords(const Failure& failure, SavedThing thing, const FileSpec& spec,
                          const QString& path)
 {
-    static constexpr const char* Context = "kestrune::SaveFailure";
-    const QString name = thing == SavedThing::Session ? QCoreApplication::translate(Context, "session")
-                                                      : QCoreApplication::translate(Context, "layout");
+    const QString name = thing == SavedThing::Session ? SaveTr("session") : SaveTr("layout");
     QString reason;
     if (failure.Number() == ErrorNumber::FileNotFound)
-        reason = QCoreApplication::translate(Context, "The folder or file name '%1' is not valid.").arg(path);
+        reason = SaveTr("The folder or file name '%1' is not valid.").arg(path);
     else if (failure.Number() == ErrorNumber::PathAccess)
-        reason = QCoreApplication::translate(Context, "'%1' is read-only.").arg(spec.GetFileNameExt(path));
+        reason = SaveTr("'%1' is read-only.").arg(spec.GetFileNameExt(path));
     else
         return {};
     return reason + u' ' +
-           QCoreApplication::translate(Context, "To save a copy, click OK, then give the %1 a new name in the Save As "
-                                                "dialog box.")
-               .arg(name);
+           SaveTr("To save a copy, click OK, then give the %1 a new name in the Save As dialog box.").arg(name);
 }
 
 } // namespace kestrune

@@ -4,6 +4,7 @@
 // save commands.
 
 #include <dispatch/failure.h>
+#include <ports/questions.h>
 
 #include <QString>
 
@@ -16,6 +17,9 @@ enum class SavedThing
     Session,
     Layout
 };
+
+// The Save As dialog of either.
+FileDialogRequest SaveAsDialog(SavedThing thing, const QString& folder, const QString& name);
 
 // A save reports a folder that is gone as 53 and a file that may not be written as 75; the rest as it came.
 Failure SaveFailure(const Failure& failure);

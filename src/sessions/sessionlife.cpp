@@ -19,27 +19,6 @@
 
 namespace kestrune {
 
-using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr int SaveDialogFlags = 0x20080E;
-
-FileDialogRequest SaveSessionDialog(const QString& folder, const QString& name)
-{
-    FileDialogRequest request;
-    request.title = clsSession::tr("Save As");
-    request.folder = folder;
-    request.name = name;
-    request.filter = clsSession::tr("Kestrune Session (.orcf)|*.orcf|Old Kestrune Session (cfg)|*.cfg");
-    request.defaultExtension = u"orcf"_s;
-    request.filterIndex = 1;
-    request.flags = SaveDialogFlags;
-    return request;
-}
-
-} // namespace
-
 // --- load
 
 void clsSession::SetFileName(const QString& name)
@@ -104,7 +83,8 @@ bool clsSession::SaveAs() { return SaveSession({}, Dialog::Always); }
 
 std::optional<QString> clsSession::AskForFileName() const
 {
-    return application_.Ask().SaveFile(SaveSessionDialog(application_.Layer().folders.SessionDir, fileName_));
+    return application_.Ask().SaveFile(
+        SaveAsDialog(SavedThing::Session, application_.Layer().folders.SessionDir, fileName_));
 }
 
 bool clsSession::SaveSession(const QString& name, Dialog dialog)

@@ -4,6 +4,8 @@
 
 namespace kestrune {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QString BaseTitle(const TitleFacts& facts)
@@ -19,7 +21,7 @@ QString BaseTitle(const TitleFacts& facts)
 
 QString SessionTitle(const TitleFacts& facts)
 {
-    const QString title = BaseTitle(facts) + (facts.server ? QStringLiteral(" [server]") : QString());
+    const QString title = BaseTitle(facts) + (facts.server ? u" [server]"_s : QString());
     const QString ordinal = facts.ordinal > 0 ? QString::number(facts.ordinal) : QString();
     const auto behind = [&title](char16_t open, const QString& number, char16_t close) {
         return number.isEmpty() ? title : title + u' ' + open + number + close;
@@ -30,9 +32,9 @@ QString SessionTitle(const TitleFacts& facts)
     case 1:
         return behind(u'[', facts.id, u']');
     case 2:
-        return u'(' + facts.id + u") " + title;
+        return u'(' + facts.id + u") "_s + title;
     case 3:
-        return u'[' + facts.id + u"] " + title;
+        return u'[' + facts.id + u"] "_s + title;
     case 5:
         return behind(u'[', ordinal, u']');
     default: // 4, and whatever else stands in the store
