@@ -187,7 +187,7 @@ public:
     FakeQuestions ask;
     FakeClipboard clipboard;
     FakeLineFactory lines;
-    NoTexts texts;
+    MemoryTextFiles texts;
     FakeRecorder recorder;
     FakeCommands commands;
     FakeSessionMenus menus;
