@@ -99,7 +99,7 @@ class FakeApplication : public ApplicationPort
 {
 public:
     FakeApplication()
-        : system(SystemIn(folder.path())), files(calls),
+        : system(SystemIn(folder.path())), files(std::exchange(nextCalls, {})),
           user(files, folder.filePath(QStringLiteral("user.hive"))),
           machine(files, folder.filePath(QStringLiteral("machine.hive"))),
           layer(PathStyle::Native(), files, system, user, machine), sessions(*this),
@@ -176,8 +176,8 @@ private:
     }
 
 public:
+    static inline SaveCalls nextCalls; // what saves of the next application stand on: a disk that is full ...
     QTemporaryDir folder;
-    SaveCalls calls; // change before use: files has its own copy
     FakeSystem system;
     NativeFileSystem files;
     FileHive user;
