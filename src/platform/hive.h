@@ -7,12 +7,14 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
 namespace kestrune {
 
 class FileSystem;
+class HiveFile;
 class System;
 
 enum class HiveValueType : int
@@ -65,6 +67,8 @@ public:
     const QString& Path() const { return path_; }
 
 private:
+    void EditExisting(const std::function<void(HiveFile&)>& change);
+
     FileSystem& files_;
     QString path_;
 };

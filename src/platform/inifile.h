@@ -52,7 +52,7 @@ private:
     {
         Kind kind = Kind::Other;
         QString name;        // section or key, trimmed
-        qsizetype value = 0; // characters in front of the value
+        qsizetype value = 0; // characters in front of the value; 0: it has none
         QByteArray raw;      // with its line end
     };
     struct Range // lines of a section, its header included
@@ -64,9 +64,11 @@ private:
     Line Classify(QByteArray raw) const;
     QString TextOf(const Line& line) const;
     Line Make(const QString& text) const;
+    TextEncoding PlainEncoding() const;
     std::optional<Range> Find(const QString& section) const;
     Range FindOrAdd(const QString& section);
     void EndLastLine();
+    void ReplaceValue(Line& line, const QString& value);
     void MakeRoomFor(const QString& text);
 
     TextEncoding encoding_ = TextEncoding::Ansi;

@@ -18,7 +18,7 @@ struct SaveCalls
 {
     SaveCalls();
 
-    std::function<int(char* nameTemplate)> makeBeside; // mkostemp
+    std::function<int(const char* name, mode_t mode)> makeBeside; // open with O_CREAT and O_EXCL, for writing
     std::function<ssize_t(int file, const void* from, std::size_t size)> write;
     std::function<int(int file)> flush;
     std::function<int(const char* from, const char* to)> rename;
@@ -48,5 +48,8 @@ public:
 private:
     SaveCalls calls_;
 };
+
+// Keeps every other process that asks the same way out of an open file, until it is closed. False: it is taken.
+bool HoldOpenFile(int descriptor);
 
 } // namespace kestrune

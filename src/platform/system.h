@@ -16,9 +16,9 @@ public:
     virtual ~System() = default;
     virtual std::optional<QString> Environment(const QString& name) const = 0;
     virtual QString HomeFolder() const = 0; // of the user; no trailing separator
-    // The user's documents folder as configured; nothing when the user has none configured.
+    // The user's documents folder; it need not exist. Nothing on failure.
     virtual std::optional<QString> PersonalFolder() const = 0;
-    // Per-user application data; nothing on failure. The folder need not exist unless made by MakeAppDataFolder.
+    // Per-user application data of all programs; it need not exist. Nothing on failure.
     virtual std::optional<QString> AppDataFolder() const = 0;
     virtual QString ConfigFolder() const = 0; // where hives live
     virtual QString ProgramFile() const = 0;  // the real file, links resolved

@@ -229,16 +229,10 @@ void EmulatorEvents::Disconnected()
         SayLoss(tr("The connection to the host has been terminated."), session->ShowErrs());
 }
 
-// On the screen, in the status line, by a beep, and where asked for by a message; the session stays.
+// The emulator has written the reason on the screen and into the status text; the session stays.
 void EmulatorEvents::SayLoss(const QString& text, bool message)
 {
     lossTold_ = true;
-    SetCaption(Tool::ConnectionStatus, text.left(StatusTextLength));
-    QString line = text;
-    for (QChar& c : line)
-        if (c.category() == QChar::Other_Control)
-            c = u' '; // the text may quote the host: no orders to our own screen
-    window_.Emulator().Emulate(u"\r\n["_s + line + u"]\r\n"_s);
     application_.Ask().Beep();
     if (!message)
         return;

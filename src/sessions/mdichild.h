@@ -1,40 +1,46 @@
 #pragma once
 
 // The child window of one session inside the main window's area: the emulator's view and nothing else to see. It
-// owns the session's emulator control and menu, tells ChildLogic what happens to it, and does what the port asks.
+// owns the session's emulator control and menu, tells ChildLogic what happens to it, and does what its port asks.
 
 #include <ports/sessionwindow.h>
 
 #include <QMdiSubWindow>
+#include <QPointer>
 
 #include <memory>
+
+class QAction;
 
 namespace kestrune {
 
 class ApplicationPort;
 class ChildLogic;
-class LineFactory;
+class taMenuBar;
 class TerminalView;
 
 class frmMdiChild final : public QMdiSubWindow, public SessionWindow
 {
     Q_OBJECT
+
 public:
-    // Hidden until the session shows it. The control comes from outside because only the program's start knows
+    // Hidden until the session shows it. The control comes from outside, because only the program's start knows
     // which lines there are; so does the menu, which the main window draws while this window is the active one.
-    frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulator> emulator, std::unique_ptr<MenuTools> tools);
+    // The caller puts the window into its area.
+    frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulator> emulator, std::unique_ptr<taMenuBar> menu);
     ~frmMdiChild() override;
 
     TerminalView& View() const { return *view_; }
-    ChildLogic& Logic() const { return *logic_; }
-    bool CanClose() const;
+    taMenuBar& Menu() const { return *menu_; }
+    // Asked before the main window closes, with the mode of its close query; false: this session stays.
+    bool QueryUnload(int mode);
 
     // --- SessionWindow
-    ctlEmulator& Emulator() override;
+    ctlEmulator& Emulator() override { return *emulator_; }
     MenuTools& Tools() override;
     void SetTag(const QString& id) override { tag_ = id; }
     QString Tag() const override { return tag_; }
-    quintptr Handle() const override;
+    quintptr Handle() const override { return tag_.toULongLong(); } // the toolkit's views have none of their own
     void ChangeCaption(const QString& text) override;
     QString Title() const override { return title_; }
     bool ChangeIcon(const QString& path) override;
@@ -42,8 +48,8 @@ public:
     void Move(int left, int top, int width, int height) override;
     void SetState(int state) override;
     int State() const override;
-    bool IsVisible() const override;
-    bool IsEnabled() const override;
+    bool IsVisible() const override { return isVisible(); }
+    bool IsEnabled() const override { return isEnabled(); }
     void SetVisible(bool on) override;
     void ShowInactive() override;
     void Activate() override;
@@ -64,29 +70,32 @@ public:
     void PostClose() override;
     void PostTransfer(const TransferRequest& request) override;
 
-    // Asked before the main window closes; false: this session stays.
-    bool QueryUnload(int mode);
-
 signals:
     void Ended(); // it is about to go; forget it
     void PopupWanted(const QString& band);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    void showEvent(QShowEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void TakeOverSystemMenu();
+    void StateChanged(Qt::WindowStates before, Qt::WindowStates now);
+    void KeepNormalPlace();
+
+    ApplicationPort& application_;
     std::unique_ptr<ctlEmulator> emulator_;
-    std::unique_ptr<MenuTools> tools_;
-    TerminalView* view_ = nullptr; // a child widget
+    std::unique_ptr<taMenuBar> menu_;
+    TerminalView* view_ = nullptr; // a child widget; goes before the emulator does
     std::unique_ptr<ChildLogic> logic_;
+    QPointer<QAction> closeAction_; // of the system menu
     QString tag_;
     QString title_;
-    WindowPlace normalPlace_; // the restored position, kept while maximised or minimised
+    QRect normalPlace_;  // the restored position, kept while maximised or minimised
+    int hiddenState_ = 0; // the state that the first show brings
     bool unloaded_ = false;
 };
 

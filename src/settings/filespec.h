@@ -85,10 +85,10 @@ public:
     QString GetCurrentDir(const QString& drive) const;
 
 private:
-    bool IsSeparator(QChar c) const { return c == style_.separator; }
-    bool StartsAtRoot(const QString& path) const;
     bool IsUnc(const QString& path) const;
     bool HasDrive(const QString& path) const;
+    QString SplitDrive(const QString& path) const;
+    QString WithoutDots(const QString& dir) const;
     QString Contracted(const QString& path, const QString& home, const QString& documents) const;
 
     const PathStyle& style_;

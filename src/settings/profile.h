@@ -47,6 +47,8 @@ public:
     // What fits 4096 characters, in file order.
     QStringList ProfileGetKeys(const QString& section, const QString& file, const QString& fallback = {}) const;
     QStringList ProfileGetSections(const QString& file) const;
+    // The whole file, changes of an open group included. Raises Failure when it cannot be read (53, 75, ...).
+    IniDocument ReadDocument(const QString& file) const;
 
     void ProfileSetString(const QString& section, const QString& key, const QString& value, const QString& defaultValue,
                           const QString& file, const QString& fallback = {});
@@ -55,6 +57,7 @@ public:
     void ProfileSetBool(const QString& section, const QString& key, bool value, bool defaultValue, const QString& file,
                         const QString& fallback = {});
     void ProfileDeleteSection(const QString& section, const QString& file);
+    // lines: "key=value" as they are to stand
     void ProfileReplaceSection(const QString& section, const QStringList& lines, const QString& file);
 
 private:
@@ -62,11 +65,12 @@ private:
     struct Pending;
     using Op = std::function<void(IniDocument&)>;
 
-    std::optional<IniDocument> Load(const QString& file) const; // as it stands, changes of an open group included
+    std::shared_ptr<Pending> PendingOf(const QString& file) const; // null: no group is open
+    QString Find(const QString& section, const QString& key, qsizetype buffer, const QString& file) const;
     QString Find(const QString& section, const QString& key, qsizetype buffer, const QString& file,
                  const QString& fallback) const;
     void Apply(const QString& file, const Op& op);
-    void Store(const QString& section, const QString& key, const QString& value, bool store, const QString& file);
+    void StoreText(const QString& section, const QString& key, const QString& value, bool store, const QString& file);
 
     FileSystem& files_;
     std::map<QString, std::weak_ptr<Pending>> pending_; // open groups, by the file's identity
@@ -87,12 +91,16 @@ public:
     // Raises Failure (53, 61, 70, 75, 76, ...) with a text for people; then the file is as it was.
     void Commit();
 
-    // The document with the group's changes so far: for callers that go beyond the typed reads.
+    // The document with the group's changes so far, and changes without the rule about defaults.
     const IniDocument& Document() const;
-    bool Existed() const; // the file was there when the group was opened
+    void Set(const QString& section, const QString& key, const QString& value);
+    void Remove(const QString& section, const QString& key);
 
 private:
+    Profile& profile_;
     std::shared_ptr<Profile::Pending> pending_;
+    QString file_;
+    QString identity_; // of the outermost
     bool outermost_ = false;
     bool committed_ = false;
     std::size_t firstOp_ = 0;

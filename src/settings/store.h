@@ -14,10 +14,10 @@ class RegFuncs;
 
 // The number 70 is that of an earlier release and stands for all releases of the 7 series, on purpose.
 namespace StoreKey {
-inline constexpr char16_t Settings[] = u"Software\\Tavle\\orlin70\\Settings";
-inline constexpr char16_t RecentFiles[] = u"Software\\Tavle\\orlin70\\Settings\\RecentFiles";
-inline constexpr char16_t WelcomePage[] = u"Software\\Tavle\\orlin70\\Settings\\WelcomePage";
-inline constexpr char16_t Control[] = u"Software\\Tavle\\orlin70\\Control";
+inline const QString Settings = QStringLiteral("Software\\Tavle\\orlin70\\Settings");
+inline const QString RecentFiles = QStringLiteral("Software\\Tavle\\orlin70\\Settings\\RecentFiles");
+inline const QString WelcomePage = QStringLiteral("Software\\Tavle\\orlin70\\Settings\\WelcomePage");
+inline const QString Control = QStringLiteral("Software\\Tavle\\orlin70\\Control");
 } // namespace StoreKey
 
 class Store
@@ -39,6 +39,8 @@ public:
     static QString SectionOf(const QString& key);
 
 private:
+    void MakeAppStateFile();
+
     const Isolation& isolation_;
     RegFuncs& registry_;
     Profile& profile_;

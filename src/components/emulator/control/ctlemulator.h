@@ -11,6 +11,7 @@
 // What is not built yet raises Failure NotImplemented and says which feature it is.
 
 #include <emulator/control/emulatorsettings.h>
+#include <emulator/control/selectionarea.h>
 #include <emulator/engine/terminal.h>
 #include <ports/cause.h>
 #include <ports/clipboard.h>
@@ -26,6 +27,10 @@
 #include <vector>
 
 namespace kestrune {
+
+class HeldSelection;
+class HostText;
+class PasteQueue;
 
 struct EmulatorPorts // all must outlive the control
 {
@@ -58,17 +63,6 @@ enum class ScrollCommand : int
     Bottom = 7
 };
 
-// Cells of a selection; both ends belong to it. Rows below 0 stand in the history.
-struct SelectionArea
-{
-    int left = 0;
-    int top = 0;
-    int right = 0;
-    int bottom = 0;
-    bool block = false; // a rectangle; else along the lines from left, top to right, bottom
-    bool operator==(const SelectionArea&) const = default;
-};
-
 struct MousePattern
 {
     int button = 0;
@@ -97,6 +91,7 @@ public:
     // true opens the line that Settings describes; the outcome comes by events. false closes it.
     void SetOnLine(bool on);
     bool Connected() const { return lineState_ == LineState::Connected; }
+    LineState State() const { return lineState_; }
     bool HasChildren() const; // a program besides the shell itself runs at the far end
     int DialStatus() const { return 0; }
     qint32 BytesIn() const; // since the line was last opened; stays at the largest number
@@ -122,7 +117,7 @@ public:
     void SetColor(int attribute);
     qint16 Colors(int index) const { return settings_.Colors(index); }
     void SetColors(int index, qint16 color) { settings_.SetColors(index, color); }
-    int ScrMode() const { return screenMode_; } // 0 normal, 1 extended
+    int ScrMode() const { return 0; } // 0 normal, 1 extended
     void SetScrMode(int mode);
     void Emulate(const QString& text); // as if the host had sent it
     // Puts text on the screen, not to the host. Stops at the end of the row.
@@ -165,7 +160,7 @@ public:
     void SetLockHistory(bool on) { lockHistory_ = on; }
 
     // --- keyboard
-    bool LockKeyboard() const { return lockKeyboard_; }
+    bool LockKeyboard() const; // by a program here or by the host
     void SetLockKeyboard(bool on);
     bool CapsLock() const { return capsLock_; } // swaps the case of typed letters
     void SetCapsLock(bool on) { capsLock_ = on; }
@@ -238,13 +233,7 @@ public:
     void TypeText(const QString& text);                   // from an input method
     bool SendMouse(const emu::MouseAction& action);       // false: the host does not want it
     void SendFocus(bool gained);
-    // Columns of a row that the selection covers, first and one past the last; empty: first == last.
-    struct Columns
-    {
-        int first = 0;
-        int last = 0;
-    };
-    Columns SelectedColumns(int row) const;
+    void AnnounceSelection(); // the user has finished selecting: SelectionChange, and the primary selection
     SelectionArea WordAt(int column, int row) const;
     SelectionArea LineAt(int row) const; // with the rows that it is soft-wrapped over
 
@@ -269,7 +258,7 @@ signals:
     void ContextMenu(int button, int x, int y, const QString& band, bool* handled); // 1 left, 2 right, 3 function
     void Extension(const QString& command);
     void DataReady();
-    void SelectionChange(int left, int top, int right, int bottom);
+    void SelectionChange(int left, int top, int right, int bottom); // by the user
     void MouseDown(int button, int shift, int x, int y);
     void RecordText(const QString& text);
     void RecordKey(const QString& text, int code);
@@ -285,23 +274,37 @@ signals:
 
 private:
     class Listener;
-    class PasteQueue;
 
-    emu::TerminalOptions OptionsFromSettings() const;
     const emu::Personality& PersonalityFromSettings() const;
     void OnSettingChanged(SettingId id);
+    [[noreturn]] static void RefuseExtendedScreen();
+    [[noreturn]] static void RefuseResume();
+    void OpenLine();
+    void RefuseDevice(Device device);
+    void TellSize();
     void Received(std::string_view bytes);
+    void AfterChange();
     void SendBytes(std::string_view bytes);
-    bool RefuseWithoutLine();
-    void TypedBytes(std::string_view bytes, const QString& text, int code);
+    bool MayType(); // false: refused, with a sign
+    void Typed(std::string_view bytes, const QString& text, int code);
+    void RunFunction(const QString& text, int code);
+    void PasteText(const QString& text, Cause cause);
     void SetStatus(LineState state, const QString& text);
-    void LineIsClosed();
+    void LineFailed(quint32 word, const QString& description, bool fatal);
+    void LineEnded();
     void Notice(const QString& text);
     void ScheduleEvents();
     void RunEvents();
-    void CheckSelection();
-    void PasteText(const QString& text, Cause cause);
     SelectionArea Resolve(int left, int top, int right, int bottom) const;
+    emu::Style StyleFor(int color) const;
+
+    // What was last told, so that an event comes only for a change.
+    struct Told
+    {
+        emu::Position cursor{-1, -1};
+        emu::Size size{0, 0};
+        bool locked = false;
+    };
 
     EmulatorPorts ports_;
     EmulatorSettings settings_;
@@ -309,13 +312,24 @@ private:
     std::unique_ptr<emu::Terminal> terminal_;
     std::unique_ptr<Line> line_;
     std::unique_ptr<PasteQueue> paste_;
+    std::unique_ptr<HostText> hostText_; // for the macro recorder
+    std::unique_ptr<HeldSelection> selection_;
     LineState lineState_ = LineState::Closed;
+    bool closing_ = false;  // we asked for the end of the line
+    bool reopen_ = false;   // and want it opened again
+    bool wasConnected_ = false;
+    bool hostEchoes_ = true;
+    QString endText_; // why the line ended, in the user's words
     TerminalSize size_;
     quint64 bytesIn_ = 0;
     quint64 bytesOut_ = 0;
     int scrollback_ = 0; // rows that the view is back from the newest
+    Told told_;
+    bool scheduled_ = false;
+    bool bell_ = false;
+    std::optional<int> printerState_;
+    std::optional<QString> hostTitle_;
     int color_ = 0;
-    int screenMode_ = 0;
     bool lockHistory_ = false;
     bool lockKeyboard_ = false;
     bool capsLock_ = false;

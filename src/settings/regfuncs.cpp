@@ -1,0 +1,71 @@
+#include "regfuncs.h"
+
+#include "quietly.h"
+
+#include <platform/hive.h>
+#include <platform/system.h>
+
+#include <optional>
+
+namespace kestrune {
+
+namespace {
+
+// The read's buffers, in characters, terminator included. What does not fit is a failed read.
+constexpr qsizetype kValueBuffer = 4096;
+constexpr qsizetype kExpandBuffer = 8192;
+
+// As the platform expands a value of type 2: a name it does not know stays as it stands, percent signs and all.
+QString ExpandKnown(const System& system, const QString& text)
+{
+    QString result = text;
+    for (qsizetype at = 0;;) {
+        const auto open = result.indexOf(u'%', at);
+        const auto close = open < 0 ? -1 : result.indexOf(u'%', open + 1);
+        if (close < 0)
+            return result;
+        const auto value = system.Environment(result.sliced(open + 1, close - open - 1));
+        if (value)
+            result.replace(open, close - open + 1, *value);
+        at = value ? open + value->size() : close;
+    }
+}
+
+} // namespace
+
+Hive* RegFuncs::Of(quint32 hive) const
+{
+    return hive == CurrentUser ? &currentUser_ : hive == LocalMachine ? &localMachine_ : nullptr;
+}
+
+QString RegFuncs::RegGetString(quint32 hive, const QString& key, const QString& name, const QString& defaultValue) const
+{
+    std::optional<HiveValue> value;
+    if (const auto* from = Of(hive))
+        Quietly([&] { value = from->Read(key, name); });
+    if (!value || value->text.size() >= kValueBuffer)
+        return defaultValue;
+    QString text = value->text;
+    if (text.endsWith(QChar(0)))
+        text.chop(1);
+    if (value->type == HiveValueType::Expandable)
+        text = ExpandKnown(system_, text);
+    return text.isEmpty() || text.size() >= kExpandBuffer ? defaultValue : text;
+}
+
+void RegFuncs::RegSetString(quint32 hive, const QString& key, const QString& name, const QString& value,
+                            const QString& defaultValue)
+{
+    // A value equal to its default is not deleted but emptied, deliberately: an empty one reads as the default.
+    const bool store = defaultValue.isEmpty() || value != defaultValue;
+    if (auto* to = Of(hive))
+        Quietly([&] { to->Write(key, name, {HiveValueType::String, store ? value : QString()}); });
+}
+
+void RegFuncs::RegDeleteKey(quint32 hive, const QString& key)
+{
+    if (auto* from = Of(hive))
+        Quietly([&] { from->DeleteKey(key); });
+}
+
+} // namespace kestrune
