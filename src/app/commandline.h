@@ -21,9 +21,9 @@ public:
     // From the raw text: between the first two double quotes if it begins with one, else up to the first blank.
     QString FirstArgument() const;
 
-    bool Is(const QString& word) const;            // the whole of it, without regard to case or surrounding blanks
-    bool KeyIs(const QString& word) const;         // likewise, of what stands ahead of the first "="
-    QString Value() const;                         // behind the first "="
+    bool Is(const QString& word) const;    // the whole of it, without regard to case or surrounding blanks
+    bool KeyIs(const QString& word) const; // likewise, of what stands ahead of the first "="
+    QString Value() const;                 // behind the first "="
 
     // An answer that needs no display and ends the program.
     struct Answer

@@ -22,6 +22,8 @@ constexpr int kWindowNormal = 0, kWindowMinimised = 1, kWindowMaximised = 2;
 
 bool IsWindowState(int state) { return state >= kWindowNormal && state <= kWindowMaximised; }
 
+const QString kSettingsKey = QString::fromUtf16(StoreKey::Settings);
+const QString kRecentKey = QString::fromUtf16(StoreKey::RecentFiles);
 const QString kDefaultCaption = QStringLiteral("Kestrune 7");
 
 void ApplyBarSetting(Kestrune& application, Bar bar, GlobalId id)
@@ -38,8 +40,7 @@ struct Effect
 };
 
 constexpr Effect kEffects[] = {
-    {GlobalId::RecentListSize,
-     [](Kestrune& a) { a.RecentList().SetListSize(a.Number(GlobalId::RecentListSize)); }},
+    {GlobalId::RecentListSize, [](Kestrune& a) { a.RecentList().SetListSize(a.Number(GlobalId::RecentListSize)); }},
     {GlobalId::TrackKeyboardState,
      [](Kestrune& a) {
          for (const auto& session : a.Sessions().All())
@@ -99,7 +100,7 @@ Kestrune::Kestrune(const Parts& parts, StartMode mode)
     Load();
     cookie_ = parts_.running.RegisterObject();
     if (mode_.standAlone) {
-        parts_.placeFrame(*this, *frame_);
+        parts_.placeFrame(stored_, *frame_);
         frame_->SetVisible(true);
     } else {
         frame_->SetState(kWindowMinimised); // an icon until the client moves it
@@ -229,9 +230,12 @@ void Kestrune::Save()
     RewriteRecentList();
 }
 
-void Kestrune::SaveAtClose()
+void Kestrune::SaveAtClose() { stored_.SetText(GlobalId::InitChildWindowState, Text(GlobalId::InitChildWindowState)); }
+
+void Kestrune::SavePosition()
 {
-    stored_.SetText(GlobalId::InitChildWindowState, Text(GlobalId::InitChildWindowState));
+    if (frame_ != nullptr)
+        parts_.keepPlace(stored_, *frame_);
 }
 
 QString Kestrune::Caption() const
@@ -242,12 +246,12 @@ QString Kestrune::Caption() const
 
 int Kestrune::FuncBarBank() const
 {
-    return ParseNumber(parts_.layer.store.StoreGetString(StoreKey::Settings, u"FuncBarBank"_s, u"0"_s));
+    return ParseNumber(parts_.layer.store.StoreGetString(kSettingsKey, u"FuncBarBank"_s, u"0"_s));
 }
 
 void Kestrune::SetFuncBarBank(int bank)
 {
-    parts_.layer.store.StoreSetString(StoreKey::Settings, u"FuncBarBank"_s, QString::number(bank), u"0"_s);
+    parts_.layer.store.StoreSetString(kSettingsKey, u"FuncBarBank"_s, QString::number(bank), u"0"_s);
 }
 
 // --- recent files
@@ -276,9 +280,10 @@ void Kestrune::LoadRecentList()
 {
     QStringList names;
     for (int i = 1; i <= recent_.ListSize(); ++i) {
-        const QString stored = parts_.layer.store.StoreGetString(StoreKey::RecentFiles, u"File_%1"_s.arg(i), {});
+        const QString stored = parts_.layer.store.StoreGetString(kRecentKey, u"File_%1"_s.arg(i), {});
         if (!stored.isEmpty())
-            names.append(parts_.layer.spec.ExpandPath(stored, parts_.layer.folders.HomeDir, parts_.layer.folders.DocumentsDir));
+            names.append(
+                parts_.layer.spec.ExpandPath(stored, parts_.layer.folders.HomeDir, parts_.layer.folders.DocumentsDir));
     }
     recent_.Load(names);
     frame_->RecentFilesChanged();
@@ -286,11 +291,13 @@ void Kestrune::LoadRecentList()
 
 void Kestrune::RewriteRecentList()
 {
-    parts_.layer.store.StoreDeleteKey(StoreKey::RecentFiles);
+    parts_.layer.store.StoreDeleteKey(kRecentKey);
     for (int i = 1; i <= recent_.ListCount(); ++i)
-        parts_.layer.store.StoreSetString(
-            StoreKey::RecentFiles, u"File_%1"_s.arg(i),
-            parts_.layer.spec.ContractPath(recent_.ListItem(i), parts_.layer.folders.HomeDir, parts_.layer.folders.DocumentsDir), {});
+        parts_.layer.store.StoreSetString(kRecentKey, u"File_%1"_s.arg(i),
+                                          parts_.layer.spec.ContractPath(recent_.ListItem(i),
+                                                                         parts_.layer.folders.HomeDir,
+                                                                         parts_.layer.folders.DocumentsDir),
+                                          {});
     if (frame_ != nullptr)
         frame_->RecentFilesChanged();
 }

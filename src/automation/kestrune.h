@@ -27,9 +27,9 @@ namespace kestrune {
 
 struct StartMode
 {
-    bool standAlone = true;    // started by a user, not by the platform to serve a client
-    bool settingsRun = false;  // for the settings dialog alone: no main window
-    QString commandLine;       // raw
+    bool standAlone = true;   // started by a user, not by the platform to serve a client
+    bool settingsRun = false; // for the settings dialog alone: no main window
+    QString commandLine;      // raw
 };
 
 class Kestrune final : public ApplicationPort
@@ -45,8 +45,10 @@ public:
         std::function<std::unique_ptr<FrameWindow>(Kestrune&)> makeFrame;
         std::function<std::unique_ptr<MenuCmd>(Kestrune&)> makeCommands;
         std::function<std::unique_ptr<ScriptEnginePort>(Kestrune&)> makeScriptEngine;
-        std::function<void(Kestrune&, FrameWindow&)> placeFrame; // applies the remembered position
-        std::function<void(const QString&)> setSplash;     // the splash choice, as stored
+        // The remembered position of the main window: applied before it shows, stored when it closes.
+        std::function<void(GlobalValues&, FrameWindow&)> placeFrame;
+        std::function<void(GlobalValues&, FrameWindow&)> keepPlace;
+        std::function<void(const QString&)> setSplash; // the splash choice, as stored
     };
 
     static constexpr int NoValue = -2147483647; // "not given" in Move
@@ -61,13 +63,12 @@ public:
     bool Primary() const { return primary_; }
     const StartMode& Mode() const { return mode_; }
     FrameWindow* MainWindow() const { return frame_.get(); } // null in a settings run
-    std::shared_ptr<clsSession> ActiveSession() const; // null: none
+    std::shared_ptr<clsSession> ActiveSession() const;       // null: none
     clsRecentList& RecentList() { return recent_; }
     MenuCmd& Menu() { return *commands_; }
     QString IniPath() const { return iniPath_; }
     int Cookie() const { return cookie_; } // of the registration; 0: none
     void RevokeObject();
-    const GlobalValues& Stored() const { return stored_; }
 
     // --- global settings by name of the table
     QString Text(GlobalId id) const { return held_[static_cast<std::size_t>(id)]; }
@@ -110,7 +111,8 @@ public:
     void SetQuitting(bool on) { quitting_ = on; }
     void SetPendingPrompt(int prompt) { pendingPrompt_ = prompt; }
     bool SessionCreated() const { return sessionCreated_; }
-    void SaveAtClose(); // the state of new session windows
+    void SaveAtClose();  // the state of new session windows
+    void SavePosition(); // of the main window
 
     // --- ApplicationPort
     clsSessions& Sessions() override { return *sessions_; }

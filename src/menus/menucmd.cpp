@@ -1,12 +1,13 @@
 #include <menus/menucmd.h>
 
 #include <emulator/control/ctlemulator.h>
+#include <emulator/control/keynotation.h>
 #include <menus/defaultmenu.h>
 #include <ports/application.h>
 #include <ports/recorder.h>
 #include <ports/scriptengine.h>
 #include <ports/sessionwindow.h>
-#include <sessions/controltext.h>
+
 #include <sessions/layout.h>
 #include <sessions/savewords.h>
 #include <sessions/session.h>
@@ -91,10 +92,7 @@ void SelectFrom(const CommandCall& call, int top)
     call.session->Emulator().SetSelection(0, top, ctlEmulator::ToEdge, ctlEmulator::ToEdge);
 }
 
-void SelectAll(const CommandCall& call)
-{
-    SelectFrom(call, -call.session->Settings().Integer(Setting("HistoryRows")));
-}
+void SelectAll(const CommandCall& call) { SelectFrom(call, -call.session->Settings().Integer(Setting("HistoryRows"))); }
 
 void PasteFrom(const CommandCall& call)
 {
@@ -266,8 +264,7 @@ MenuTool Generated(const MenuTool& placeholder, int key, int number, const QStri
 bool IsGenerated(const MenuTool& tool)
 {
     const int id = CommandId(tool.action);
-    return (id > ToolId::RecentFirst && id < ToolId::RecentEnd) ||
-           (id > ToolId::WindowFirst && id < ToolId::WindowEnd);
+    return (id > ToolId::RecentFirst && id < ToolId::RecentEnd) || (id > ToolId::WindowFirst && id < ToolId::WindowEnd);
 }
 
 } // namespace
@@ -322,7 +319,7 @@ void MenuCmd::RunOther(const QString& action, clsSession* session)
         QString text;
         host_.DDEExecScript(action, session != nullptr ? session->Id() : QString(), number, text);
     } else if (session != nullptr && !action.isEmpty()) {
-        Silently([&] { session->Output(ArrowToCtrl(action)); });
+        Silently([&] { session->Output(DecodeControls(action)); });
     }
 }
 
