@@ -86,9 +86,9 @@ public:
                           .arg(place.height)
                           .arg(state));
     }
-    void SessionActivated(clsSession& session) override { log.push_back(u"activated " + session.Id()); }
-    void RecordText(clsSession&, const QString& text) override { log.push_back(u"text " + text); }
-    void RecordKey(clsSession&, const QString& text, int) override { log.push_back(u"key " + text); }
+    void SessionActivated(clsSession& session) override { log.push_back(QStringLiteral("activated ") + session.Id()); }
+    void RecordText(clsSession&, const QString& text) override { log.push_back(QStringLiteral("text ") + text); }
+    void RecordKey(clsSession&, const QString& text, int) override { log.push_back(QStringLiteral("key ") + text); }
     QStringList TakeLog() { return std::exchange(log, {}); }
 
     bool recording = false;
@@ -168,7 +168,8 @@ private:
         QDir(path).mkpath(QStringLiteral("home"));
         QDir(path).mkpath(QStringLiteral("program"));
         FakeSystem made;
-        made.home = made.personal = path + QStringLiteral("/home");
+        made.home = path + QStringLiteral("/home");
+        made.personal = made.home;
         made.config = path + QStringLiteral("/config");
         made.appData = path + QStringLiteral("/data");
         made.program = path + QStringLiteral("/program/kestrune");

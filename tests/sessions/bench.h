@@ -12,10 +12,7 @@
 #include <QFileInfo>
 
 #include "fakes/fakeapplication.h"
-
-#include <ostream>
-
-inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
+#include "fakes/print.h"
 
 namespace kestrune {
 

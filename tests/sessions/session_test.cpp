@@ -158,7 +158,7 @@ TEST(Session, CopyAndPasteShortcutsAreOursUnlessTheUserGaveOthers)
         {u"Ctrl+C"_s, u"Ctrl+V"_s, 3, u"Ctrl+C"_s, u"Ctrl+V"_s}, // no such mode
     };
     for (const Case& row : cases) {
-        SCOPED_TRACE((row.copy + u" / " + row.paste).toStdString());
+        SCOPED_TRACE((row.copy + u" / "_s + row.paste).toStdString());
         SessionBench bench;
         const auto session = bench.sessions.Add();
         MenuTools& tools = session->frmSession()->Tools();
