@@ -192,7 +192,6 @@ int Run(int argc, char** argv)
     int programOnly = 1; // arguments are ours alone: a file may be called like one of the toolkit's options
     QApplication application(programOnly, argv);
     QApplication::setApplicationName(u"kestrune"_s);
-    QApplication::setApplicationDisplayName(u"Kestrune"_s);
     QApplication::setDesktopFileName(u"kestrune"_s);
     QApplication::setWindowIcon(ProgramIcon());
     QApplication::setQuitOnLastWindowClosed(false); // the process ends when its last work is done
