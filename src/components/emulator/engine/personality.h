@@ -17,17 +17,17 @@ namespace kestrune::emu {
 // type obeys a row when it speaks one of them.
 using Dialects = uint16_t;
 namespace Dialect {
-inline constexpr Dialects None = 0;        // plain typewriter: C0 only
-inline constexpr Dialects Vt52 = 1;        // ESC letter, addresses plus 32; native or as a mode of the later ones
-inline constexpr Dialects Common = 2;      // what all terminals with CSI share
-inline constexpr Dialects Vt100 = 4;       // DEC, conformance level 1
-inline constexpr Dialects Vt220 = 8;       // level 2
-inline constexpr Dialects Vt320 = 16;      // level 3
-inline constexpr Dialects Vt420 = 32;      // level 4
-inline constexpr Dialects Linux = 64;      // Linux console
-inline constexpr Dialects Ansi = 128;      // PC ANSI
-inline constexpr Dialects Sco = 256;       // SCO console
-inline constexpr Dialects Extension = 512; // colours, mouse, titles: not in the originals, used by today's hosts
+inline constexpr Dialects Typewriter = 1024; // C0 only
+inline constexpr Dialects Vt52 = 1;          // ESC letter, addresses plus 32; native or as a mode of the later ones
+inline constexpr Dialects Common = 2;        // what all terminals with CSI share
+inline constexpr Dialects Vt100 = 4;         // DEC, conformance level 1
+inline constexpr Dialects Vt220 = 8;         // level 2
+inline constexpr Dialects Vt320 = 16;        // level 3
+inline constexpr Dialects Vt420 = 32;        // level 4
+inline constexpr Dialects Linux = 64;        // Linux console
+inline constexpr Dialects Ansi = 128;        // PC ANSI
+inline constexpr Dialects Sco = 256;         // SCO console
+inline constexpr Dialects Extension = 512;   // colours, mouse, titles: not in the originals, used by today's hosts
 } // namespace Dialect
 
 // What must hold for a key row to apply. The first row that fits a key press wins, so a special case stands
@@ -61,19 +61,19 @@ struct Personality
     std::string_view name;     // "VT220"
     std::string_view hostName; // sent as terminal type
 
-    Dialects dialects = Dialect::None;
+    Dialects dialects = Dialect::Typewriter;
     int level = 0; // DEC conformance level, 0 for others
     WrapStyle wrap = WrapStyle::Pending;
-    bool eightBitControls = false;           // the type has C1 bytes
-    bool formFeedClears = false;             // FF clears and homes instead of moving down
-    bool clearHomes = false;                 // ED 2 homes
-    bool backspaceSendsDel = false;          // the type's own choice, see BackspaceKey
-    std::string_view primaryAttributes;      // answer to DA1, after CSI; empty: silent
-    std::string_view secondaryAttributes;    // answer to DA2, after CSI
-    std::string_view tertiaryAttributes;     // answer to DA3, inside DCS
-    std::string_view vt52Identity;           // answer to ESC Z in VT52 mode
-    std::span<const KeyTable> keys;          // looked through in order
-    std::span<const KeyTable> vt52Keys = {}; // the same in VT52 mode
+    bool eightBitControls = false;             // the type has C1 bytes
+    bool formFeedClears = false;               // FF clears and homes instead of moving down
+    bool clearHomes = false;                   // ED 2 homes
+    bool backspaceSendsDel = false;            // the type's own choice, see BackspaceKey
+    std::string_view primaryAttributes = {};   // answer to DA1, after CSI; empty: silent
+    std::string_view secondaryAttributes = {}; // answer to DA2, after CSI
+    std::string_view tertiaryAttributes = {};  // answer to DA3, inside DCS
+    std::string_view vt52Identity = {};        // answer to ESC Z in VT52 mode
+    std::span<const KeyTable> keys = {};       // looked through in order
+    std::span<const KeyTable> vt52Keys = {};   // the same in VT52 mode
 };
 
 } // namespace kestrune::emu

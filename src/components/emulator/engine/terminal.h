@@ -177,7 +177,8 @@ public:
     std::string_view LinkOf(uint16_t link) const;
     uint64_t Generation() const; // changes with anything visible, the cursor included
     ModesView Modes() const;
-    uint32_t PaletteOverride(int index) const; // 0: none; 0x01RRGGBB set by the host
+    // 0: none; 0x01RRGGBB set by the host. index 0 to 255; 256 foreground, 257 background, 258 cursor.
+    uint32_t PaletteOverride(int index) const;
     const Personality& CurrentPersonality() const;
     // Text of a stretch of one row, UTF-8, trailing blanks kept; wide characters once.
     std::string TextOf(int row, int fromCol, int cols) const;

@@ -1,0 +1,313 @@
+#include "history.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kestrune::emu {
+namespace {
+
+constexpr size_t kBlockBytes = 65536; // offsets take two bytes
+constexpr size_t kLooks = 512;
+
+// A packed line: this, the characters, the runs. A run covers characters (a wide one counts once) of one style.
+struct Head
+{
+    uint16_t characters;
+    uint16_t runs; // 0: all in the block's style 0, none wide
+    uint8_t unit;  // bytes a character
+    uint8_t wraps : 1;
+    uint8_t size : 2;
+};
+struct Run
+{
+    uint16_t style;
+    uint16_t length; // with kWideRun
+};
+constexpr uint16_t kWideRun = 0x8000;
+
+int TrimmedLength(const Row& row)
+{
+    int length = row.used;
+    if (!row.wraps)
+        while (length > 0 && row.cells[length - 1].style == 0 && row.cells[length - 1].flags == 0 &&
+               (row.cells[length - 1].text == 0 || row.cells[length - 1].text == U' '))
+            --length;
+    return length;
+}
+
+struct Shape
+{
+    uint32_t texts = 0; // all bits seen
+    bool plain = true;  // style 0, nothing wide
+};
+
+Shape ShapeOf(std::span<const Cell> cells)
+{
+    uint32_t texts = 0;
+    uint32_t others = 0;
+    for (const Cell& cell : cells) {
+        texts |= cell.text;
+        others |= uint32_t(cell.style) | uint32_t(cell.flags);
+    }
+    return {texts, others == 0};
+}
+
+template <typename Unit, typename Text>
+uint8_t* PackTexts(uint8_t* to, std::span<const Cell> cells, Text&& text)
+{
+    for (const Cell& cell : cells) {
+        if (cell.flags & Cell::WideTail)
+            continue;
+        const auto unit = Unit(text(cell.text));
+        std::memcpy(to, &unit, sizeof unit);
+        to += sizeof unit;
+    }
+    return to;
+}
+
+uint32_t ReadUnit(const uint8_t* from, size_t unit)
+{
+    uint32_t text = 0;
+    std::memcpy(&text, from, unit); // little endian
+    return text;
+}
+
+} // namespace
+
+void History::SetLimit(int rows)
+{
+    limit_ = std::clamp(rows, 0, 1'000'000);
+    while (Count() > limit_)
+        DropOldest();
+    if (limit_ == 0) {
+        spare_ = Block{};
+        std::vector<Look>().swap(looks_);
+    }
+}
+
+void History::Clear()
+{
+    blocks_.clear();
+    first_ = end_;
+    StartEpoch();
+}
+
+void History::StartEpoch()
+{
+    ++epoch_;
+    localClusters_.clear();
+}
+
+void History::ForgetNumbers()
+{
+    StartEpoch();
+    localStyles_.clear();
+}
+
+void History::DropOldest()
+{
+    ++first_;
+    Block& oldest = blocks_.front();
+    if (first_ - oldest.first < oldest.offsets.size())
+        return;
+    if (blocks_.size() == 1)
+        StartEpoch();
+    spare_ = std::move(oldest);
+    blocks_.pop_front();
+}
+
+History::Block& History::RoomFor(size_t bytes)
+{
+    if (!blocks_.empty() && blocks_.back().fill + bytes <= kBlockBytes)
+        return blocks_.back();
+    blocks_.push_back(std::move(spare_));
+    spare_ = Block{};
+    Block& block = blocks_.back();
+    if (block.bytes == nullptr)
+        block.bytes.reset(new uint8_t[kBlockBytes]);
+    block.fill = 0;
+    block.first = end_;
+    block.offsets.clear();
+    block.styles.assign(1, Style{});
+    block.clusters.clear();
+    StartEpoch();
+    return block;
+}
+
+uint16_t History::LocalStyle(Block& block, StyleId id)
+{
+    if (id == 0)
+        return 0;
+    if (id >= localStyles_.size())
+        localStyles_.resize(size_t(id) + 1);
+    LocalId& local = localStyles_[id];
+    if (local.epoch != epoch_) {
+        local = {epoch_, uint16_t(block.styles.size())};
+        block.styles.push_back(names_.StyleOf(id));
+    }
+    return local.id;
+}
+
+uint32_t History::LocalCluster(Block& block, uint32_t text)
+{
+    const auto [at, isNew] = localClusters_.try_emplace(text, uint32_t(block.clusters.size()));
+    if (isNew)
+        block.clusters.emplace_back(names_.ClusterOf(text));
+    return at->second | Cell::ClusterBit;
+}
+
+void History::Push(const Row& row)
+{
+    ++pushed_;
+    if (limit_ == 0)
+        return;
+    const std::span<const Cell> cells(row.cells, size_t(TrimmedLength(row)));
+    const Shape shape = ShapeOf(cells);
+    const size_t unit = shape.texts <= 0xFF ? 1 : shape.texts <= 0xFFFF ? 2 : 4;
+    Block& block = RoomFor(sizeof(Head) + cells.size() * (unit + sizeof(Run)));
+    block.offsets.push_back(uint16_t(block.fill));
+    uint8_t* const start = block.bytes.get() + block.fill;
+    uint8_t* to = start + sizeof(Head);
+
+    if (unit == 1 && shape.plain) {
+        for (size_t i = 0; i < cells.size(); ++i)
+            to[i] = uint8_t(cells[i].text);
+        to += cells.size();
+    } else if (unit == 1) {
+        to = PackTexts<uint8_t>(to, cells, [](uint32_t text) { return text; });
+    } else if (unit == 2) {
+        to = PackTexts<uint16_t>(to, cells, [](uint32_t text) { return text; });
+    } else {
+        to = PackTexts<uint32_t>(
+            to, cells, [&](uint32_t text) { return text & Cell::ClusterBit ? LocalCluster(block, text) : text; });
+    }
+    Head head{uint16_t(size_t(to - start - ptrdiff_t(sizeof(Head))) / unit), 0, uint8_t(unit), row.wraps,
+              uint8_t(uint8_t(row.size) & 3u)};
+
+    if (!shape.plain)
+        to = PackRuns(block, cells, to, head.runs);
+    std::memcpy(start, &head, sizeof head);
+    block.fill += size_t(to - start);
+    ++end_;
+    if (Count() > limit_)
+        DropOldest();
+}
+
+uint8_t* History::PackRuns(Block& block, std::span<const Cell> cells, uint8_t* to, uint16_t& count)
+{
+    Run run{0, 0};
+    uint32_t now = 0; // style and width of the run that is open
+    const auto close = [&] {
+        if ((run.length & ~kWideRun) == 0)
+            return;
+        std::memcpy(to, &run, sizeof run);
+        to += sizeof run;
+        ++count;
+    };
+    for (const Cell& cell : cells) {
+        if (cell.flags & Cell::WideTail)
+            continue;
+        const uint32_t isWide = cell.flags & Cell::Wide;
+        const uint32_t next = uint32_t(cell.style) << 8 | isWide;
+        if (next != now || run.length == 0) {
+            close();
+            run = {LocalStyle(block, cell.style), isWide ? kWideRun : uint16_t(0)};
+            now = next;
+        }
+        ++run.length;
+    }
+    close();
+    return to;
+}
+
+const History::Block& History::BlockOf(uint64_t serial) const
+{
+    const auto after = std::upper_bound(blocks_.begin(), blocks_.end(), serial,
+                                        [](uint64_t value, const Block& block) { return value < block.first; });
+    return *std::prev(after);
+}
+
+const Row& History::At(int index)
+{
+    if (looks_.empty())
+        looks_.resize(kLooks);
+    const uint64_t serial = first_ + uint64_t(index);
+    Look& look = looks_[serial % kLooks];
+    if (look.serial != serial)
+        Unpack(BlockOf(serial), serial, look);
+    return look.row;
+}
+
+void History::Unpack(const Block& block, uint64_t serial, Look& look)
+{
+    const uint8_t* from = block.bytes.get() + block.offsets[serial - block.first];
+    Head head;
+    std::memcpy(&head, from, sizeof head);
+    const uint8_t* texts = from + sizeof head;
+    const uint8_t* runs = texts + size_t(head.characters) * head.unit;
+
+    // Asking for a number may start a sweep, which must see what this row already names.
+    look.cells.clear();
+    look.cells.reserve(size_t(head.characters) * 2);
+    look.serial = serial;
+    look.row.cells = look.cells.data();
+    const auto put = [&](Cell cell) {
+        look.cells.push_back(cell);
+        look.row.used = int(look.cells.size());
+    };
+    look.row.used = 0;
+    Run run{0, head.characters};
+    for (int r = 0; r < std::max<int>(head.runs, 1); ++r) {
+        if (head.runs != 0) {
+            std::memcpy(&run, runs, sizeof run);
+            runs += sizeof run;
+        }
+        const StyleId style = names_.StyleIdFor(block.styles[run.style]);
+        const bool isWide = (run.length & kWideRun) != 0;
+        for (int i = 0; i < (run.length & ~kWideRun); ++i, texts += head.unit) {
+            const uint32_t text = ReadUnit(texts, head.unit);
+            put(Cell{0, style, isWide ? Cell::Wide : uint16_t(0)});
+            look.cells.back().text =
+                text & Cell::ClusterBit ? names_.ClusterFor(block.clusters[text & ~Cell::ClusterBit]) : text;
+            if (isWide)
+                put(Cell{0, style, Cell::WideTail});
+        }
+    }
+    look.row.generation = (uint64_t(1) << 63) | serial;
+    look.row.wraps = head.wraps;
+    look.row.size = LineSize(head.size);
+}
+
+void History::DropNewest()
+{
+    Block& newest = blocks_.back();
+    newest.fill = newest.offsets.back();
+    newest.offsets.pop_back();
+    if (newest.offsets.empty()) {
+        blocks_.pop_back();
+        StartEpoch();
+    }
+    --pushed_;
+    // The next line to be pushed is another one, so no number may be used again: all move on.
+    const uint64_t shift = end_ - first_;
+    --end_;
+    first_ += shift;
+    end_ += shift;
+    for (Block& block : blocks_)
+        block.first += shift;
+    for (Look& look : looks_)
+        look.serial = kNone;
+}
+
+size_t History::Bytes() const
+{
+    size_t bytes = 0;
+    for (const Block& block : blocks_) {
+        bytes += kBlockBytes + block.offsets.capacity() * sizeof(uint16_t) + block.styles.capacity() * sizeof(Style);
+        for (const std::u32string& cluster : block.clusters)
+            bytes += sizeof cluster + cluster.size() * sizeof(char32_t);
+    }
+    return bytes;
+}
+
+} // namespace kestrune::emu

@@ -1,0 +1,425 @@
+#include "machine.h"
+
+#include "controls.h"
+
+#include <algorithm>
+
+namespace kestrune::emu {
+namespace {
+
+constexpr Size kLeast{1, 1};
+constexpr Size kMost{1000, 500};
+constexpr size_t kMaxAnswerBack = 255;
+constexpr char32_t kErrorCharacter = 0x2E2E; // reversed question mark, VT220 programmer reference 4.4
+
+Size Clamped(Size size)
+{
+    return {std::clamp(size.cols, kLeast.cols, kMost.cols), std::clamp(size.rows, kLeast.rows, kMost.rows)};
+}
+
+// Which slot an intermediate designates into, ISO 2022: ( ) * + for sets of 94, - . / for sets of 96.
+struct Designator
+{
+    char intermediate;
+    int slot;
+    bool wide96;
+};
+constexpr Designator kDesignators[] = {
+    {'(', 0, false}, {')', 1, false}, {'*', 2, false}, {'+', 3, false}, {'-', 1, true}, {'.', 2, true}, {'/', 3, true},
+};
+
+// The controls that a PC console still obeys while it shows the others (Linux console: CTRL_ALWAYS).
+constexpr uint32_t kAlwaysControls = 0x0800F501u;
+
+} // namespace
+
+Machine::Machine(const TerminalOptions& options, const Personality& personality, TerminalListener& listener)
+    : options_(options), personality_(&personality), listener_(listener), screen_(Clamped(options.size), modes_),
+      charset_(options.charset), normalCols_(Clamped(options.size).cols)
+{
+    screen_.Scrollback().SetLimit(options.historyRows);
+    options_.answerBack.resize(std::min(options_.answerBack.size(), kMaxAnswerBack));
+    PowerUp();
+}
+
+// --- the public door
+
+void Machine::Receive(std::string_view bytes)
+{
+    if (bytes.empty())
+        return;
+    parser_.Feed(bytes);
+    Changed();
+}
+
+void Machine::Changed()
+{
+    ++screen_.Clock();
+    if (const int rows = screen_.TakeHistoryAdded(); rows > 0)
+        listener_.HistoryAdded(rows);
+}
+
+void Machine::Resize(Size size)
+{
+    size = Clamped(size);
+    if (!modes_.Has(Mode::Columns132))
+        normalCols_ = size.cols;
+    if (size == screen_.Extent())
+        return;
+    screen_.Resize(size);
+    Changed();
+    listener_.ScreenSizeChanged(size);
+}
+
+void Machine::SetCharset(HostCharset charset)
+{
+    options_.charset = charset;
+    charset_ = charset;
+    UpdateRules();
+}
+
+void Machine::SetOptions(const TerminalOptions& options)
+{
+    options_ = options;
+    options_.answerBack.resize(std::min(options_.answerBack.size(), kMaxAnswerBack));
+    TakeKeyOptions();
+    modes_.Set(Mode::AutoWrap, options.autoWrap);
+    screen_.Scrollback().SetLimit(options.historyRows);
+    SetCharset(options.charset);
+    Resize(options.size);
+}
+
+void Machine::SelectPersonality(const Personality& personality)
+{
+    personality_ = &personality;
+    SoftReset();
+    modes_.Set(Mode::Ansi, true);
+    TakeKeyOptions();
+    level_ = personality.level;
+    eightBitReplies_ = false;
+    romFont_ = RomFont::Off;
+    screen_.SetWrapStyle(personality.wrap);
+    UpdateRules();
+    Changed();
+}
+
+void Machine::HardReset()
+{
+    if (modes_.Has(Mode::Columns132))
+        Resize({normalCols_, screen_.Extent().rows});
+    const bool wasLocked = modes_.Has(Mode::KeyboardAction);
+    PowerUp();
+    Changed();
+    if (wasLocked)
+        listener_.KeyboardLockChanged(false);
+    TellPrinterState();
+}
+
+void Machine::PowerUp()
+{
+    for (const ModeRow& row : ModeRows())
+        modes_.Set(row.mode, row.initially);
+    modes_.Set(Mode::AutoPrint, false);
+    TakeKeyOptions();
+    modes_.Set(Mode::AutoWrap, options_.autoWrap);
+    level_ = personality_->level;
+    eightBitReplies_ = false;
+    singleShift_ = -1;
+    romFont_ = RomFont::Off;
+    cursorShape_ = CursorShape::BlinkBlock;
+    charset_ = options_.charset;
+    palette_.fill(0);
+    screen_.SetWatcher(nullptr);
+    screen_.SetWrapStyle(personality_->wrap);
+    screen_.HardReset();
+    UpdateRules();
+}
+
+void Machine::SoftReset()
+{
+    modes_.Set(Mode::Origin, false); // without the move home that comes with it otherwise
+    for (const ModeRow& row : ModeRows())
+        if (row.soft != OnSoftReset::Keep && Speaks(row.dialects) &&
+            modes_.Has(row.mode) != (row.soft == OnSoftReset::On))
+            SetMode(row, row.soft == OnSoftReset::On);
+    singleShift_ = -1;
+    TakeKeyOptions();
+    screen_.SoftReset();
+}
+
+// What keys send until the host says otherwise.
+void Machine::TakeKeyOptions()
+{
+    modes_.Set(Mode::CursorKeys, options_.applicationCursor);
+    modes_.Set(Mode::NumericKeypad, options_.applicationKeypad);
+    const bool bs =
+        options_.backspace == BackspaceKey::AsType ? !Type().backspaceSendsDel : options_.backspace == BackspaceKey::Bs;
+    modes_.Set(Mode::BackspaceSendsBs, bs);
+}
+
+// --- dialects
+
+bool Machine::IsVt52() const
+{
+    return (personality_->dialects & Dialect::Common) == 0 ? (personality_->dialects & Dialect::Vt52) != 0
+                                                           : !modes_.Has(Mode::Ansi);
+}
+
+bool Machine::SendsEightBit() const { return eightBitReplies_ && level_ >= 2 && parser_.Rules().c1; }
+
+void Machine::UpdateRules()
+{
+    speaks_ = personality_->dialects;
+    if (IsVt52())
+        speaks_ = Dialect::Vt52;
+    else if (personality_->level > 0)
+        for (const auto& [dialect, level] : {std::pair(Dialect::Vt220, 2), {Dialect::Vt320, 3}, {Dialect::Vt420, 4}})
+            if (level > level_)
+                speaks_ &= Dialects(~dialect);
+    ParserRules rules;
+    rules.utf8 = charset_ == HostCharset::Utf8;
+    rules.vt52 = IsVt52();
+    rules.c1 = !rules.vt52 && personality_->eightBitControls && options_.eightBitControls &&
+               CharsetAllowsC1(charset_) && (personality_->level == 0 || level_ >= 2);
+    rules.linuxConsole = (speaks_ & Dialect::Linux) != 0;
+    parser_.SetRules(rules);
+    BuildIndex();
+}
+
+void Machine::BuildIndex()
+{
+    escapes_.fill(0);
+    controls_.fill(0);
+    uint8_t number = 0;
+    for (const CharacterRow& row : CharacterRows())
+        characters_[row.byte] = ++number;
+    number = 0;
+    for (const EscapeRow& row : EscapeRows()) {
+        ++number;
+        if (row.dialects & speaks_)
+            escapes_[EscapeKey(row.bytes.size() > 1 ? row.bytes[0] : char(0), row.bytes.back())] = number;
+    }
+    number = 0;
+    for (const ControlRow& row : ControlRows()) {
+        ++number;
+        std::string_view bytes = row.bytes;
+        char marker = 0;
+        if (bytes.size() > 1 && bytes[0] >= '<' && bytes[0] <= '?') {
+            marker = bytes[0];
+            bytes.remove_prefix(1);
+        }
+        if (row.dialects & speaks_)
+            controls_[ControlKey(marker, bytes.size() > 1 ? bytes[0] : char(0), bytes.back())] = number;
+    }
+}
+
+void Machine::SetLevel(int level, bool eightBit)
+{
+    SoftReset(); // the manuals say so
+    level_ = std::min(level, personality_->level);
+    eightBitReplies_ = eightBit && level_ >= 2;
+    UpdateRules();
+}
+
+void Machine::SelectUtf8(bool on)
+{
+    // "Default" is the encoding that the user has chosen, or Latin-1 if that is UTF-8.
+    const HostCharset plain = options_.charset == HostCharset::Utf8 ? HostCharset::Latin1 : options_.charset;
+    charset_ = on ? HostCharset::Utf8 : plain;
+    UpdateRules();
+}
+
+// --- modes
+
+void Machine::SetModes(const ControlSequence& sequence, bool on)
+{
+    for (int i = 0; i < sequence.params.Size(); ++i)
+        if (const ModeRow* row = FindMode(sequence.params.At(i), sequence.marker == '?', speaks_))
+            SetMode(*row, on);
+}
+
+void Machine::SetMode(const ModeRow& row, bool on)
+{
+    if (row.group != 0 && on)
+        for (const ModeRow& other : ModeRows())
+            if (other.group == row.group)
+                modes_.Set(other.mode, false);
+    modes_.Set(row.mode, on);
+    if (row.changed != nullptr)
+        row.changed(*this, on);
+}
+
+void Machine::SetColumns132(bool on)
+{
+    const int cols = on ? 132 : normalCols_;
+    if (cols != screen_.Extent().cols) {
+        screen_.Resize({cols, screen_.Extent().rows});
+        listener_.ScreenSizeChanged(screen_.Extent());
+    }
+    screen_.ResetMargins();
+    screen_.ClearPage();
+}
+
+// 47 only switches; 1047 clears the alternate screen when it is left; 1049 keeps the cursor as well and clears
+// when it is entered.
+void Machine::SwitchAlternate(bool on, Mode how)
+{
+    const bool saved = how == Mode::AlternateScreenSaved;
+    if (on != screen_.IsAlternate()) {
+        if (on && saved)
+            screen_.SaveCursor();
+        if (!on && how == Mode::AlternateScreenCleared)
+            screen_.ClearAlternate();
+        screen_.SwitchPage(on);
+        if (on && saved)
+            screen_.ClearAlternate();
+        if (!on && saved)
+            screen_.RestoreCursor();
+    }
+    for (const Mode mode : {Mode::AlternateScreen, Mode::AlternateScreenCleared, Mode::AlternateScreenSaved})
+        modes_.Set(mode, on);
+}
+
+// --- character sets
+
+void Machine::Designate(int slot, bool wide96, std::string_view designator)
+{
+    const CharacterSet* set = FindCharacterSet(designator, wide96, speaks_);
+    if (set == nullptr || (slot >= 2 && !Speaks(Dialect::Vt220)))
+        return;
+    if (set->kind == CharacterSet::Kind::National && !modes_.Has(Mode::NationalSets))
+        set = &AsciiSet();
+    screen_.Charsets().g[size_t(slot)] = set;
+}
+
+void Machine::WriteThrough(const CharacterSet& set, std::span<const uint8_t> run)
+{
+    const bool upper = &set == &UpperHalfSet();
+    for (const uint8_t byte : run) {
+        const char32_t point =
+            upper ? HostPoint(charset_, byte | 0x80) : char32_t(set.glyphs[size_t(byte & 0x7F) - 0x20]);
+        screen_.WritePoints({&point, 1});
+    }
+}
+
+void Machine::Ascii(std::span<const uint8_t> run)
+{
+    CharsetState& sets = screen_.Charsets();
+    if (singleShift_ >= 0) {
+        const CharacterSet& once = *sets.g[size_t(singleShift_)];
+        singleShift_ = -1;
+        WriteThrough(once, run.first(1));
+        run = run.subspan(1);
+    }
+    const CharacterSet& set = *sets.g[size_t(sets.gl)];
+    if (romFont_ == RomFont::HighHalf) {
+        for (const uint8_t byte : run) {
+            const char32_t point = RomGlyph(byte | 0x80);
+            screen_.WritePoints({&point, 1});
+        }
+    } else if (&set == &AsciiSet()) {
+        screen_.WriteBytes(run);
+    } else {
+        WriteThrough(set, run);
+    }
+}
+
+void Machine::HighBytes(std::span<const uint8_t> run)
+{
+    singleShift_ = -1;
+    CharsetState& sets = screen_.Charsets();
+    const CharacterSet& set = *sets.g[size_t(sets.gr)];
+    for (const uint8_t byte : run) {
+        char32_t point = HostPoint(charset_, byte);
+        if (romFont_ != RomFont::Off)
+            point = RomGlyph(byte);
+        else if (byte >= 0xA0 && &set != &UpperHalfSet())
+            point = set.glyphs[size_t(byte - 0xA0)];
+        screen_.WritePoints({&point, 1});
+    }
+}
+
+// --- from the parser
+
+void Machine::Execute(uint8_t control)
+{
+    if (romFont_ != RomFont::Off && !((kAlwaysControls >> control) & 1u)) {
+        const char32_t point = RomGlyph(control);
+        screen_.WritePoints({&point, 1});
+        return;
+    }
+    if (const uint8_t row = characters_[control])
+        CharacterRows()[row - 1u].run(*this);
+    else if (control == 0x1A)
+        Aborted(control);
+}
+
+void Machine::Aborted(uint8_t)
+{
+    if (Speaks(Dialect::Vt220))
+        screen_.WritePoints({&kErrorCharacter, 1});
+}
+
+void Machine::Escape(char intermediate, char final)
+{
+    for (const Designator& designator : kDesignators)
+        if ((intermediate & 0x7F) == designator.intermediate) {
+            const char name[] = {'%', final};
+            const bool withPercent = intermediate != designator.intermediate;
+            Designate(designator.slot, designator.wide96, {withPercent ? name : name + 1, withPercent ? 2u : 1u});
+            return;
+        }
+    if (intermediate < 0 || final < 0x30)
+        return;
+    if (const uint8_t row = escapes_[EscapeKey(intermediate, final)])
+        EscapeRows()[row - 1u].run(*this);
+}
+
+void Machine::Control(const ControlSequence& sequence)
+{
+    if (sequence.params.HasColons() && sequence.final != 'm')
+        return; // sub-parameters have a meaning in SGR only
+    if (const uint8_t row = controls_[ControlKey(sequence.marker, sequence.intermediate, sequence.final)])
+        ControlRows()[row - 1u].run(*this, sequence);
+}
+
+void Machine::Vt52Address(int row, int col)
+{
+    if (row < 0 || row >= screen_.Extent().rows) // VT52 maintenance manual: such a row is passed over
+        row = screen_.Cursor().row;
+    screen_.MoveTo(row, col < 0 ? screen_.Extent().cols - 1 : col);
+}
+
+// --- looking
+
+ModesView Machine::View() const
+{
+    ModesView view;
+    view.applicationCursor = modes_.Has(Mode::CursorKeys);
+    view.applicationKeypad = modes_.Has(Mode::NumericKeypad);
+    view.alternateScreen = screen_.IsAlternate();
+    view.reverseScreen = modes_.Has(Mode::ReverseScreen);
+    view.cursorVisible = modes_.Has(Mode::CursorVisible);
+    view.bracketedPaste = modes_.Has(Mode::BracketedPaste);
+    view.focusReports = modes_.Has(Mode::FocusReports);
+    view.newLine = modes_.Has(Mode::NewLine);
+    view.localEcho = !modes_.Has(Mode::SendReceive);
+    view.backspaceSendsBs = modes_.Has(Mode::BackspaceSendsBs);
+    view.synchronizedUpdate = modes_.Has(Mode::SynchronizedUpdate);
+    view.keyboardLocked = modes_.Has(Mode::KeyboardAction);
+    if (modes_.Has(Mode::MouseX10) || modes_.Has(Mode::MouseClick))
+        view.mouse = MouseReport::Click;
+    else if (modes_.Has(Mode::MouseDrag))
+        view.mouse = MouseReport::Drag;
+    else if (modes_.Has(Mode::MouseMotion))
+        view.mouse = MouseReport::Motion;
+    view.cursor = cursorShape_;
+    return view;
+}
+
+uint32_t Machine::PaletteOverride(int index) const
+{
+    return index >= 0 && index < PaletteSize ? palette_[size_t(index)] : 0;
+}
+
+} // namespace kestrune::emu

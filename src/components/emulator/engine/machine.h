@@ -1,0 +1,147 @@
+#pragma once
+
+// The terminal behind the public door: takes what the parser cuts out of the host's bytes, finds it in the tables
+// of the present type and does it to the screen. The tables stand in controls.cpp, modes.cpp, sgr.cpp and
+// reports.cpp; their handlers use the operations below.
+
+#include "parser.h"
+#include "screen.h"
+
+#include <array>
+#include <string>
+
+namespace kestrune::emu {
+
+// How bytes are shown that a PC's ROM has glyphs for (SGR 10, 11, 12 of the PC consoles).
+enum class RomFont : uint8_t
+{
+    Off,
+    Controls, // control codes and the upper half as glyphs
+    HighHalf  // 0x20 to 0x7E are drawn as 0xA0 to 0xFE
+};
+
+// Palette places beyond the 256 colours.
+inline constexpr int PaletteForeground = 256;
+inline constexpr int PaletteBackground = 257;
+inline constexpr int PaletteCursor = 258;
+inline constexpr int PaletteSize = 259;
+
+class Machine : public ParserSink, public LineWatcher
+{
+public:
+    Machine(const TerminalOptions& options, const Personality& personality, TerminalListener& listener);
+
+    // --- the public door, see terminal.h
+    void Receive(std::string_view bytes);
+    void Resize(Size size);
+    void SetCharset(HostCharset charset);
+    void SetOptions(const TerminalOptions& options);
+    void SelectPersonality(const Personality& personality);
+    void HardReset(); // RIS
+    ModesView View() const;
+    uint32_t PaletteOverride(int index) const;
+
+    // --- what the tables work on
+    Screen& Display() { return screen_; }
+    const Screen& Display() const { return screen_; }
+    Modes& Switches() { return modes_; }
+    const Modes& Switches() const { return modes_; }
+    const Personality& Type() const { return *personality_; }
+    TerminalListener& Listener() { return listener_; }
+    HostCharset Charset() const { return charset_; }
+    Dialects Speaks() const { return speaks_; }
+    bool Speaks(Dialects any) const { return (speaks_ & any) != 0; }
+    bool IsVt52() const;
+    int Level() const { return level_; }
+    bool SendsEightBit() const;
+
+    std::string InSentForm(std::string_view sevenBit) const; // shortened when 8-bit controls are sent
+    void Reply(std::string_view sevenBit);
+    void ReplyControl(std::string_view afterCsi); // CSI ...
+    void ReplyDcs(std::string_view body);         // DCS ... ST
+    void SendAnswerBack();
+    void ApplySgr(const Params& params);
+    std::string SgrSetting() const; // for DECRQSS
+    void SetModes(const ControlSequence& sequence, bool on);
+    void SetMode(const ModeRow& row, bool on);
+    void SoftReset();
+    void SetLevel(int level, bool eightBit); // DECSCL
+    void SetEightBitReplies(bool on) { eightBitReplies_ = on; }
+    void Designate(int slot, bool wide96, std::string_view designator);
+    void LockingShift(int slot) { screen_.Charsets().gl = slot; }
+    void LockingShiftRight(int slot) { screen_.Charsets().gr = slot; }
+    void SingleShift(int slot) { singleShift_ = slot; }
+    void SetRomFont(RomFont font) { romFont_ = font; }
+    void SelectUtf8(bool on); // ESC % G, ESC % @
+    void SetCursorShape(CursorShape shape) { cursorShape_ = shape; }
+    CursorShape Shape() const { return cursorShape_; }
+    void UpdateRules(); // after a change of type, level, charset or VT52 mode
+    void SetColumns132(bool on);
+    void SwitchAlternate(bool on, Mode how);
+    void ReportStatus(const ControlSequence& sequence);
+    void ReportMode(const ControlSequence& sequence);
+
+    // --- printing
+    void MediaCopy(int selector, bool isPrivate);
+    void PrintRows(int from, int to, bool formFeed);
+    void StartPrinterController();
+
+    // --- ParserSink
+    void Ascii(std::span<const uint8_t> run) override;
+    void HighBytes(std::span<const uint8_t> run) override;
+    void Points(std::span<const char32_t> run) override { screen_.WritePoints(run); }
+    void Execute(uint8_t control) override;
+    void Aborted(uint8_t by) override;
+    void Escape(char intermediate, char final) override;
+    void Control(const ControlSequence& sequence) override;
+    void String(StringKind kind, std::string_view body) override;
+    void Vt52Address(int row, int col) override;
+    void ToPrinter(std::span<const uint8_t> bytes) override;
+    void PrinterEnds() override;
+    // --- LineWatcher
+    void LineLeft(int row, bool wrapped) override;
+
+private:
+    static constexpr size_t kEscapeKeys = 17 * 80; // intermediate, final from 0x30
+    static constexpr size_t kControlKeys = 5 * 17 * 64;
+
+    void PowerUp();
+    void TakeKeyOptions();
+    void BuildIndex();
+    void Changed(); // tells what one call did
+    void WriteThrough(const CharacterSet& set, std::span<const uint8_t> run);
+    void OperatingSystemCommand(std::string_view body);
+    void RequestSetting(std::string_view request);
+    void SetTitle(std::string_view text);
+    void SetColors(int first, std::string_view specs);
+    void SetPalette(std::string_view pairs);
+    void ResetPalette(std::string_view indexes);
+    void SetLink(std::string_view body);
+    void OfferClipboard(std::string_view body);
+    void LinuxPalette(std::string_view digits);
+    void TellPrinterState();
+
+    TerminalOptions options_;
+    const Personality* personality_;
+    TerminalListener& listener_;
+    Modes modes_;
+    Screen screen_;
+    Parser parser_{*this};
+    HostCharset charset_;
+    Dialects speaks_ = 0;
+    int level_ = 0;
+    bool eightBitReplies_ = false;
+    int singleShift_ = -1;
+    RomFont romFont_ = RomFont::Off;
+    CursorShape cursorShape_ = CursorShape::BlinkBlock;
+    int normalCols_;
+    bool printing_ = false;
+    int printerState_ = 0;
+    std::array<uint32_t, PaletteSize> palette_{};
+    // Rows of the tables by what the host sends, for the present dialects; 0 is none, else the row plus one.
+    std::array<uint8_t, 32> characters_{};
+    std::array<uint8_t, kEscapeKeys> escapes_{};
+    std::array<uint8_t, kControlKeys> controls_{};
+};
+
+} // namespace kestrune::emu

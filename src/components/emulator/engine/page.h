@@ -1,0 +1,82 @@
+#pragma once
+
+// The cells of one screen (main or alternate). Rows are reached through pointers: a scroll, also inside a region,
+// moves pointers and never cells. Of each row only the used part is stored; what lies beyond it is blank in the
+// plain style, so clearing a row is one assignment.
+//
+// All positions must lie inside the page; who calls has clamped them.
+
+#include <emulator/engine/cell.h>
+#include <emulator/engine/terminal.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace kestrune::emu {
+
+struct Row
+{
+    Cell* cells = nullptr;
+    uint64_t generation = 0;
+    int used = 0;         // cells from here on are blank and hold no meaning
+    bool wraps = false;   // goes on in the next row
+    bool hasWide = false; // may hold wide characters
+    LineSize size = LineSize::Normal;
+
+    std::span<const Cell> Used() const { return {cells, size_t(used)}; }
+};
+
+class Page
+{
+public:
+    // `clock` gives generations; it outlives the page.
+    Page(Size size, uint64_t& clock);
+
+    Size Extent() const { return size_; }
+    const Row& At(int row) const { return *rows_[size_t(row)]; }
+    // Columns that can be seen and written: half of them in a row of double width.
+    int Columns(int row) const { return At(row).size == LineSize::Normal ? size_.cols : (size_.cols + 1) / 2; }
+    bool IsBlank(int row) const;
+
+    // Text into cells from `col` on; the caller has made sure that it fits. Half-overwritten wide characters
+    // become blanks.
+    void PutBytes(int row, int col, std::span<const uint8_t> bytes, StyleId style);
+    void PutPoint(int row, int col, char32_t point, int width, StyleId style);
+    void SetText(int row, int col, uint32_t text); // the same cell, another text
+    void SetStyle(int row, int col, StyleId style);
+
+    void Fill(int row, int from, int to, StyleId blank); // [from, to) becomes blank
+    void FillRows(int from, int to, StyleId blank);      // whole rows, back to normal size
+    void FillWith(char32_t point);                       // every cell, plain
+    void Insert(int row, int col, int count, StyleId blank);
+    void Delete(int row, int col, int count, StyleId blank);
+    void SetWraps(int row, bool wraps);
+    void SetLineSize(int row, LineSize size);
+
+    // Rows [top, bottom) move; the freed ones come back blank. count <= bottom - top.
+    void RotateUp(int top, int bottom, int count, StyleId blank);
+    void RotateDown(int top, int bottom, int count, StyleId blank);
+
+    // Cuts or adds rows at the bottom. Columns cut off are kept out of sight until the row is next changed.
+    void Resize(Size size);
+    void TouchAll(); // every row counts as changed
+    // A row given from outside, such as one that comes back from the history.
+    void Assign(int row, std::span<const Cell> cells, bool wraps, LineSize size);
+
+private:
+    Row& Touch(int row);
+    void Reach(Row& row, int col);
+    void Part(Row& row, int from, int to);
+    void Blank(Row& row, StyleId blank);
+
+    Size size_;
+    int capacity_ = 0; // cells that each row has room for
+    uint64_t& clock_;
+    std::vector<Row*> rows_;
+    std::vector<Row> storage_;
+    std::unique_ptr<Cell[]> cells_;
+};
+
+} // namespace kestrune::emu

@@ -1,0 +1,137 @@
+// Answers to the host. Only what the terminal itself knows goes back: never text that the host has sent.
+
+#include "machine.h"
+
+namespace kestrune::emu {
+namespace {
+
+struct StatusRow
+{
+    bool isPrivate;
+    int request;
+    Dialects dialects;
+    std::string_view answer; // after CSI
+};
+
+// Ordered from the latest model to the oldest: the first that is spoken answers.
+constexpr StatusRow kStatus[] = {
+    {false, 5, Dialect::Common, "0n"},        // in order
+    {true, 15, Dialect::Vt220, "?13n"},       // no printer
+    {true, 25, Dialect::Vt220, "?21n"},       // user keys locked
+    {true, 26, Dialect::Vt420, "?27;1;0;0n"}, // North American keyboard, ready, LK401
+    {true, 26, Dialect::Vt320, "?27;1;0n"},   //
+    {true, 26, Dialect::Vt220, "?27;1n"},     //
+    {true, 53, Dialect::Vt320, "?50n"},       // no locator
+    {true, 55, Dialect::Vt320, "?50n"},       //
+    {true, 56, Dialect::Vt320, "?57;0n"},     //
+    {true, 75, Dialect::Vt420, "?70n"},       // no errors
+    {true, 85, Dialect::Vt420, "?83n"},       // no sessions
+};
+
+struct SettingRow
+{
+    std::string_view request;
+    std::string (*value)(const Machine& machine);
+};
+
+std::string Margins(const Machine& m)
+{
+    return std::to_string(m.Display().TopMargin() + 1) + ';' + std::to_string(m.Display().BottomMargin() + 1);
+}
+
+constexpr SettingRow kSettings[] = {
+    {"m", [](const Machine& m) { return m.SgrSetting(); }},
+    {"r", Margins},
+    {"t", [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
+    {"$|", [](const Machine& m) { return std::to_string(m.Display().Extent().cols); }},
+    {" q", [](const Machine& m) { return std::to_string(int(m.Shape()) + 1); }},
+    {"\"p",
+     [](const Machine& m) {
+         return std::to_string(60 + m.Level()) + (m.Level() == 1 ? "" : m.SendsEightBit() ? ";0" : ";1");
+     }},
+    {"\"q",
+     [](const Machine& m) { return std::string(m.Display().Cursor().pen.attributes & Attr::Protected ? "1" : "0"); }},
+};
+
+} // namespace
+
+std::string Machine::InSentForm(std::string_view sevenBit) const
+{
+    if (!SendsEightBit())
+        return std::string(sevenBit);
+    std::string out;
+    for (size_t i = 0; i < sevenBit.size(); ++i)
+        if (sevenBit[i] == '\x1b' && i + 1 < sevenBit.size() && sevenBit[i + 1] >= '@' && sevenBit[i + 1] <= '_')
+            out += char(uint8_t(sevenBit[++i]) + 0x40);
+        else
+            out += sevenBit[i];
+    return out;
+}
+
+void Machine::Reply(std::string_view sevenBit)
+{
+    if (!sevenBit.empty())
+        listener_.Reply(InSentForm(sevenBit));
+}
+
+void Machine::ReplyControl(std::string_view afterCsi)
+{
+    if (!afterCsi.empty())
+        Reply("\x1b[" + std::string(afterCsi));
+}
+
+void Machine::ReplyDcs(std::string_view body) { Reply("\x1bP" + std::string(body) + "\x1b\\"); }
+
+void Machine::SendAnswerBack()
+{
+    if (!options_.answerBack.empty() && !Speaks(Dialect::Vt52))
+        listener_.Reply(options_.answerBack);
+}
+
+void Machine::ReportStatus(const ControlSequence& sequence)
+{
+    const int request = sequence.params.At(0);
+    const bool isPrivate = sequence.marker == '?';
+    const std::string place = std::to_string(screen_.RowForHost() + 1) + ';' + std::to_string(screen_.Cursor().col + 1);
+    if (request == 6 && !isPrivate) {
+        ReplyControl(place + 'R');
+    } else if (request == 6 && Speaks(Dialect::Vt320)) {
+        ReplyControl('?' + place + ";1R");                              // one page
+    } else if (request == 255 && !isPrivate && Speaks(Dialect::Ansi)) { // boards ask the size this way
+        ReplyControl(std::to_string(screen_.Extent().rows) + ';' + std::to_string(screen_.Extent().cols) + 'R');
+    } else {
+        for (const StatusRow& row : kStatus)
+            if (row.isPrivate == isPrivate && row.request == request && Speaks(row.dialects)) {
+                ReplyControl(row.answer);
+                return;
+            }
+    }
+}
+
+void Machine::ReportMode(const ControlSequence& sequence)
+{
+    const int number = sequence.params.At(0);
+    const bool isPrivate = sequence.marker == '?';
+    // Level 2 does not answer. The modes that are not DEC's are reported by every type that has them.
+    if (!Speaks(Dialect::Vt320) && !(isPrivate && number >= 1000))
+        return;
+    const ModeRow* row = FindMode(number, isPrivate, speaks_);
+    const char* state = IsPermanentlyReset(number, isPrivate) ? "4" : "0";
+    if (row != nullptr)
+        state = modes_.Has(row->mode) ? "1" : "2";
+    ReplyControl((isPrivate ? "?" : "") + std::to_string(number) + ';' + state + "$y");
+}
+
+void Machine::RequestSetting(std::string_view request)
+{
+    if (!Speaks(Dialect::Vt320))
+        return;
+    for (const SettingRow& row : kSettings)
+        if (row.request == request) {
+            ReplyDcs("1$r" + row.value(*this) + std::string(row.request));
+            return;
+        }
+    ReplyDcs("0$r"); // unknown; what was asked is not repeated
+}
+
+} // namespace kestrune::emu

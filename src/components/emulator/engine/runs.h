@@ -1,0 +1,59 @@
+#pragma once
+
+// The two loops that plain text goes through, sixteen bytes a step where the processor allows it.
+
+#include <emulator/engine/cell.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace kestrune::emu {
+
+// End of the run of 0x20..0x7E that begins at `at`.
+inline const uint8_t* GraphicRunEnd(const uint8_t* at, const uint8_t* end)
+{
+#if defined(__SSE2__)
+    const __m128i below = _mm_set1_epi8(0x1F);
+    const __m128i above = _mm_set1_epi8(0x7F);
+    while (end - at >= 16) { // compared as signed: bytes from 0x80 are negative
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        const __m128i good = _mm_and_si128(_mm_cmpgt_epi8(bytes, below), _mm_cmplt_epi8(bytes, above));
+        const auto bad = ~unsigned(_mm_movemask_epi8(good)) & 0xFFFFu;
+        if (bad != 0)
+            return at + __builtin_ctz(bad);
+        at += 16;
+    }
+#endif
+    while (at != end && *at >= 0x20 && *at < 0x7F)
+        ++at;
+    return at;
+}
+
+// Spreads bytes over cells of one style.
+inline void SpreadBytes(Cell* to, const uint8_t* from, size_t count, StyleId style)
+{
+    size_t i = 0;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i styles = _mm_set1_epi32(style); // little endian: style below, flags 0 above
+    for (; i + 8 <= count; i += 8) {
+        const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from + i));
+        const __m128i words = _mm_unpacklo_epi8(bytes, zero);
+        const __m128i first = _mm_unpacklo_epi16(words, zero);
+        const __m128i second = _mm_unpackhi_epi16(words, zero);
+        auto* out = reinterpret_cast<__m128i*>(to + i);
+        _mm_storeu_si128(out, _mm_unpacklo_epi32(first, styles));
+        _mm_storeu_si128(out + 1, _mm_unpackhi_epi32(first, styles));
+        _mm_storeu_si128(out + 2, _mm_unpacklo_epi32(second, styles));
+        _mm_storeu_si128(out + 3, _mm_unpackhi_epi32(second, styles));
+    }
+#endif
+    for (; i < count; ++i)
+        to[i] = Cell{from[i], style, 0};
+}
+
+} // namespace kestrune::emu

@@ -1,0 +1,613 @@
+#include "screen.h"
+
+#include "widths.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrune::emu {
+namespace {
+
+constexpr int kTabWidth = 8;
+// A sweep that found nearly everything in use is not tried again for so many wishes.
+constexpr uint32_t kSweepPause = 16384;
+
+} // namespace
+
+Screen::Screen(Size size, Modes& modes)
+    : modes_(modes), main_(std::make_unique<Page>(size, clock_)), alternate_(std::make_unique<Page>(size, clock_)),
+      page_(main_.get())
+{
+    HardReset();
+}
+
+// --- numbers that cells name
+
+StyleId Screen::StyleIdFor(const Style& style)
+{
+    uint32_t id = styles_.Intern(style);
+    if (id == StyleTable::Full && refusalsUntilSweep_-- == 0) {
+        Sweep();
+        id = styles_.Intern(style);
+    }
+    if (id == StyleTable::Full) { // more looks on one screen than there are numbers: colours go, text stays
+        Style plain;
+        plain.attributes = style.attributes;
+        id = styles_.Intern(plain);
+    }
+    return id == StyleTable::Full ? StyleId(0) : StyleId(id);
+}
+
+uint32_t Screen::ClusterFor(std::u32string_view points)
+{
+    uint32_t text = clusters_.Intern(points);
+    if (text == ClusterTable::Full && refusalsUntilSweep_-- == 0) {
+        Sweep();
+        text = clusters_.Intern(points);
+    }
+    return text == ClusterTable::Full ? uint32_t(points.front()) : text;
+}
+
+uint16_t Screen::LinkFor(std::string_view target, std::string_view hostId)
+{
+    const uint16_t link = links_.Intern(target, hostId);
+    if (link != 0 || !links_.IsFull() || refusalsUntilSweep_-- != 0)
+        return link;
+    Sweep();
+    return links_.Intern(target, hostId);
+}
+
+void Screen::MarkRow(const Row& row, std::vector<bool>& styles, std::vector<bool>& clusters) const
+{
+    for (const Cell& cell : row.Used()) {
+        styles[cell.style] = true;
+        if (cell.text & Cell::ClusterBit)
+            clusters[cell.text & ~Cell::ClusterBit] = true;
+    }
+}
+
+void Screen::Sweep()
+{
+    std::vector<bool> styles(styles_.Size(), false);
+    std::vector<bool> clusters(clusters_.Size(), false);
+    std::vector<bool> links(LinkTable::Max + 1, false);
+    for (const Page* page : {main_.get(), alternate_.get()})
+        for (int row = 0; row < page->Extent().rows; ++row)
+            MarkRow(page->At(row), styles, clusters);
+    history_.VisitLooks([&](const Row& row) { MarkRow(row, styles, clusters); });
+    styles[penId_] = true;
+    styles[blankId_] = true;
+
+    for (size_t id = 0; id < styles.size(); ++id)
+        if (styles[id])
+            links[styles_.At(StyleId(id)).link] = true;
+    history_.VisitStyles([&](const Style& style) { links[style.link] = true; });
+    for (const CursorState* state : {&cursor_, &saved_[0], &saved_[1]})
+        links[state->pen.link] = true;
+
+    styles_.Keep(styles);
+    clusters_.Keep(clusters);
+    links_.Keep(links);
+    history_.ForgetNumbers();
+    refusalsUntilSweep_ = styles_.Live() > StyleTable::Max / 8 * 7 ? kSweepPause : 0;
+}
+
+Style& Screen::Pen()
+{
+    penChanged_ = true;
+    return cursor_.pen;
+}
+
+StyleId Screen::PenId()
+{
+    if (penChanged_) {
+        penChanged_ = false;
+        penId_ = StyleIdFor(cursor_.pen);
+        // Erased cells keep the background only. The DEC types have no colours, so for their hosts this is the
+        // normal rendition; hosts that send colours count on it.
+        Style blank;
+        blank.background = cursor_.pen.background;
+        blankId_ = StyleIdFor(blank);
+    }
+    return penId_;
+}
+
+StyleId Screen::BlankId()
+{
+    PenId();
+    return blankId_;
+}
+
+// --- text
+
+void Screen::WriteBytes(std::span<const uint8_t> run)
+{
+    if (run.empty())
+        return;
+    lastPoint_ = run.back();
+    const StyleId style = PenId();
+    while (!run.empty()) {
+        if (cursor_.pendingWrap)
+            WrapNow();
+        const auto room = size_t(Columns() - cursor_.col);
+        const bool wraps = modes_.Has(Mode::AutoWrap) && wrapStyle_ != WrapStyle::Never;
+        if (!wraps && room == 1) // all of the rest lands in the last column, one over the other
+            run = run.last(1);
+        const auto now = run.first(std::min(room, run.size()));
+        if (modes_.Has(Mode::Insert))
+            P().Insert(cursor_.row, cursor_.col, int(now.size()), blankId_);
+        P().PutBytes(cursor_.row, cursor_.col, now, style);
+        run = run.subspan(now.size());
+        Advance(int(now.size()));
+    }
+}
+
+void Screen::WritePoints(std::span<const char32_t> run)
+{
+    for (const char32_t point : run)
+        WritePoint(point);
+}
+
+void Screen::WritePoint(char32_t point)
+{
+    const uint8_t traits = TraitsOf(point);
+    if (traits & Trait::Special) {
+        if ((traits & Trait::Dropped) || JoinBefore(point, traits) || (traits & Trait::Joins))
+            return;
+    }
+    const int width = traits & Trait::WidthMask;
+    if (!StartCharacter(width))
+        return;
+    lastPoint_ = point;
+    const StyleId style = PenId();
+    if (modes_.Has(Mode::Insert))
+        P().Insert(cursor_.row, cursor_.col, width, blankId_);
+    P().PutPoint(cursor_.row, cursor_.col, point, width, style);
+    Advance(width);
+}
+
+// Brings the cursor to where a character of this width fits.
+bool Screen::StartCharacter(int width)
+{
+    if (cursor_.pendingWrap)
+        WrapNow();
+    if (cursor_.col + width <= Columns())
+        return true;
+    if (width > Columns())
+        return false;
+    if (modes_.Has(Mode::AutoWrap) && wrapStyle_ != WrapStyle::Never) {
+        P().Fill(cursor_.row, cursor_.col, Columns(), 0);
+        WrapNow();
+    } else {
+        cursor_.col = Columns() - width;
+    }
+    return cursor_.col + width <= Columns();
+}
+
+void Screen::Advance(int columns)
+{
+    cursor_.col += columns;
+    if (cursor_.col < Columns())
+        return;
+    cursor_.col = Columns() - 1;
+    if (!modes_.Has(Mode::AutoWrap) || wrapStyle_ == WrapStyle::Never)
+        return;
+    cursor_.pendingWrap = true;
+    if (wrapStyle_ == WrapStyle::AtOnce)
+        WrapNow();
+}
+
+void Screen::WrapNow()
+{
+    cursor_.pendingWrap = false;
+    if (!modes_.Has(Mode::AutoWrap))
+        return;
+    P().SetWraps(cursor_.row, true);
+    if (watcher_ != nullptr)
+        watcher_->LineLeft(cursor_.row, true);
+    cursor_.col = 0;
+    Index();
+}
+
+bool Screen::JoinBefore(char32_t point, uint8_t traits)
+{
+    int col = cursor_.pendingWrap ? cursor_.col : cursor_.col - 1;
+    const Row& row = P().At(cursor_.row);
+    if (col > 0 && col < row.used && (row.cells[col].flags & Cell::WideTail))
+        --col;
+    if (col < 0 || col >= row.used)
+        return false;
+    const uint32_t text = row.cells[col].text;
+    const char32_t single = text == 0 ? U' ' : char32_t(text);
+    const std::u32string_view before = text & Cell::ClusterBit ? clusters_.At(text) : std::u32string_view(&single, 1);
+    const uint8_t first = TraitsOf(before.front());
+
+    bool joins = (traits & Trait::Joins) != 0;
+    if (traits & Trait::SkinTone)
+        joins = (first & Trait::Pictographic) != 0;
+    else if (traits & Trait::Pictographic)
+        joins = before.back() == ZeroWidthJoiner && (first & Trait::Pictographic);
+    else if (traits & Trait::Regional)
+        joins = before.size() == 1 && (first & Trait::Regional);
+    if (!joins)
+        return false;
+    if (before.size() >= ClusterTable::MaxPoints)
+        return true; // full: further marks are dropped
+    std::u32string whole(before);
+    whole += point;
+    P().SetText(cursor_.row, col, ClusterFor(whole));
+    return true;
+}
+
+void Screen::Repeat(int count)
+{
+    if (lastPoint_ == 0)
+        return;
+    count = std::min(count, Extent().cols * Extent().rows);
+    for (const char32_t point = lastPoint_; count > 0; --count)
+        WritePoint(point);
+}
+
+// --- cursor
+
+void Screen::MoveTo(int row, int col)
+{
+    CollapsePendingWrap();
+    cursor_.row = std::clamp(row + Top(), Top(), Bottom() - 1);
+    cursor_.col = std::clamp(col, 0, Columns() - 1);
+}
+
+void Screen::MoveToRow(int row) { MoveTo(row, cursor_.col); }
+
+void Screen::MoveToColumn(int col) { MoveTo(RowForHost(), col); }
+
+int Screen::RowForHost() const { return cursor_.row - Top(); }
+
+void Screen::MoveUp(int count)
+{
+    const int stop = cursor_.row >= top_ ? top_ : 0;
+    MoveTo(std::max(stop, cursor_.row - count) - Top(), cursor_.col);
+}
+
+void Screen::MoveDown(int count)
+{
+    const int stop = cursor_.row < bottom_ ? bottom_ - 1 : Extent().rows - 1;
+    MoveTo(std::min(stop, cursor_.row + count) - Top(), cursor_.col);
+}
+
+void Screen::MoveLeft(int count)
+{
+    CollapsePendingWrap();
+    cursor_.col = std::max(0, cursor_.col - count);
+}
+
+void Screen::MoveRight(int count)
+{
+    CollapsePendingWrap();
+    cursor_.col = std::min(Columns() - 1, cursor_.col + count);
+}
+
+void Screen::CarriageReturn()
+{
+    CollapsePendingWrap();
+    cursor_.col = 0;
+}
+
+void Screen::Backspace() { MoveLeft(1); }
+
+void Screen::Index()
+{
+    CollapsePendingWrap();
+    if (cursor_.row == bottom_ - 1)
+        ScrollUp(1);
+    else if (cursor_.row < Extent().rows - 1)
+        ++cursor_.row;
+    cursor_.col = std::min(cursor_.col, Columns() - 1);
+}
+
+void Screen::ReverseIndex()
+{
+    CollapsePendingWrap();
+    if (cursor_.row == top_)
+        ScrollDown(1);
+    else if (cursor_.row > 0)
+        --cursor_.row;
+    cursor_.col = std::min(cursor_.col, Columns() - 1);
+}
+
+void Screen::LineFeed()
+{
+    if (watcher_ != nullptr)
+        watcher_->LineLeft(cursor_.row, false);
+    Index();
+}
+
+void Screen::SaveCursor()
+{
+    cursor_.origin = modes_.Has(Mode::Origin);
+    cursor_.autoWrap = modes_.Has(Mode::AutoWrap);
+    saved_[IsAlternate()] = cursor_;
+}
+
+void Screen::RestoreCursor()
+{
+    cursor_ = saved_[IsAlternate()];
+    penChanged_ = true;
+    modes_.Set(Mode::Origin, cursor_.origin);
+    modes_.Set(Mode::AutoWrap, cursor_.autoWrap);
+    cursor_.row = std::clamp(cursor_.row, Top(), Bottom() - 1);
+    cursor_.col = std::min(cursor_.col, Columns() - 1);
+}
+
+CursorState Screen::Fresh() const
+{
+    CursorState state;
+    state.charsets.g = {&AsciiSet(), &AsciiSet(), &UpperHalfSet(), &UpperHalfSet()};
+    state.autoWrap = modes_.Has(Mode::AutoWrap);
+    return state;
+}
+
+// --- tabs
+
+void Screen::Tab(int count)
+{
+    const int last = Columns() - 1;
+    int col = cursor_.col;
+    while (count-- > 0 && col < last)
+        do
+            ++col;
+        while (col < last && !tabs_[size_t(col)]);
+    if (col != cursor_.col) // at the last column a wrap stays pending
+        CollapsePendingWrap();
+    cursor_.col = col;
+}
+
+void Screen::BackTab(int count)
+{
+    CollapsePendingWrap();
+    while (count-- > 0 && cursor_.col > 0)
+        do
+            --cursor_.col;
+        while (cursor_.col > 0 && !tabs_[size_t(cursor_.col)]);
+}
+
+void Screen::SetTab() { tabs_[size_t(cursor_.col)] = true; }
+
+void Screen::ClearTab() { tabs_[size_t(cursor_.col)] = false; }
+
+void Screen::ClearTabs() { tabs_.assign(tabs_.size(), false); }
+
+void Screen::ResetTabs()
+{
+    tabs_.assign(size_t(Extent().cols), false);
+    for (size_t col = 0; col < tabs_.size(); col += kTabWidth)
+        tabs_[col] = true;
+}
+
+// --- margins and scrolling
+
+void Screen::SetMargins(int top, int bottom)
+{
+    bottom = std::min(bottom, Extent().rows - 1);
+    if (top < 0 || top >= bottom)
+        return;
+    top_ = top;
+    bottom_ = bottom + 1;
+    MoveTo(0, 0);
+}
+
+void Screen::ResetMargins()
+{
+    top_ = 0;
+    bottom_ = Extent().rows;
+}
+
+void Screen::PushToHistory(int count)
+{
+    for (int row = 0; row < count; ++row)
+        history_.Push(P().At(row));
+    historyAdded_ += count;
+}
+
+void Screen::ScrollUp(int count)
+{
+    count = std::min(count, bottom_ - top_);
+    if (top_ == 0 && !IsAlternate())
+        PushToHistory(count);
+    P().RotateUp(top_, bottom_, count, BlankId());
+}
+
+void Screen::ScrollDown(int count) { P().RotateDown(top_, bottom_, std::min(count, bottom_ - top_), BlankId()); }
+
+int Screen::TakeHistoryAdded() { return std::exchange(historyAdded_, 0); }
+
+// --- editing and erasing
+
+void Screen::InsertLines(int count)
+{
+    if (cursor_.row < top_ || cursor_.row >= bottom_)
+        return;
+    P().RotateDown(cursor_.row, bottom_, std::min(count, bottom_ - cursor_.row), BlankId());
+    CarriageReturn();
+}
+
+void Screen::DeleteLines(int count)
+{
+    if (cursor_.row < top_ || cursor_.row >= bottom_)
+        return;
+    P().RotateUp(cursor_.row, bottom_, std::min(count, bottom_ - cursor_.row), BlankId());
+    CarriageReturn();
+}
+
+void Screen::InsertCharacters(int count)
+{
+    CollapsePendingWrap();
+    P().Insert(cursor_.row, cursor_.col, count, BlankId());
+}
+
+void Screen::DeleteCharacters(int count)
+{
+    CollapsePendingWrap();
+    P().Delete(cursor_.row, cursor_.col, count, BlankId());
+}
+
+void Screen::EraseCharacters(int count)
+{
+    CollapsePendingWrap();
+    EraseSpan(cursor_.row, cursor_.col, std::min(Columns(), cursor_.col + count), Selective::No);
+}
+
+void Screen::EraseSpan(int row, int from, int to, Selective selective)
+{
+    if (selective == Selective::No) {
+        P().Fill(row, from, to, BlankId());
+        return;
+    }
+    for (int col = from; col < to && col < P().At(row).used; ++col) {
+        const StyleId style = P().At(row).cells[col].style;
+        if (!(styles_.At(style).attributes & Attr::Protected))
+            P().Fill(row, col, col + 1, style); // attributes stay
+    }
+}
+
+void Screen::EraseLine(Erase what, Selective selective)
+{
+    CollapsePendingWrap();
+    const int from = what == Erase::ToEnd ? cursor_.col : 0;
+    const int to = what == Erase::ToStart ? cursor_.col + 1 : Columns();
+    EraseSpan(cursor_.row, from, to, selective);
+}
+
+void Screen::EraseDisplay(Erase what, Selective selective)
+{
+    CollapsePendingWrap();
+    const int rows = Extent().rows;
+    int from = what == Erase::ToEnd ? cursor_.row + 1 : 0;
+    const int to = what == Erase::ToStart ? cursor_.row : rows;
+    if (what == Erase::ToEnd && cursor_.col == 0)
+        from = cursor_.row;
+    else if (what != Erase::All)
+        EraseLine(what, selective);
+    if (selective == Selective::No) {
+        P().FillRows(from, to, BlankId());
+        return;
+    }
+    for (int row = from; row < to; ++row)
+        EraseSpan(row, 0, P().Columns(row), Selective::Yes);
+}
+
+void Screen::Align()
+{
+    P().FillWith(U'E');
+    ResetMargins();
+    MoveTo(0, 0);
+}
+
+void Screen::SetLineSize(LineSize size)
+{
+    P().SetLineSize(cursor_.row, size);
+    CollapsePendingWrap();
+    cursor_.col = std::min(cursor_.col, Columns() - 1);
+}
+
+// --- whole screen
+
+void Screen::SwitchPage(bool alternate)
+{
+    page_ = alternate ? alternate_.get() : main_.get();
+    CollapsePendingWrap();
+    cursor_.col = std::min(cursor_.col, Columns() - 1);
+}
+
+void Screen::ClearPage()
+{
+    EraseDisplay(Erase::All, Selective::No);
+    MoveTo(0, 0);
+}
+
+void Screen::HardReset()
+{
+    page_ = main_.get();
+    cursor_ = Fresh();
+    saved_ = {cursor_, cursor_};
+    penChanged_ = true;
+    lastPoint_ = 0;
+    ResetMargins();
+    ResetTabs();
+    ClearAlternate();
+    ClearPage();
+}
+
+void Screen::SoftReset()
+{
+    const int row = cursor_.row;
+    const int col = cursor_.col;
+    cursor_ = Fresh();
+    saved_[IsAlternate()] = cursor_;
+    cursor_.row = row;
+    cursor_.col = col;
+    penChanged_ = true;
+    ResetMargins();
+}
+
+void Screen::Resize(Size size)
+{
+    if (size == Extent())
+        return;
+    ResizeMain(size, IsAlternate() ? saved_[0] : cursor_);
+    ResizeAlternate(size, IsAlternate() ? cursor_ : saved_[1]);
+    ResetMargins();
+    const size_t known = tabs_.size();
+    tabs_.resize(size_t(size.cols), false);
+    for (size_t col = known; col < tabs_.size(); ++col)
+        tabs_[col] = col % kTabWidth == 0;
+    for (CursorState* state : {&cursor_, &saved_[0], &saved_[1]}) {
+        state->row = std::clamp(state->row, 0, size.rows - 1);
+        state->col = std::clamp(state->col, 0, size.cols - 1);
+        state->pendingWrap = false;
+    }
+    cursor_.col = std::min(cursor_.col, Columns() - 1);
+}
+
+// Rows that no longer fit: blank ones below the cursor first, then the oldest go up into the history, from where
+// they come back when the screen grows.
+void Screen::ResizeMain(Size size, CursorState& cursor)
+{
+    const int before = main_->Extent().rows;
+    int spare = before - size.rows;
+    for (int row = before - 1; spare > 0 && row > cursor.row && main_->IsBlank(row); --row)
+        --spare;
+    if (spare > 0) {
+        for (int row = 0; row < spare; ++row)
+            history_.Push(main_->At(row));
+        historyAdded_ += spare;
+        main_->RotateUp(0, before, spare, 0);
+        cursor.row -= spare;
+    }
+    main_->Resize(size);
+    const int back = std::min(size.rows - before, history_.Count());
+    if (back <= 0)
+        return;
+    main_->RotateDown(0, size.rows, back, 0);
+    for (int row = back - 1; row >= 0; --row) {
+        const Row& line = history_.At(history_.Count() - 1);
+        main_->Assign(row, line.Used(), line.wraps, line.size);
+        history_.DropNewest();
+    }
+    cursor.row += back;
+}
+
+// Nothing is kept of the alternate screen; its program draws anew. Only the cursor's line must stay in sight.
+void Screen::ResizeAlternate(Size size, CursorState& cursor)
+{
+    const int up = cursor.row - size.rows + 1;
+    if (up > 0 && cursor.row < alternate_->Extent().rows) {
+        alternate_->RotateUp(0, alternate_->Extent().rows, up, 0);
+        cursor.row -= up;
+    }
+    alternate_->Resize(size);
+}
+
+const Row& Screen::RowAt(int row) { return row >= 0 ? P().At(row) : history_.At(history_.Count() + row); }
+
+} // namespace kestrune::emu

@@ -1,0 +1,187 @@
+#pragma once
+
+// What a terminal does to its screen: text placed at the cursor, cursor motion, margins, tabs, editing, erasing,
+// scrolling, the alternate screen and the history above. Operations carry the names that ECMA-48 and the DEC
+// manuals give them. It knows nothing of bytes from the host and answers nothing.
+
+#include "charsets.h"
+#include "history.h"
+#include "interned.h"
+#include "modes.h"
+#include "page.h"
+
+#include <array>
+#include <memory>
+
+namespace kestrune::emu {
+
+struct CharsetState
+{
+    std::array<const CharacterSet*, 4> g{};
+    int gl = 0;
+    int gr = 2;
+};
+
+struct CursorState // what DECSC keeps
+{
+    int row = 0;
+    int col = 0;
+    bool pendingWrap = false;
+    Style pen;
+    CharsetState charsets;
+    bool origin = false;
+    bool autoWrap = true;
+};
+
+enum class Erase : uint8_t
+{
+    ToEnd,
+    ToStart,
+    All
+};
+enum class Selective : uint8_t // DECSED and DECSEL leave protected cells alone
+{
+    No,
+    Yes
+};
+
+// Told when the cursor leaves a line by a line feed or a wrap, for auto print.
+class LineWatcher
+{
+public:
+    virtual ~LineWatcher() = default;
+    virtual void LineLeft(int row, bool wrapped) = 0;
+};
+
+class Screen : public CellNames
+{
+public:
+    Screen(Size size, Modes& modes);
+
+    // --- text
+    void WriteBytes(std::span<const uint8_t> run); // 0x20..0x7E as they are
+    void WritePoints(std::span<const char32_t> run);
+    void Repeat(int count); // the last character once more (REP)
+
+    // --- cursor
+    const CursorState& Cursor() const { return cursor_; }
+    Style& Pen(); // to be changed freely; the next character takes it
+    CharsetState& Charsets() { return cursor_.charsets; }
+    void MoveTo(int row, int col); // from 0, relative to the margins in origin mode
+    void MoveToRow(int row);
+    void MoveToColumn(int col);
+    void MoveUp(int count);
+    void MoveDown(int count);
+    void MoveLeft(int count);
+    void MoveRight(int count);
+    void CarriageReturn();
+    void Backspace();
+    void Index(); // down, scrolls at the bottom margin
+    void ReverseIndex();
+    void LineFeed(); // Index as a control from the host: a line has ended
+    void SaveCursor();
+    void RestoreCursor();
+    int RowForHost() const; // from 0, relative to the margins in origin mode
+
+    // --- tabs
+    void Tab(int count);
+    void BackTab(int count);
+    void SetTab();
+    void ClearTab();
+    void ClearTabs();
+    void ResetTabs();
+
+    // --- margins and scrolling
+    void SetMargins(int top, int bottom); // rows from 0, bottom included; the cursor goes home
+    void ResetMargins();
+    int TopMargin() const { return top_; }
+    int BottomMargin() const { return bottom_ - 1; }
+    void ScrollUp(int count);
+    void ScrollDown(int count);
+
+    // --- editing and erasing
+    void InsertLines(int count);
+    void DeleteLines(int count);
+    void InsertCharacters(int count);
+    void DeleteCharacters(int count);
+    void EraseCharacters(int count);
+    void EraseLine(Erase what, Selective selective);
+    void EraseDisplay(Erase what, Selective selective);
+    void EraseHistory() { history_.Clear(); }
+    void Align(); // DECALN
+    void SetLineSize(LineSize size);
+
+    // --- whole screen
+    void SwitchPage(bool alternate);
+    bool IsAlternate() const { return page_ == alternate_.get(); }
+    void ClearAlternate() { alternate_->FillRows(0, alternate_->Extent().rows, 0); }
+    void Resize(Size size);
+    void ClearPage(); // blank and home, in the pen's background
+    void HardReset();
+    void SoftReset();
+    void SetWrapStyle(WrapStyle style) { wrapStyle_ = style; }
+    void SetWatcher(LineWatcher* watcher) { watcher_ = watcher; }
+
+    // --- reading
+    Size Extent() const { return page_->Extent(); }
+    const Row& RowAt(int row); // negative: history
+    const History& Scrollback() const { return history_; }
+    History& Scrollback() { return history_; }
+    LinkTable& Links() { return links_; }
+    uint64_t& Clock() { return clock_; }
+    int TakeHistoryAdded(); // lines since the last call
+    uint16_t LinkFor(std::string_view target, std::string_view hostId);
+
+    // --- CellNames
+    const Style& StyleOf(StyleId id) const override { return styles_.At(id); }
+    std::u32string_view ClusterOf(uint32_t text) const override { return clusters_.At(text); }
+    StyleId StyleIdFor(const Style& style) override;
+    uint32_t ClusterFor(std::u32string_view points) override;
+
+private:
+    Page& P() { return *page_; }
+    int Columns() const { return page_->Columns(cursor_.row); }
+    int Top() const { return modes_.Has(Mode::Origin) ? top_ : 0; }
+    int Bottom() const { return modes_.Has(Mode::Origin) ? bottom_ : Extent().rows; }
+    StyleId PenId();
+    StyleId BlankId();
+    void WrapNow();
+    void Advance(int columns);
+    bool StartCharacter(int width);
+    void WritePoint(char32_t point);
+    bool JoinBefore(char32_t point, uint8_t traits);
+    void EraseSpan(int row, int from, int to, Selective selective);
+    void PushToHistory(int count);
+    void CollapsePendingWrap() { cursor_.pendingWrap = false; }
+    void Sweep();
+    void MarkRow(const Row& row, std::vector<bool>& styles, std::vector<bool>& clusters) const;
+    void ResizeMain(Size size, CursorState& cursor);
+    void ResizeAlternate(Size size, CursorState& cursor);
+    CursorState Fresh() const;
+
+    Modes& modes_;
+    uint64_t clock_ = 0;
+    StyleTable styles_;
+    ClusterTable clusters_;
+    LinkTable links_;
+    History history_{*this};
+    std::unique_ptr<Page> main_;
+    std::unique_ptr<Page> alternate_;
+    Page* page_ = nullptr;
+
+    CursorState cursor_;
+    std::array<CursorState, 2> saved_; // main, alternate
+    StyleId penId_ = 0;
+    StyleId blankId_ = 0;
+    bool penChanged_ = false;
+    int top_ = 0;
+    int bottom_ = 0; // past the last row of the region
+    std::vector<bool> tabs_;
+    WrapStyle wrapStyle_ = WrapStyle::Pending;
+    LineWatcher* watcher_ = nullptr;
+    char32_t lastPoint_ = 0;
+    int historyAdded_ = 0;
+    uint32_t refusalsUntilSweep_ = 0;
+};
+
+} // namespace kestrune::emu

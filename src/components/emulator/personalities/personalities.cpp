@@ -1,0 +1,32 @@
+#include <emulator/personalities/personalities.h>
+
+#include "types.h"
+
+namespace kestrune::emu {
+namespace {
+
+constexpr const Personality* kTypes[] = {&types::kTty,   &types::kVt52,  &types::kVt220,       &types::kVt100,
+                                         &types::kVt320, &types::kVt420, &types::kLinuxConsole};
+
+consteval bool InOrderOfNumbers()
+{
+    for (size_t i = 1; i < std::size(kTypes); ++i)
+        if (kTypes[i - 1]->number >= kTypes[i]->number)
+            return false;
+    return true;
+}
+static_assert(InOrderOfNumbers(), "two types with one number, or out of order");
+
+} // namespace
+
+const Personality* FindPersonality(int number)
+{
+    for (const Personality* type : kTypes)
+        if (type->number == number)
+            return type;
+    return nullptr;
+}
+
+std::span<const Personality* const> AllPersonalities() { return kTypes; }
+
+} // namespace kestrune::emu
