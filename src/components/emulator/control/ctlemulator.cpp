@@ -2,6 +2,7 @@
 
 #include "heldselection.h"
 #include "hosttext.h"
+#include "latintext.h"
 #include "pasteadvice.h"
 #include "pastequeue.h"
 #include "screentext.h"
@@ -23,8 +24,6 @@ namespace {
 
 constexpr int kBreakMilliseconds = 300; // longer than any character at 300 bits a second
 const QString kSource = u"ctlEmulator"_s;
-
-QString Latin(std::string_view text) { return QString::fromLatin1(text.data(), qsizetype(text.size())); }
 
 qint32 Clipped(quint64 count) { return qint32(std::min<quint64>(count, std::numeric_limits<qint32>::max())); }
 
@@ -111,7 +110,7 @@ const emu::Personality& ctlEmulator::PersonalityFromSettings() const
 
 void ctlEmulator::OnSettingChanged(SettingId id)
 {
-    static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),    Setting("NoAutoWrap"),
+    static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),       Setting("NoAutoWrap"),
                                        Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"), Setting("BkspSendsDel"),
                                        Setting("AnswerBack")};
     static constexpr std::array look{Setting("FontName"), Setting("FontSize"), Setting("BoldFont"),
@@ -124,7 +123,7 @@ void ctlEmulator::OnSettingChanged(SettingId id)
         if (!emu::FindPersonality(type))
             Notice(tr("The terminal type %1 has not been implemented at this time. %2 stands in for it.")
                        .arg(type)
-                       .arg(Latin(PersonalityFromSettings().name)));
+                       .arg(LatinText(PersonalityFromSettings().name)));
         emit TermTypeChange(type);
     }
     if (id == Setting("Charset")) {
@@ -182,10 +181,9 @@ void ctlEmulator::OpenLine()
 void ctlEmulator::RefuseDevice(Device device)
 {
     const QString name = ports_.lines.Name(device);
-    const QString text =
-        device == Device::None || name.isEmpty()
-            ? tr("This session has no connection yet: choose one in its settings.")
-            : tr("The %1 connection has not been implemented at this time.").arg(name);
+    const QString text = device == Device::None || name.isEmpty()
+                             ? tr("This session has no connection yet: choose one in its settings.")
+                             : tr("The %1 connection has not been implemented at this time.").arg(name);
     // As with every line the outcome comes from the event loop, not from inside the call.
     ports_.clock.Post([self = QPointer(this), device, text] {
         if (!self || self->shutDown_ || self->line_)
@@ -281,7 +279,8 @@ void ctlEmulator::Reset(int mode)
     case ResetMode::Resume:
     case ResetMode::HostKeyCancel:
     case ResetMode::HostKeyContinue:
-    case ResetMode::HostKeyUpdate: RefuseResume();
+    case ResetMode::HostKeyUpdate:
+        RefuseResume();
     }
     throw Failure(ErrorNumber::InvalidCall, tr("There is no reset %1.").arg(mode), kSource);
 }

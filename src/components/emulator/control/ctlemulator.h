@@ -233,6 +233,12 @@ public:
     void TypeText(const QString& text);                   // from an input method
     bool SendMouse(const emu::MouseAction& action);       // false: the host does not want it
     void SendFocus(bool gained);
+    struct Columns // first to one past the last
+    {
+        int first = 0;
+        int last = 0;
+    };
+    Columns SelectedColumns(int row) const; // empty: first == last
     void AnnounceSelection(); // the user has finished selecting: SelectionChange, and the primary selection
     SelectionArea WordAt(int column, int row) const;
     SelectionArea LineAt(int row) const; // with the rows that it is soft-wrapped over
@@ -315,8 +321,8 @@ private:
     std::unique_ptr<HostText> hostText_; // for the macro recorder
     std::unique_ptr<HeldSelection> selection_;
     LineState lineState_ = LineState::Closed;
-    bool closing_ = false;  // we asked for the end of the line
-    bool reopen_ = false;   // and want it opened again
+    bool closing_ = false; // we asked for the end of the line
+    bool reopen_ = false;  // and want it opened again
     bool wasConnected_ = false;
     bool hostEchoes_ = true;
     QString endText_; // why the line ended, in the user's words

@@ -110,9 +110,8 @@ QString ctlEmulator::GetText(int column, int row, int cols, bool noProtect) cons
     QString text;
     for (int c = from; c < from + count; ++c) {
         const auto cells = terminal_->Row(line).cells;
-        const bool isProtected =
-            c < int(cells.size()) &&
-            (terminal_->StyleOf(cells[size_t(c)].style).attributes & emu::Attr::Protected) != 0;
+        const bool isProtected = c < int(cells.size()) &&
+                                 (terminal_->StyleOf(cells[size_t(c)].style).attributes & emu::Attr::Protected) != 0;
         text += isProtected ? u" "_s : QString::fromStdString(terminal_->TextOf(line, c, 1));
     }
     return text;
@@ -160,12 +159,18 @@ void ctlEmulator::ScrollHistory(int command)
 {
     const int page = std::max(1, Rows() - 1); // one row of the last page stays in sight
     switch (ScrollCommand(command)) {
-    case ScrollCommand::LineUp: return ScrollTo(scrollback_ + 1);
-    case ScrollCommand::LineDown: return ScrollTo(scrollback_ - 1);
-    case ScrollCommand::PageUp: return ScrollTo(scrollback_ + page);
-    case ScrollCommand::PageDown: return ScrollTo(scrollback_ - page);
-    case ScrollCommand::Top: return ScrollTo(terminal_->HistoryCount());
-    case ScrollCommand::Bottom: return ScrollTo(0);
+    case ScrollCommand::LineUp:
+        return ScrollTo(scrollback_ + 1);
+    case ScrollCommand::LineDown:
+        return ScrollTo(scrollback_ - 1);
+    case ScrollCommand::PageUp:
+        return ScrollTo(scrollback_ + page);
+    case ScrollCommand::PageDown:
+        return ScrollTo(scrollback_ - page);
+    case ScrollCommand::Top:
+        return ScrollTo(terminal_->HistoryCount());
+    case ScrollCommand::Bottom:
+        return ScrollTo(0);
     }
     RaiseBadArgument(tr("There is no scroll command %1.").arg(command));
 }
@@ -205,6 +210,13 @@ void ctlEmulator::ClearSelection()
 }
 
 std::optional<SelectionArea> ctlEmulator::SelectedArea() const { return selection_->Area(*terminal_); }
+
+ctlEmulator::Columns ctlEmulator::SelectedColumns(int row) const
+{
+    const auto area = SelectedArea();
+    const ColumnSpan columns = area ? ColumnsOf(*area, row, Cols()) : ColumnSpan{};
+    return {columns.first, columns.last};
+}
 
 bool ctlEmulator::GetSelection(int& left, int& top, int& right, int& bottom) const
 {

@@ -1,6 +1,7 @@
 #include "emulatorsettings.h"
 
 #include "keynotation.h"
+#include "latintext.h"
 
 #include <dispatch/failure.h>
 
@@ -19,9 +20,10 @@ const QString kFKeyPrefix = u"FKey"_s;
 const QString kPalettePrefix = u"Palette"_s;
 const QString kColorPrefix = u"AttrColor"_s;
 
-QString Latin(std::string_view text) { return QString::fromLatin1(text.data(), qsizetype(text.size())); }
-
-QString BagKey(const SettingRow& row) { return row.bagKey.empty() ? u's' + Latin(row.name) : Latin(row.bagKey); }
+QString BagKey(const SettingRow& row)
+{
+    return row.bagKey.empty() ? u's' + LatinText(row.name) : LatinText(row.bagKey);
+}
 
 Variant DefaultOf(const SettingRow& row)
 {
@@ -33,7 +35,7 @@ Variant DefaultOf(const SettingRow& row)
     case SettingKind::Float:
         return row.number;
     case SettingKind::Text:
-        return Latin(row.text);
+        return LatinText(row.text);
     }
     return {};
 }
@@ -68,7 +70,7 @@ QString FloatText(double number) { return QString::number(number, 'g', 7); } // 
 
 Variant ReadRow(const KeyFile& file, const SettingRow& row)
 {
-    const QString key = Latin(row.name);
+    const QString key = LatinText(row.name);
     const Variant fallback = DefaultOf(row);
     Variant read;
     switch (row.kind) {
@@ -90,7 +92,7 @@ Variant ReadRow(const KeyFile& file, const SettingRow& row)
 
 void WriteRow(KeyFile& file, const SettingRow& row, const Variant& value)
 {
-    const QString key = Latin(row.name);
+    const QString key = LatinText(row.name);
     const Variant fallback = DefaultOf(row);
     switch (row.kind) {
     case SettingKind::Boolean:
@@ -236,7 +238,7 @@ namespace {
 SettingId FindSetting(const QString& name)
 {
     for (size_t i = 0; i < SettingsTable.size(); ++i)
-        if (name.compare(Latin(SettingsTable[i].name), Qt::CaseInsensitive) == 0)
+        if (name.compare(LatinText(SettingsTable[i].name), Qt::CaseInsensitive) == 0)
             return {uint8_t(i)};
     throw Failure(ErrorNumber::NoSuchMember,
                   QCoreApplication::translate("EmulatorSettings", "There is no setting \"%1\".").arg(name),
@@ -253,10 +255,11 @@ void EmulatorSettings::SetValue(SettingId id, const Variant& value)
 {
     const auto fit = Fit(id.Row(), value);
     if (!fit)
-        throw Failure(ErrorNumber::InvalidCall,
-                      tr("%1 cannot be %2: it takes %3 to %4.")
-                          .arg(Latin(id.Row().name), value.ToText(), FloatText(id.Row().low), FloatText(id.Row().high)),
-                      u"Settings"_s);
+        throw Failure(
+            ErrorNumber::InvalidCall,
+            tr("%1 cannot be %2: it takes %3 to %4.")
+                .arg(LatinText(id.Row().name), value.ToText(), FloatText(id.Row().low), FloatText(id.Row().high)),
+            u"Settings"_s);
     Variant& held = state_.values[id.index];
     if (held == *fit)
         return;

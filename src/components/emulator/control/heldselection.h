@@ -28,9 +28,9 @@ private:
     };
 
     bool held_ = false;
-    SelectionArea area_;     // rows relative to base_
-    uint64_t base_ = 0;      // lines in the history when it was set
-    int firstMarked_ = 0;    // row of marks_[0], relative to base_
+    SelectionArea area_;  // rows relative to base_
+    uint64_t base_ = 0;   // lines in the history when it was set
+    int firstMarked_ = 0; // row of marks_[0], relative to base_
     std::vector<Mark> marks_;
 };
 

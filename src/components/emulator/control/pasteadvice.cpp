@@ -62,8 +62,7 @@ QString PasteQuestion(const QString& text)
         question += u'\n' + QCoreApplication::translate("Paste", "It has control characters; they are left out.");
     question += QStringLiteral("\n\n") + Preview(text);
     if (lines > kPreviewLines)
-        question +=
-            u'\n' + QCoreApplication::translate("Paste", "... and %1 more").arg(lines - kPreviewLines);
+        question += u'\n' + QCoreApplication::translate("Paste", "... and %1 more").arg(lines - kPreviewLines);
     return question;
 }
 

@@ -1,5 +1,7 @@
 #include "sessionoptions.h"
 
+#include "latintext.h"
+
 #include <algorithm>
 #include <array>
 
@@ -30,11 +32,14 @@ constexpr std::array kCharsets{
 emu::HostCharset NativeCharset(int termType)
 {
     switch (termType) {
-    case 16: return emu::HostCharset::Utf8;
+    case 16:
+        return emu::HostCharset::Utf8;
     case 9:
     case 10:
-    case 15: return emu::HostCharset::Cp437;
-    default: return emu::HostCharset::Latin1;
+    case 15:
+        return emu::HostCharset::Cp437;
+    default:
+        return emu::HostCharset::Latin1;
     }
 }
 
@@ -65,8 +70,7 @@ emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Si
     options.autoWrap = !settings.Boolean(Setting("NoAutoWrap"));
     options.applicationCursor = settings.Boolean(Setting("AnsiAppCursor"));
     options.applicationKeypad = settings.Boolean(Setting("AnsiAppKeypad"));
-    options.backspace =
-        settings.Boolean(Setting("BkspSendsDel")) ? emu::BackspaceKey::Del : emu::BackspaceKey::AsType;
+    options.backspace = settings.Boolean(Setting("BkspSendsDel")) ? emu::BackspaceKey::Del : emu::BackspaceKey::AsType;
     options.answerBack = settings.Text(Setting("AnswerBack")).toLatin1().toStdString();
     return options;
 }
@@ -79,7 +83,7 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.hostPort = settings.Text(Setting("HostPort"));
     options.terminalName = settings.Text(Setting("HostTermType"));
     if (options.terminalName.isEmpty())
-        options.terminalName = QString::fromLatin1(type.hostName.data(), qsizetype(type.hostName.size()));
+        options.terminalName = LatinText(type.hostName);
     options.size = size;
     options.connectTimeout = settings.Integer(Setting("ConnectTimeout"));
     options.keepaliveInterval = settings.Integer(Setting("KeepaliveInterval"));
