@@ -110,10 +110,11 @@ void Put(Window& window, const WindowPlace& place)
         window.SetState(place.state);
 }
 
+// A name without a folder lies beside the layout; other relative ones start from there too.
 QString SessionPath(const SettingsLayer& layer, const QString& stored, const QString& layoutFile)
 {
-    const QString name = layer.spec.ToNative(stored);
-    return layer.spec.GetDirPart(name).isEmpty() ? layer.spec.GetDirPart(layoutFile) + name : name;
+    const QString folder = layer.spec.GetDirPart(layoutFile);
+    return stored.isEmpty() ? folder : layer.spec.ExpandPath(stored, folder, layer.folders.DocumentsDir);
 }
 
 std::shared_ptr<clsSession> AddFromLayout(ApplicationPort& application, const QString& path)

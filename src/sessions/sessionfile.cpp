@@ -32,6 +32,8 @@ struct SessionKey
     void (*set)(SessionSettings&, const Variant&);
 };
 
+constexpr qsizetype MostText = 4095; // what the profile's buffer holds: a title of megabytes is nobody's
+
 using S = SessionSettings;
 using V = Variant;
 
@@ -70,12 +72,12 @@ Variant ValueFromFile(const SessionKey& key, const KeyFile& file)
         return qint32(file.GetInt(name, 0));
     case SessionKeyKind::Text:
     case SessionKeyKind::Path:
-        return file.GetString(name, {});
+        return file.GetString(name, {}).left(MostText);
     }
     return {};
 }
 
-Variant NoValue(const SessionKey& key)
+Variant EmptyValue(const SessionKey& key)
 {
     switch (key.kind) {
     case SessionKeyKind::Flag:
@@ -102,7 +104,7 @@ void WriteSessionKeys(KeyFile& file, const SessionSettings& settings, const File
     for (const SessionKey& key : SessionKeys) {
         const QString name = key.fileKey.toString();
         const Variant value = key.get(settings);
-        if (value == NoValue(key)) // also for a number, where the profile's own rule would store a 0
+        if (value == EmptyValue(key)) // also for a number, where the profile's own rule would store a 0
             file.Remove(name);
         else if (key.kind == SessionKeyKind::Flag)
             file.SetBool(name, true, false);
@@ -116,13 +118,13 @@ void WriteSessionKeys(KeyFile& file, const SessionSettings& settings, const File
 void ReadSessionBag(const PropertyBag& bag, SessionSettings& settings)
 {
     for (const SessionKey& key : SessionKeys)
-        key.set(settings, bag.ReadProperty(key.bagKey.toString(), NoValue(key)));
+        key.set(settings, bag.ReadProperty(key.bagKey.toString(), EmptyValue(key)));
 }
 
 void WriteSessionBag(PropertyBag& bag, const SessionSettings& settings)
 {
     for (const SessionKey& key : SessionKeys)
-        bag.WriteProperty(key.bagKey.toString(), key.get(settings), NoValue(key));
+        bag.WriteProperty(key.bagKey.toString(), key.get(settings), EmptyValue(key));
 }
 
 } // namespace kestrune

@@ -90,6 +90,7 @@ std::optional<QString> clsSession::AskForFileName() const
 bool clsSession::SaveSession(const QString& name, Dialog dialog)
 {
     const std::shared_ptr<clsSession> self = shared_from_this();
+    Window(); // raises when the session has ended
     const QString oldName = fileName_;
     const QString given = name.trimmed();
     QString target;

@@ -130,6 +130,7 @@ TEST(ChildLogic, SaveThatTheEmulatorAskedForSaysWhyItFailed)
 {
     ChildBench bench;
     QFile::setPermissions(bench.session->FileName(), QFileDevice::ReadOwner);
+    bench.session->SetCaption(u"Mine"_s);
     emit bench.window->emulator->SaveSettings();
     ASSERT_EQ(bench.ask.boxes.size(), 1u);
     EXPECT_FALSE(bench.ask.boxes[0].text.isEmpty());
