@@ -105,7 +105,8 @@ bool LooksLikeUtf16(QByteArrayView bytes, bool littleEndian)
         latin += high == 0 ? 1 : 0;
     }
     const qsizetype units = bytes.size() / 2;
-    return !highBefore && latin > 0 && (latin * 3 >= units || !LooksLikeUtf8(bytes));
+    const bool sevenBit = std::ranges::all_of(bytes, [](char c) { return c >= 0; }); // plain text with a stray NUL
+    return !highBefore && latin > 0 && (latin * 3 >= units || (!sevenBit && !LooksLikeUtf8(bytes)));
 }
 
 bool IsAscii(QByteArrayView bytes)
