@@ -25,6 +25,7 @@ enum class ErrorNumber : quint32
     RenameAcrossDevices = 74,
     PathAccess = 75,
     PathNotFound = 76,
+    ObjectNotSet = 91,
     BadIndex = 381,
     ModalDialogUp = 401,
     NoSuchMember = 438,

@@ -14,6 +14,10 @@ class ScriptEnginePort;
 class RecorderPort;
 class CommandPort;
 class Questions;
+class Clock;
+class MainWindow;
+class SessionMenus;
+struct SettingsLayer;
 
 class ApplicationPort
 {
@@ -27,6 +31,12 @@ public:
     virtual CommandPort& Commands() = 0;
     virtual Questions& Ask() = 0;
     virtual ScriptEnginePort* ScriptEngine(bool noCreate) = 0;
+    virtual SessionMenus& Menus() = 0;
+    virtual MainWindow* Frame() = 0; // null in a run for the settings alone
+
+    // --- the world, as its parts see it
+    virtual SettingsLayer& Layer() = 0; // settings/layer.h; its SessionDir follows the file loaded last
+    virtual Clock& Time() = 0;
 
     // --- global settings
     virtual int TitleFormat() const = 0;
@@ -40,6 +50,8 @@ public:
     virtual bool FuncBarVisible() const = 0;
     virtual int FuncBarPos() const = 0;
     virtual int FuncBarStyle() const = 0;
+    virtual int FuncBarBank() const = 0; // as stored: 0 when nothing is
+    virtual void SetFuncBarBank(int bank) = 0;
     virtual QString CustomMouseTable() const = 0;
     virtual QString DefaultCaptureDir() const = 0;
     virtual QString DefaultXferDir() const = 0;

@@ -18,6 +18,17 @@ struct WindowPlace // pixels; state 0 normal, 1 minimised, 2 maximised
     bool operator==(const WindowPlace&) const = default;
 };
 
+// What an upload or download dialog asks for; it is carried out from the message loop, after the dialog has gone.
+struct TransferRequest
+{
+    bool upload = false;
+    QString fileName;
+    qint16 protocol = 0; // 0 ASCII, 1 Kermit, 2 XModem, 3 YModem, 4 ZModem
+    qint16 mode = 0;     // 0 text
+    qint16 overwrite = 0;
+    qint16 textEncoding = 0; // used when mode is 0
+};
+
 class RecorderPort
 {
 public:
@@ -30,6 +41,7 @@ public:
     virtual void SelectionChanged(clsSession&, int /*left*/, int /*top*/, int /*right*/, int /*bottom*/) {}
     virtual void RecordText(clsSession&, const QString&) {}
     virtual void RecordKey(clsSession&, const QString&, int /*code*/) {}
+    virtual void TransferStarted(clsSession&, const TransferRequest&) {}
     virtual void ApplicationActivated(bool) {}
     virtual void Close() {}
 };

@@ -1,0 +1,517 @@
+#include "ctlemulator.h"
+
+#include "heldselection.h"
+#include "hosttext.h"
+#include "latintext.h"
+#include "pasteadvice.h"
+#include "pastequeue.h"
+#include "screentext.h"
+#include "sessionoptions.h"
+
+#include <dispatch/failure.h>
+#include <emulator/personalities/personalities.h>
+
+#include <QPointer>
+
+#include <algorithm>
+#include <limits>
+
+namespace kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kBreakMilliseconds = 300; // longer than any character at 300 bits a second
+const QString kSource = u"ctlEmulator"_s;
+
+qint32 Clipped(quint64 count) { return qint32(std::min<quint64>(count, std::numeric_limits<qint32>::max())); }
+
+// VT220 is the type whose sequences most hosts send.
+constexpr int kFallbackType = 8;
+
+} // namespace
+
+// What engine and line tell, in one place, away from the public face.
+class ctlEmulator::Listener : public emu::TerminalListener, public LineListener
+{
+public:
+    explicit Listener(ctlEmulator& control) : c_(control) {}
+
+    // --- the engine
+    void Reply(std::string_view bytes) override { c_.SendBytes(bytes); }
+    void Bell() override { c_.bell_ = true; }
+    void TitleChanged(std::string_view utf8) override
+    {
+        c_.hostTitle_ = QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
+    }
+    void ScreenSizeChanged(emu::Size) override { sizeChanged = true; }
+    void PrinterStateChanged(int state) override { c_.printerState_ = state; }
+    void HistoryAdded(int rows) override
+    {
+        if (c_.scrollback_ > 0)
+            c_.scrollback_ += rows; // what is looked at stays where it is
+    }
+
+    // --- the line
+    void LineReceived(std::string_view bytes) override { c_.Received(bytes); }
+    void LineStateChanged(LineState state, const QString& text) override { c_.SetStatus(state, text); }
+    void LineDeviceStatus(const QString& text) override { emit c_.DeviceStatus(text); }
+    void LineError(quint32 word, const QString& description, bool fatal) override
+    {
+        c_.LineFailed(word, description, fatal);
+    }
+    void LineClosed() override { c_.LineEnded(); }
+    void LineProgramEnded(int exitCode, int signalNumber) override
+    {
+        c_.endText_ = signalNumber != 0 ? tr("Process ended by signal %1").arg(signalNumber)
+                                        : tr("Process ended with exit code %1").arg(exitCode);
+    }
+    void LineRemoteEcho(bool remote) override { c_.hostEchoes_ = remote; }
+    void LineDrained() override
+    {
+        if (c_.line_)
+            c_.bytesOut_ += c_.paste_->Pump(*c_.line_);
+    }
+
+    bool sizeChanged = false;
+
+private:
+    ctlEmulator& c_;
+};
+
+ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
+    : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
+      paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
+      selection_(std::make_unique<HeldSelection>())
+{
+    size_.cols = settings_.Integer(Setting("NormCols"));
+    size_.rows = settings_.Integer(Setting("NormRows"));
+    terminal_ = std::make_unique<emu::Terminal>(TerminalOptionsOf(settings_, {size_.cols, size_.rows}),
+                                                PersonalityFromSettings(), *listener_);
+    connect(&settings_, &EmulatorSettings::SettingChanged, this, &ctlEmulator::OnSettingChanged);
+    connect(&settings_, &EmulatorSettings::PaletteChanged, this, &ctlEmulator::LookChanged);
+    connect(&settings_, &EmulatorSettings::ColorsChanged, this, &ctlEmulator::LookChanged);
+    ScheduleEvents();
+}
+
+ctlEmulator::~ctlEmulator() = default;
+
+EmulatorSettings& ctlEmulator::Settings(bool) { return settings_; }
+const EmulatorSettings& ctlEmulator::Settings() const { return settings_; }
+
+// --- settings, live
+
+const emu::Personality& ctlEmulator::PersonalityFromSettings() const
+{
+    const auto* type = emu::FindPersonality(settings_.Integer(Setting("TermType")));
+    return type ? *type : *emu::FindPersonality(kFallbackType);
+}
+
+void ctlEmulator::OnSettingChanged(SettingId id)
+{
+    static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),       Setting("NoAutoWrap"),
+                                       Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"), Setting("BkspSendsDel"),
+                                       Setting("AnswerBack")};
+    static constexpr std::array look{Setting("FontName"), Setting("FontSize"), Setting("BoldFont"),
+                                     Setting("LegibleFont")};
+    const auto isOneOf = [id](const auto& ids) { return std::find(ids.begin(), ids.end(), id) != ids.end(); };
+
+    if (id == Setting("TermType")) {
+        const int type = settings_.Integer(id);
+        terminal_->SelectPersonality(PersonalityFromSettings());
+        if (!emu::FindPersonality(type))
+            Notice(tr("The terminal type %1 has not been implemented at this time. %2 stands in for it.")
+                       .arg(type)
+                       .arg(LatinText(PersonalityFromSettings().name)));
+        emit TermTypeChange(type);
+    }
+    if (id == Setting("Charset")) {
+        const QString name = settings_.Text(id);
+        if (!name.isEmpty() && !CharsetNamed(name))
+            Notice(tr("There is no character set \"%1\".").arg(name));
+    }
+    if (id == Setting("TermType") || isOneOf(engine)) {
+        terminal_->SetOptions(TerminalOptionsOf(settings_, terminal_->ScreenSize()));
+        hostText_->SetCharset(CharsetOf(settings_));
+        AfterChange();
+    }
+    if (isOneOf(look))
+        emit LookChanged();
+}
+
+// --- connection
+
+bool ctlEmulator::OnLine() const { return line_ && !closing_; }
+
+void ctlEmulator::SetOnLine(bool on)
+{
+    if (shutDown_ || on == OnLine()) {
+        reopen_ = reopen_ && on;
+        return;
+    }
+    if (!on) {
+        closing_ = true;
+        reopen_ = false;
+        line_->Close();
+    } else if (line_) {
+        reopen_ = true; // the old line has yet to say that it is closed
+    } else {
+        OpenLine();
+    }
+}
+
+void ctlEmulator::OpenLine()
+{
+    const LineOptions options = LineOptionsOf(settings_, terminal_->CurrentPersonality(), size_);
+    bytesIn_ = bytesOut_ = 0;
+    closing_ = reopen_ = wasConnected_ = false;
+    endText_.clear();
+    paste_->Abort(nullptr);
+    // RFC 854: until a host offers to echo, a network virtual terminal does it itself.
+    const bool telnet = options.device == Device::Telnet || options.device == Device::SslTelnet;
+    hostEchoes_ = !telnet || options.telnet.bypass;
+    line_ = ports_.lines.Make(options, *listener_);
+    if (line_)
+        line_->Open();
+    else
+        RefuseDevice(options.device);
+}
+
+void ctlEmulator::RefuseDevice(Device device)
+{
+    const QString name = ports_.lines.Name(device);
+    const QString text = device == Device::None || name.isEmpty()
+                             ? tr("This session has no connection yet: choose one in its settings.")
+                             : tr("The %1 connection has not been implemented at this time.").arg(name);
+    // As with every line the outcome comes from the event loop, not from inside the call.
+    ports_.clock.Post([self = QPointer(this), device, text] {
+        if (!self || self->shutDown_ || self->line_)
+            return;
+        self->LineFailed(LineErrorWord(device, LineErrorNumber::InvalidArgument), text, true);
+        if (self)
+            self->LineEnded();
+    });
+}
+
+bool ctlEmulator::HasChildren() const { return line_ && line_->HasChildren(); }
+qint32 ctlEmulator::BytesIn() const { return Clipped(bytesIn_); }
+qint32 ctlEmulator::BytesOut() const { return Clipped(bytesOut_); }
+
+void ctlEmulator::Break()
+{
+    if (MayType() && line_)
+        line_->Break(kBreakMilliseconds);
+}
+
+void ctlEmulator::Abort() { bytesOut_ += paste_->Abort(line_.get()); }
+
+void ctlEmulator::HangUp(int) { SetOnLine(false); }
+
+void ctlEmulator::SetStatus(LineState state, const QString& text)
+{
+    if (shutDown_)
+        return;
+    lineState_ = state;
+    wasConnected_ = wasConnected_ || state == LineState::Connected;
+    // A line that has closed says why by other notices; the reason is what the status shows.
+    QString shown = state == LineState::Closed && text.isEmpty() ? endText_ : text;
+    emit ConnectionStatus(qint16(state), &shown);
+}
+
+void ctlEmulator::LineFailed(quint32 word, const QString& description, bool fatal)
+{
+    if (shutDown_)
+        return;
+    if (fatal)
+        endText_ = description;
+    emit CommError(&word, description, fatal);
+}
+
+void ctlEmulator::LineEnded()
+{
+    line_.reset();
+    paste_->Abort(nullptr);
+    if (shutDown_)
+        return;
+    const bool asked = std::exchange(closing_, false);
+    if (std::exchange(reopen_, false)) {
+        lineState_ = LineState::Closed;
+        OpenLine();
+        return;
+    }
+    if (endText_.isEmpty() && wasConnected_)
+        endText_ = asked ? tr("Disconnected") : tr("Connection closed by the host");
+    if (!endText_.isEmpty())
+        Notice(endText_);
+    SetStatus(LineState::Closed, {});
+    if (!asked)
+        emit Disconnect();
+}
+
+void ctlEmulator::Shutdown()
+{
+    shutDown_ = true;
+    blockSignals(true);
+    paste_->Abort(nullptr);
+    if (line_)
+        line_->Close(); // destroyed when it says that it is closed, or with this control
+}
+
+void ctlEmulator::Reset(int mode)
+{
+    switch (ResetMode(mode)) {
+    case ResetMode::Default:
+    case ResetMode::Terminal:
+        terminal_->Reset();
+        ScrollTo(0);
+        AfterChange();
+        return;
+    case ResetMode::Line:
+        if (line_) {
+            closing_ = true;
+            reopen_ = true;
+            line_->Close();
+        } else {
+            SetOnLine(true);
+        }
+        return;
+    case ResetMode::Resume:
+    case ResetMode::HostKeyCancel:
+    case ResetMode::HostKeyContinue:
+    case ResetMode::HostKeyUpdate:
+        RefuseResume();
+    }
+    throw Failure(ErrorNumber::InvalidCall, tr("There is no reset %1.").arg(mode), kSource);
+}
+
+// --- bytes
+
+void ctlEmulator::Received(std::string_view bytes)
+{
+    if (shutDown_)
+        return;
+    bytesIn_ += bytes.size();
+    if (settings_.Boolean(Setting("Strip8th"))) {
+        std::string stripped(bytes);
+        for (char& c : stripped)
+            c = char(c & 0x7F);
+        terminal_->Receive(stripped);
+    } else {
+        terminal_->Receive(bytes);
+    }
+    if (recordingText_)
+        emit RecordText(hostText_->Decode(bytes));
+    AfterChange();
+}
+
+void ctlEmulator::AfterChange()
+{
+    scrollback_ = std::min(scrollback_, terminal_->HistoryCount());
+    selection_->Check(*terminal_);
+    if (std::exchange(listener_->sizeChanged, false))
+        TellSize();
+    ScheduleEvents();
+    emit ScreenChanged();
+}
+
+void ctlEmulator::TellSize()
+{
+    const auto [cols, rows] = terminal_->ScreenSize();
+    if (cols == size_.cols && rows == size_.rows)
+        return;
+    size_.cols = cols;
+    size_.rows = rows;
+    if (line_)
+        line_->Resize(size_);
+}
+
+void ctlEmulator::SendBytes(std::string_view bytes)
+{
+    if (!Connected() || !line_ || bytes.empty())
+        return;
+    bytesOut_ += bytes.size();
+    line_->Send(bytes);
+}
+
+void ctlEmulator::Notice(const QString& text)
+{
+    terminal_->PrintNotice((u'[' + text + u']').toStdString());
+    AfterChange();
+}
+
+void ctlEmulator::ScheduleEvents()
+{
+    if (std::exchange(scheduled_, true))
+        return;
+    ports_.clock.Post([self = QPointer(this)] {
+        if (self && !self->shutDown_)
+            self->RunEvents();
+    });
+}
+
+// A handler may end the session, but the control outlives this call.
+void ctlEmulator::RunEvents()
+{
+    scheduled_ = false;
+    if (const auto size = terminal_->ScreenSize(); !(size == std::exchange(told_.size, size)))
+        emit ScreenSizeChange(size.cols, size.rows, settings_.Integer(Setting("Pages")), false);
+    if (const auto at = terminal_->Cursor(); at != std::exchange(told_.cursor, at))
+        emit CursorMove(at.col, at.row, Page());
+    if (LockKeyboard() != std::exchange(told_.locked, LockKeyboard()))
+        emit KeyboardLock(LockKeyboard());
+    if (const auto state = std::exchange(printerState_, std::nullopt))
+        emit PrinterChange(*state);
+    if (const auto title = std::exchange(hostTitle_, std::nullopt))
+        emit HostTitleChange(*title);
+    if (std::exchange(bell_, false))
+        emit Bell();
+}
+
+// --- typing
+
+bool ctlEmulator::LockKeyboard() const { return lockKeyboard_ || terminal_->Modes().keyboardLocked; }
+
+void ctlEmulator::SetLockKeyboard(bool on)
+{
+    lockKeyboard_ = on;
+    ScheduleEvents();
+}
+
+bool ctlEmulator::MayType()
+{
+    const bool local = settings_.Integer(Setting("Duplex")) == 2;
+    if (!shutDown_ && !LockKeyboard() && (Connected() || local))
+        return true;
+    ports_.ask.Beep();
+    emit InputRefused();
+    return false;
+}
+
+void ctlEmulator::Typed(std::string_view bytes, const QString& text, int code)
+{
+    if (bytes.empty())
+        return;
+    const int duplex = settings_.Integer(Setting("Duplex"));
+    if (!lockHistory_)
+        ScrollTo(0);
+    if (duplex != 2)
+        SendBytes(bytes);
+    emit KeyWasTyped();
+    if (recordingKeys_)
+        emit RecordKey(text, code);
+    if (duplex != 0 || !hostEchoes_ || terminal_->Modes().localEcho) {
+        std::string echo(bytes);
+        if (echo == "\r")
+            echo = "\r\n";
+        terminal_->Receive(echo);
+        AfterChange();
+    }
+}
+
+namespace {
+
+QString SwapCase(QString text)
+{
+    for (QChar& c : text)
+        c = c.isUpper() ? c.toLower() : c.toUpper();
+    return text;
+}
+
+} // namespace
+
+void ctlEmulator::TypeKey(const emu::KeyPress& key, int code)
+{
+    if (const QString function = code != 0 ? KeyFunction(code) : QString(); !function.isEmpty()) {
+        RunFunction(function, code);
+        return;
+    }
+    emu::KeyPress press = key;
+    if (capsLock_ && press.key == emu::Key::Text)
+        press.text = SwapCase(QString::fromStdString(press.text)).toStdString();
+    if (!MayType())
+        return;
+    const std::string bytes = terminal_->KeyBytes(press);
+    Typed(bytes, QString::fromLatin1(bytes.data(), qsizetype(bytes.size())), code);
+}
+
+// Bracketed text is a script, everything else goes to the host as it stands.
+void ctlEmulator::RunFunction(const QString& text, int code)
+{
+    if (text.startsWith(u'[') && text.endsWith(u']')) {
+        bool done = false;
+        emit ExecScript(text, false, &done);
+        return;
+    }
+    if (MayType())
+        Typed(terminal_->EncodeText(text.toStdString()), text, code);
+}
+
+void ctlEmulator::TypeText(const QString& text)
+{
+    if (!text.isEmpty() && MayType())
+        Typed(terminal_->EncodeText(text.toStdString()), text, 0);
+}
+
+bool ctlEmulator::SendMouse(const emu::MouseAction& action)
+{
+    if (!settings_.Boolean(Setting("MouseEnable")) || !Connected())
+        return false;
+    const std::string bytes = terminal_->MouseBytes(action);
+    SendBytes(bytes);
+    return !bytes.empty();
+}
+
+void ctlEmulator::SendFocus(bool gained) { SendBytes(terminal_->FocusBytes(gained)); }
+
+void ctlEmulator::WriteText(const QString& text)
+{
+    if (!Connected())
+        throw Failure(ErrorNumber::DeviceUnavailable, tr("There is no connection to write to."), kSource);
+    SendBytes(terminal_->EncodeText(text.toStdString()));
+}
+
+// --- paste
+
+bool ctlEmulator::CanPaste() const { return ports_.clipboard.HasText(Clipboard::Kind::Standard); }
+
+void ctlEmulator::Paste(const QString& fileName, Cause cause)
+{
+    PasteText(fileName.isEmpty() ? ports_.clipboard.Text(Clipboard::Kind::Standard) : ports_.texts.ReadText(fileName),
+              cause);
+}
+
+void ctlEmulator::PastePrimary() { PasteText(ports_.clipboard.Text(Clipboard::Kind::Primary), Cause::User); }
+
+void ctlEmulator::PasteText(const QString& text, Cause cause)
+{
+    if (text.isEmpty() || !MayType())
+        return;
+    if (const QString question = cause == Cause::User ? PasteQuestion(text) : QString(); !question.isEmpty()) {
+        const QPointer self(this);
+        const int answer = ports_.ask.MsgBox(
+            {.text = question, .flags = MsgFlag::OkCancel + MsgFlag::Question, .title = {}, .owner = hwnd_});
+        // While the box was up the line, or the session, may have gone.
+        if (!self || answer != MsgResult::Ok || !MayType())
+            return;
+    }
+    if (!lockHistory_)
+        ScrollTo(0);
+    if (!line_) { // local duplex
+        Typed(terminal_->EncodeText(text.toStdString()), text, 0);
+        return;
+    }
+    paste_->Start(terminal_->PasteBytes(text.toStdString()), terminal_->Modes().bracketedPaste);
+    bytesOut_ += paste_->Pump(*line_);
+    if (recordingKeys_)
+        emit RecordKey(text, 0);
+}
+
+void ctlEmulator::SetTitle(const QString& title) { title_ = title; }
+
+void ctlEmulator::MouseTableAdd(int button, const QString& pattern, const QString& rClick, const QString& rDblClk)
+{
+    mouseTable_.push_back({button, pattern, rClick, rDblClk});
+}
+
+} // namespace kestrune

@@ -1,0 +1,357 @@
+#pragma once
+
+// The emulator control, without a window: one terminal, its settings and the line to its host. Sessions and
+// scripts drive it through the members below; a view draws Screen() and hands keys, mouse and size in.
+//
+// Columns and rows count from 0. Row 0 is the top of the screen, row -1 the newest line of the history. A
+// boolean of the automation surface is a bool here. All calls and events are on the user-interface thread. Most
+// events come from the event loop; those with an out argument, and those that a call causes, from inside it.
+// A handler may call anything here except the destructor: the control is taken apart from the event loop.
+//
+// What is not built yet raises Failure NotImplemented and says which feature it is.
+
+#include <emulator/control/emulatorsettings.h>
+#include <emulator/control/selectionarea.h>
+#include <emulator/engine/terminal.h>
+#include <ports/cause.h>
+#include <ports/clipboard.h>
+#include <ports/clock.h>
+#include <ports/line.h>
+#include <ports/questions.h>
+#include <ports/textfiles.h>
+
+#include <QObject>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace kestrune {
+
+class HeldSelection;
+class HostText;
+class PasteQueue;
+
+struct EmulatorPorts // all must outlive the control
+{
+    LineFactory& lines;
+    Clock& clock;
+    KeyFiles& files;
+    Questions& ask;
+    Clipboard& clipboard;
+    TextFiles& texts;
+};
+
+enum class ResetMode : int
+{
+    Default = 0, // the same as Terminal
+    Terminal = 1,
+    Line = 2, // closes the line and opens it again
+    Resume = 10,
+    HostKeyCancel = -2,
+    HostKeyContinue = -3,
+    HostKeyUpdate = -4,
+};
+
+enum class ScrollCommand : int
+{
+    LineUp = 0,
+    LineDown = 1,
+    PageUp = 2,
+    PageDown = 3,
+    Top = 6,
+    Bottom = 7
+};
+
+struct MousePattern
+{
+    int button = 0;
+    QString pattern;
+    QString rClick;
+    QString rDblClk;
+};
+
+class ctlEmulator : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int ToEdge = -32768; // SetSelection: to the edge; GetText: not given
+    static constexpr int Present = -1;    // the present position, colour or page
+
+    explicit ctlEmulator(const EmulatorPorts& ports, QObject* parent = nullptr);
+    ~ctlEmulator() override;
+
+    // forSave is the optional argument that the design has on the way here; nothing hangs on it.
+    EmulatorSettings& Settings(bool forSave = false);
+    const EmulatorSettings& Settings() const;
+
+    // --- connection
+    bool OnLine() const; // a line is open or being opened
+    // true opens the line that Settings describes; the outcome comes by events. false closes it.
+    void SetOnLine(bool on);
+    bool Connected() const { return lineState_ == LineState::Connected; }
+    LineState State() const { return lineState_; }
+    bool HasChildren() const; // a program besides the shell itself runs at the far end
+    int DialStatus() const { return 0; }
+    qint32 BytesIn() const; // since the line was last opened; stays at the largest number
+    qint32 BytesOut() const;
+    void Break();
+    void Abort(); // ends a paste that is still going out
+    void Dial(const QString& phoneNumber, int wait = 0);
+    void HangUp(int wait = 0);     // closes the line
+    void Reset(int mode = 0);      // ResetMode
+    void Shutdown();               // the last call that a control receives: closes the line, no event after it
+    int Busy() const { return 0; } // positive while the control must not be closed
+
+    // --- screen
+    int Rows() const;
+    int Cols() const;
+    int Row() const; // of the cursor
+    int col() const;
+    void SetRow(int row);
+    void SetCol(int column);
+    int Page() const { return 0; }
+    void SetPage(int page);
+    int Color() const { return color_; } // attribute value 0 to 63 that SetText and Clear use
+    void SetColor(int attribute);
+    qint16 Colors(int index) const { return settings_.Colors(index); }
+    void SetColors(int index, qint16 color) { settings_.SetColors(index, color); }
+    int ScrMode() const { return 0; } // 0 normal, 1 extended
+    void SetScrMode(int mode);
+    void Emulate(const QString& text); // as if the host had sent it
+    // Puts text on the screen, not to the host. Stops at the end of the row.
+    void SetText(const QString& text, int column = Present, int row = Present, int color = Present);
+    void Clear(int left = -1, int top = -1, int right = -1, int bottom = -1, int color = Present);
+    void Locate(int column, int row, int page = Present);
+    // Text of one row from column on. Not given: the cursor's row, column 0, to the right edge. noProtect leaves
+    // protected cells blank.
+    QString GetText(int column = ToEdge, int row = ToEdge, int cols = ToEdge, bool noProtect = false) const;
+
+    // --- to the host
+    void WriteText(const QString& text); // raises Failure 68 when there is no line
+    // A file's text, or the clipboard's. For a user's cause it is asked about first when it has several lines or
+    // control characters. Raises Failure when the file cannot be read; with no line it is refused with a sign.
+    void Paste(const QString& fileName = {}, Cause cause = Cause::User);
+    void PastePrimary();
+    bool CanPaste() const;
+
+    // --- selection and clipboard
+    void SetSelection(int left = 0, int top = 0, int right = ToEdge, int bottom = ToEdge);
+    void SetSelection(const SelectionArea& area);
+    void ClearSelection();
+    bool GetSelection(int& left, int& top, int& right, int& bottom) const; // false: none, four zeros
+    std::optional<SelectionArea> SelectedArea() const;
+    // Trailing blanks cut, soft wraps joined, the rows of a block kept apart.
+    QString Selection() const;
+    // Four zeros: the selection; nothing selected leaves the clipboard as it is.
+    void Copy(int left = 0, int top = 0, int right = 0, int bottom = 0);
+    void CopyHistory(int left = 0, int top = 0, int right = 0, int bottom = 0); // four zeros: history and screen
+    int CopySelMode() const { return settings_.Integer(Setting("CopySelMode")); }
+    void SetCopySelMode(int mode) { settings_.SetValue(Setting("CopySelMode"), mode); }
+
+    // --- history
+    bool HistoryVisible() const { return scrollback_ > 0; }
+    void SetHistoryVisible(bool on); // true: one page back, false: to the newest
+    void ScrollHistory(int command); // ScrollCommand
+    void ScrollTo(int rowsBack);     // clamped to what the history has
+    int RowsBack() const { return scrollback_; }
+    bool LockHistory() const { return lockHistory_; } // typing does not leave the history
+    void SetLockHistory(bool on) { lockHistory_ = on; }
+
+    // --- keyboard
+    bool LockKeyboard() const; // by a program here or by the host
+    void SetLockKeyboard(bool on);
+    bool CapsLock() const { return capsLock_; } // swaps the case of typed letters
+    void SetCapsLock(bool on) { capsLock_ = on; }
+    bool TrackKeyboardState() const { return trackKeyboardState_; }
+    void SetTrackKeyboardState(bool on) { trackKeyboardState_ = on; }
+    QString KeyFunction(int code) const { return settings_.FKeys(code); } // empty: none on this key
+
+    // --- held for the shell and for pieces to come
+    QString Title() const { return title_; }
+    void SetTitle(const QString& title);
+    int InputMode() const { return inputMode_; }
+    void SetInputMode(int mode) { inputMode_ = mode; }
+    int CustomMode() const { return customMode_; }
+    void SetCustomMode(int mode) { customMode_ = mode; }
+    int TextFileEncoding() const { return textFileEncoding_; }
+    void SetTextFileEncoding(int encoding) { textFileEncoding_ = encoding; }
+    int FuncBarPos() const { return funcBarPos_; }
+    void SetFuncBarPos(int pos) { funcBarPos_ = pos; }
+    int FuncBarStyle() const { return funcBarStyle_; }
+    void SetFuncBarStyle(int style) { funcBarStyle_ = style; }
+    int FuncBarBank() const { return funcBarBank_; }
+    void SetFuncBarBank(int bank) { funcBarBank_ = bank; }
+    bool RecordingText() const { return recordingText_; } // macro-recording switches: host text, typed keys
+    void SetRecordingText(bool on) { recordingText_ = on; }
+    bool RecordingKeys() const { return recordingKeys_; }
+    void SetRecordingKeys(bool on) { recordingKeys_ = on; }
+    quintptr hwnd() const { return hwnd_; } // of the view; 0 while there is none
+    void SetHwnd(quintptr handle) { hwnd_ = handle; }
+    void RefreshMenu() {} // the control draws no menu of its own
+    void MouseTableReset() { mouseTable_.clear(); }
+    void MouseTableAdd(int button, const QString& pattern, const QString& rClick, const QString& rDblClk);
+    const std::vector<MousePattern>& MouseTable() const { return mouseTable_; }
+
+    // --- transfers, capture, printing, pictures, sounds, data stream: states are idle, operations are refused
+    int XferBytes() const { return 0; }
+    int XferFiles() const { return 0; }
+    int XferStatus() const { return 0; }
+    QString CaptureFileName() const { return {}; }
+    int CaptureMode() const { return 0; }
+    int CaptureSource() const { return 0; }
+    int AttachState() const { return 0; }
+    int PrinterMode() const { return 0; }
+    void SetPrinterMode(int mode);
+    void PrinterOn(int transparent = 0);
+    void PrinterOff();
+    void PrinterClose();
+    void PrintScreen();
+    void Capture(const QString& fileName, int source, int mode);
+    void CaptureEnd();
+    int Upload(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
+    int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
+    Variant GetBlock(int left, int top, int right, int bottom, int page = Present);
+    void SetBlock(const Variant& block, int page = Present);
+    void LoadImage(const QString& fileName, int column, int row, int width = 0, int height = 0,
+                   bool preserveAspect = false, int borderStyle = 0);
+    void UnloadImage(const QString& fileName = {});
+    void PlayMIDI(const QString& notes);
+    void PlayWave(const QString& fileName);
+    void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
+    void DetachAlternateSink() {} // none can be attached
+    QString ReadText(int mode = 0, int length = 80, int timeout = 30);
+    int WaitFor(int compare, int timeout, const QStringList& targets);
+    void SetExtension(QString& leadIn, QString& terminator);
+
+    // --- for the view
+    const emu::Terminal& Screen() const { return *terminal_; }
+    // The window has this many cells. The line is told once for each call that changes anything.
+    void Resize(int cols, int rows, int pixelWidth, int pixelHeight);
+    void TypeKey(const emu::KeyPress& key, int code = 0); // code: see EmulatorSettings::FKeys; 0: none
+    void TypeText(const QString& text);                   // from an input method
+    bool SendMouse(const emu::MouseAction& action);       // false: the host does not want it
+    void SendFocus(bool gained);
+    struct Columns // first to one past the last
+    {
+        int first = 0;
+        int last = 0;
+    };
+    Columns SelectedColumns(int row) const; // empty: first == last
+    void AnnounceSelection(); // the user has finished selecting: SelectionChange, and the primary selection
+    SelectionArea WordAt(int column, int row) const;
+    SelectionArea LineAt(int row) const; // with the rows that it is soft-wrapped over
+
+signals:
+    // --- the events of the control
+    void ExecScript(const QString& script, bool flag, bool* done);
+    void Disconnect();
+    void CommError(quint32* word, const QString& description, bool fatal); // a handler zeroes what it dealt with
+    void ConnectionStatus(qint16 status, QString* text);                   // status: LineState
+    void DeviceStatus(const QString& text);
+    void TermTypeChange(int termType);
+    void PrinterChange(int state);
+    void CaptureChange(int state);
+    void ScreenSizeChange(int cols, int rows, int pages, bool extended);
+    void CursorMove(int column, int row, int page); // at most once for each turn of the event loop
+    void KeyboardLock(bool locked);
+    void ServerStart(const QString& name);
+    void ServerExit();
+    void SaveSettings();
+    void LoadSettings();
+    void CloseSession();
+    void ContextMenu(int button, int x, int y, const QString& band, bool* handled); // 1 left, 2 right, 3 function
+    void Extension(const QString& command);
+    void DataReady();
+    void SelectionChange(int left, int top, int right, int bottom); // by the user
+    void MouseDown(int button, int shift, int x, int y);
+    void RecordText(const QString& text);
+    void RecordKey(const QString& text, int code);
+    void ReadProfile(const QString& section, const QString& key, QString* value, bool* found);
+
+    // --- for the view
+    void ScreenChanged(); // something visible may have changed, also the selection or the place in the history
+    void KeyWasTyped();   // what comes back is what the user waits for: draw it at once
+    void Bell();
+    void InputRefused(); // a key while there is no line, or the keyboard is locked
+    void HostTitleChange(const QString& title);
+    void LookChanged(); // font, palette or attribute colours
+
+private:
+    class Listener;
+
+    const emu::Personality& PersonalityFromSettings() const;
+    void OnSettingChanged(SettingId id);
+    [[noreturn]] static void RefuseExtendedScreen();
+    [[noreturn]] static void RefuseResume();
+    void OpenLine();
+    void RefuseDevice(Device device);
+    void TellSize();
+    void Received(std::string_view bytes);
+    void AfterChange();
+    void SendBytes(std::string_view bytes);
+    bool MayType(); // false: refused, with a sign
+    void Typed(std::string_view bytes, const QString& text, int code);
+    void RunFunction(const QString& text, int code);
+    void PasteText(const QString& text, Cause cause);
+    void SetStatus(LineState state, const QString& text);
+    void LineFailed(quint32 word, const QString& description, bool fatal);
+    void LineEnded();
+    void Notice(const QString& text);
+    void ScheduleEvents();
+    void RunEvents();
+    SelectionArea Resolve(int left, int top, int right, int bottom) const;
+    emu::Style StyleFor(int color) const;
+
+    // What was last told, so that an event comes only for a change.
+    struct Told
+    {
+        emu::Position cursor{-1, -1};
+        emu::Size size{0, 0};
+        bool locked = false;
+    };
+
+    EmulatorPorts ports_;
+    EmulatorSettings settings_;
+    std::unique_ptr<Listener> listener_;
+    std::unique_ptr<emu::Terminal> terminal_;
+    std::unique_ptr<Line> line_;
+    std::unique_ptr<PasteQueue> paste_;
+    std::unique_ptr<HostText> hostText_; // for the macro recorder
+    std::unique_ptr<HeldSelection> selection_;
+    LineState lineState_ = LineState::Closed;
+    bool closing_ = false; // we asked for the end of the line
+    bool reopen_ = false;  // and want it opened again
+    bool wasConnected_ = false;
+    bool hostEchoes_ = true;
+    QString endText_; // why the line ended, in the user's words
+    TerminalSize size_;
+    quint64 bytesIn_ = 0;
+    quint64 bytesOut_ = 0;
+    int scrollback_ = 0; // rows that the view is back from the newest
+    Told told_;
+    bool scheduled_ = false;
+    bool bell_ = false;
+    std::optional<int> printerState_;
+    std::optional<QString> hostTitle_;
+    int color_ = 0;
+    bool lockHistory_ = false;
+    bool lockKeyboard_ = false;
+    bool capsLock_ = false;
+    bool trackKeyboardState_ = false;
+    bool recordingText_ = false;
+    bool recordingKeys_ = false;
+    bool shutDown_ = false;
+    int inputMode_ = 0;
+    int customMode_ = 0;
+    int textFileEncoding_ = 0;
+    int funcBarPos_ = 0;
+    int funcBarStyle_ = 0;
+    int funcBarBank_ = 0;
+    quintptr hwnd_ = 0;
+    QString title_;
+    std::vector<MousePattern> mouseTable_;
+};
+
+} // namespace kestrune

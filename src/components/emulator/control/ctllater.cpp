@@ -1,0 +1,84 @@
+// Members of ctlEmulator whose piece is not built yet. One table says which feature each belongs to; a call
+// raises the failure that the shell shows to the user in one line.
+
+#include "ctlemulator.h"
+
+#include <dispatch/failure.h>
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace kestrune {
+
+namespace {
+
+struct LaterMember
+{
+    std::string_view member;
+    const char* feature;
+};
+
+constexpr std::array kLater{
+    LaterMember{"ScrMode", QT_TRANSLATE_NOOP("Later", "extended screen mode")},
+    LaterMember{"Dial", QT_TRANSLATE_NOOP("Later", "dialer")},
+    LaterMember{"Reset", QT_TRANSLATE_NOOP("Later", "resuming of a connection")},
+    LaterMember{"PrinterMode", QT_TRANSLATE_NOOP("Later", "slave printer")},
+    LaterMember{"PrintScreen", QT_TRANSLATE_NOOP("Later", "screen printing")},
+    LaterMember{"Capture", QT_TRANSLATE_NOOP("Later", "capture")},
+    LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
+    LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
+    LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
+    LaterMember{"PlayWave", QT_TRANSLATE_NOOP("Later", "playing of sounds")},
+    LaterMember{"AttachAlternateSink", QT_TRANSLATE_NOOP("Later", "alternate sink")},
+    LaterMember{"ReadText", QT_TRANSLATE_NOOP("Later", "reading of host text by scripts")},
+    LaterMember{"SetExtension", QT_TRANSLATE_NOOP("Later", "host extension")},
+};
+
+consteval const char* FeatureOf(std::string_view member)
+{
+    for (const LaterMember& row : kLater)
+        if (row.member == member)
+            return row.feature;
+    throw "no such member";
+}
+
+[[noreturn]] void RaiseNotBuilt(const char* feature)
+{
+    throw Failure(ErrorNumber::NotImplemented,
+                  QCoreApplication::translate("Later", "The %1 has not been implemented at this time.")
+                      .arg(QCoreApplication::translate("Later", feature)),
+                  QStringLiteral("ctlEmulator"));
+}
+
+} // namespace
+
+void ctlEmulator::RefuseExtendedScreen() { RaiseNotBuilt(FeatureOf("ScrMode")); }
+void ctlEmulator::RefuseResume() { RaiseNotBuilt(FeatureOf("Reset")); }
+void ctlEmulator::Dial(const QString&, int) { RaiseNotBuilt(FeatureOf("Dial")); }
+void ctlEmulator::SetPrinterMode(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
+void ctlEmulator::PrinterOn(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
+void ctlEmulator::PrinterOff() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
+void ctlEmulator::PrinterClose() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
+void ctlEmulator::PrintScreen() { RaiseNotBuilt(FeatureOf("PrintScreen")); }
+void ctlEmulator::Capture(const QString&, int, int) { RaiseNotBuilt(FeatureOf("Capture")); }
+void ctlEmulator::CaptureEnd() { RaiseNotBuilt(FeatureOf("Capture")); }
+int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
+int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
+Variant ctlEmulator::GetBlock(int, int, int, int, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
+void ctlEmulator::SetBlock(const Variant&, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
+void ctlEmulator::LoadImage(const QString&, int, int, int, int, bool, int) { RaiseNotBuilt(FeatureOf("LoadImage")); }
+void ctlEmulator::UnloadImage(const QString&) { RaiseNotBuilt(FeatureOf("LoadImage")); }
+void ctlEmulator::PlayMIDI(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
+void ctlEmulator::PlayWave(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
+void ctlEmulator::AttachAlternateSink(ctlEmulator&, qint16&, qint16&)
+{
+    RaiseNotBuilt(FeatureOf("AttachAlternateSink"));
+}
+QString ctlEmulator::ReadText(int, int, int) { RaiseNotBuilt(FeatureOf("ReadText")); }
+int ctlEmulator::WaitFor(int, int, const QStringList&) { RaiseNotBuilt(FeatureOf("ReadText")); }
+void ctlEmulator::SetExtension(QString&, QString&) { RaiseNotBuilt(FeatureOf("SetExtension")); }
+
+} // namespace kestrune

@@ -1,0 +1,12 @@
+#pragma once
+
+// Whether a paste is asked about first, and in which words. It does not depend on what the host switched on.
+
+#include <QString>
+
+namespace kestrune {
+
+// The question for text; empty: it can go without one.
+QString PasteQuestion(const QString& text);
+
+} // namespace kestrune

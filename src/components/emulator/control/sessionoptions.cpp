@@ -1,0 +1,110 @@
+#include "sessionoptions.h"
+
+#include "latintext.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kestrune {
+
+namespace {
+
+struct CharsetName
+{
+    const char* name;
+    emu::HostCharset charset;
+};
+
+constexpr std::array kCharsets{
+    CharsetName{"UTF-8", emu::HostCharset::Utf8},
+    CharsetName{"UTF8", emu::HostCharset::Utf8},
+    CharsetName{"ISO-8859-1", emu::HostCharset::Latin1},
+    CharsetName{"Latin1", emu::HostCharset::Latin1},
+    CharsetName{"windows-1252", emu::HostCharset::Windows1252},
+    CharsetName{"CP1252", emu::HostCharset::Windows1252},
+    CharsetName{"IBM437", emu::HostCharset::Cp437},
+    CharsetName{"CP437", emu::HostCharset::Cp437},
+    CharsetName{"IBM850", emu::HostCharset::Cp850},
+    CharsetName{"CP850", emu::HostCharset::Cp850},
+};
+
+// A Linux console has spoken UTF-8 since 2.6.24, the PC consoles the character ROM of the IBM PC.
+emu::HostCharset NativeCharset(int termType)
+{
+    switch (termType) {
+    case 16:
+        return emu::HostCharset::Utf8;
+    case 9:
+    case 10:
+    case 15:
+        return emu::HostCharset::Cp437;
+    default:
+        return emu::HostCharset::Latin1;
+    }
+}
+
+constexpr std::array kBauds{300, 1200, 2400, 4800, 9600, 14400, 19200, 38400, 57600, 115200};
+
+} // namespace
+
+std::optional<emu::HostCharset> CharsetNamed(const QString& name)
+{
+    const auto* row = std::find_if(kCharsets.begin(), kCharsets.end(), [&](const CharsetName& c) {
+        return name.trimmed().compare(QLatin1StringView(c.name), Qt::CaseInsensitive) == 0;
+    });
+    return row == kCharsets.end() ? std::nullopt : std::optional(row->charset);
+}
+
+emu::HostCharset CharsetOf(const EmulatorSettings& settings)
+{
+    return CharsetNamed(settings.Text(Setting("Charset")))
+        .value_or(NativeCharset(settings.Integer(Setting("TermType"))));
+}
+
+emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Size size)
+{
+    emu::TerminalOptions options;
+    options.size = size;
+    options.historyRows = settings.Integer(Setting("HistoryRows"));
+    options.charset = CharsetOf(settings);
+    options.autoWrap = !settings.Boolean(Setting("NoAutoWrap"));
+    options.applicationCursor = settings.Boolean(Setting("AnsiAppCursor"));
+    options.applicationKeypad = settings.Boolean(Setting("AnsiAppKeypad"));
+    options.backspace = settings.Boolean(Setting("BkspSendsDel")) ? emu::BackspaceKey::Del : emu::BackspaceKey::AsType;
+    options.answerBack = settings.Text(Setting("AnswerBack")).toLatin1().toStdString();
+    return options;
+}
+
+LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personality& type, const TerminalSize& size)
+{
+    LineOptions options;
+    options.device = Device(settings.Integer(Setting("Device")));
+    options.hostName = settings.Text(Setting("HostName"));
+    options.hostPort = settings.Text(Setting("HostPort"));
+    options.terminalName = settings.Text(Setting("HostTermType"));
+    if (options.terminalName.isEmpty())
+        options.terminalName = LatinText(type.hostName);
+    options.size = size;
+    options.connectTimeout = settings.Integer(Setting("ConnectTimeout"));
+    options.keepaliveInterval = settings.Integer(Setting("KeepaliveInterval"));
+    // TelnetNoDelay is the name of earlier releases.
+    options.tcpNoDelay = settings.Boolean(Setting("TcpNoDelay")) || settings.Boolean(Setting("TelnetNoDelay"));
+    options.tcpIdn = settings.Boolean(Setting("TcpIdn"));
+    options.utf8 = CharsetOf(settings) == emu::HostCharset::Utf8;
+    const bool sendsDel = settings.Boolean(Setting("BkspSendsDel")) || type.backspaceSendsDel;
+    options.eraseCharacter = sendsDel ? '\x7f' : '\b';
+    options.telnet.binary = settings.Boolean(Setting("TelnetBinary"));
+    options.telnet.localEcho = settings.Boolean(Setting("TelnetEcho"));
+    options.telnet.bypass = settings.Boolean(Setting("TelnetBypass"));
+    options.telnet.alternateBreak = settings.Boolean(Setting("TelnetAltBreak"));
+    options.telnet.keepaliveIsNop = settings.Boolean(Setting("TelnetKeepaliveIsNOP"));
+    options.serial.port = settings.Integer(Setting("Port"));
+    options.serial.baud = kBauds.at(size_t(settings.Integer(Setting("Baud"))));
+    options.serial.dataBits = settings.Integer(Setting("DataBits"));
+    options.serial.stopBits = settings.Integer(Setting("StopBits"));
+    options.serial.parity = settings.Integer(Setting("Parity"));
+    options.serial.handshake = settings.Integer(Setting("Handshake"));
+    return options;
+}
+
+} // namespace kestrune

@@ -1,0 +1,21 @@
+#pragma once
+
+// What the settings say to the engine and to the line, at the moment of asking.
+
+#include <emulator/control/emulatorsettings.h>
+#include <emulator/engine/personality.h>
+#include <emulator/engine/terminal.h>
+#include <ports/line.h>
+
+#include <optional>
+
+namespace kestrune {
+
+// The names of RFC 6365's registry that this system has, without regard to case; nothing: not one of them.
+std::optional<emu::HostCharset> CharsetNamed(const QString& name);
+
+emu::HostCharset CharsetOf(const EmulatorSettings& settings);
+emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Size size);
+LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personality& type, const TerminalSize& size);
+
+} // namespace kestrune

@@ -1,0 +1,107 @@
+#include "colorscheme.h"
+
+#include <utility>
+
+namespace kestrune {
+
+namespace {
+
+QRgb FromBgr(qint32 bgr) { return qRgb(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
+
+// Entries 16 to 231 are a cube of six steps a side, the rest greys: the xterm convention that hosts rely on.
+QRgb CubeOrGrey(int index)
+{
+    if (index >= 232) {
+        const int grey = 8 + 10 * (index - 232);
+        return qRgb(grey, grey, grey);
+    }
+    const auto step = [](int i) { return i == 0 ? 0 : 55 + 40 * i; };
+    const int cube = index - 16;
+    return qRgb(step(cube / 36), step(cube / 6 % 6), step(cube % 6));
+}
+
+QRgb Mix(QRgb a, QRgb b, int percentOfA)
+{
+    const auto mix = [percentOfA](int x, int y) { return (x * percentOfA + y * (100 - percentOfA)) / 100; };
+    return qRgb(mix(qRed(a), qRed(b)), mix(qGreen(a), qGreen(b)), mix(qBlue(a), qBlue(b)));
+}
+
+int AttributeValue(const emu::Style& style)
+{
+    const auto bit = [&style](uint16_t attribute, int value) {
+        return (style.attributes & attribute) != 0 ? value : 0;
+    };
+    return bit(emu::Attr::Invisible, 1) | bit(emu::Attr::Blink, 2) | bit(emu::Attr::Reverse, 4) |
+           (style.underline != emu::Underline::None ? 8 : 0) | bit(emu::Attr::Dim, 16) | bit(emu::Attr::Bold, 32);
+}
+
+} // namespace
+
+void ColorScheme::Load(const EmulatorSettings& settings)
+{
+    for (int i = 0; i < PaletteSize; ++i)
+        palette_[size_t(i)] = FromBgr(settings.Palette(i));
+    for (int i = 0; i < AttributeCount; ++i)
+        attributes_[size_t(i)] = settings.Colors(i);
+}
+
+bool ColorScheme::Follow(const emu::Terminal& screen)
+{
+    bool changed = std::exchange(reverse_, screen.Modes().reverseScreen) != screen.Modes().reverseScreen;
+    for (int i = 0; i < 256; ++i) {
+        const uint32_t set = screen.PaletteOverride(i);
+        changed = std::exchange(host_[size_t(i)], set) != set || changed;
+    }
+    return changed;
+}
+
+QRgb ColorScheme::Indexed(int index) const
+{
+    if (const uint32_t set = host_[size_t(index)])
+        return qRgb(int(set >> 16) & 0xFF, int(set >> 8) & 0xFF, int(set) & 0xFF);
+    return index < 16 ? palette_[size_t(index)] : CubeOrGrey(index);
+}
+
+QRgb ColorScheme::Background() const { return palette_[reverse_ ? PaletteRole::Foreground : PaletteRole::Background]; }
+
+CellColors ColorScheme::Of(const emu::Style& style) const
+{
+    using Kind = emu::Color::Kind;
+    const bool bold = (style.attributes & emu::Attr::Bold) != 0;
+    const qint16 own = attributes_[size_t(AttributeValue(style))];
+    // A cell without any colour of its own looks as the attribute table says, its reverse included.
+    const bool plain = style.foreground.What() == Kind::Default && style.background.What() == Kind::Default;
+
+    const auto resolve = [&](emu::Color color, int byDefault) {
+        switch (color.What()) {
+        case Kind::Palette:
+            return Indexed(color.Index());
+        case Kind::Direct:
+            return qRgb(color.Red(), color.Green(), color.Blue());
+        case Kind::Default:
+            break;
+        }
+        return palette_[size_t(byDefault) < palette_.size() ? size_t(byDefault) : 0];
+    };
+    emu::Color foreground = style.foreground;
+    // Bright is how the sixteen-colour terminals show bold.
+    if (bold && foreground.What() == Kind::Palette && foreground.Index() < 8)
+        foreground = emu::Color::Palette(uint8_t(foreground.Index() + 8));
+
+    CellColors colors;
+    colors.foreground = resolve(foreground, plain ? AttributeForeground(own) : PaletteRole::Foreground);
+    colors.background = resolve(style.background, plain ? AttributeBackground(own) : PaletteRole::Background);
+    if (!plain && (style.attributes & emu::Attr::Reverse) != 0)
+        std::swap(colors.foreground, colors.background);
+    if (reverse_ && plain)
+        std::swap(colors.foreground, colors.background);
+    if ((style.attributes & emu::Attr::Dim) != 0)
+        colors.foreground = Mix(colors.foreground, colors.background, 60);
+    colors.underline =
+        style.underlineColor.What() == Kind::Default ? colors.foreground : resolve(style.underlineColor, 0);
+    if ((style.attributes & emu::Attr::Invisible) != 0)
+        colors.foreground = colors.underline = colors.background;
+    return colors;
+}
+
+} // namespace kestrune

@@ -1,0 +1,80 @@
+#include "gridfont.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kestrune {
+
+namespace {
+
+constexpr int kCachedGlyphs = 4096; // besides Latin-1; started anew when full
+
+QString InstalledFamily(const QString& wanted)
+{
+    if (!wanted.isEmpty() && QFontDatabase::hasFamily(wanted))
+        return wanted;
+    return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+}
+
+} // namespace
+
+GridFont::GridFont(const QString& family, double size, bool bold)
+{
+    base_.setFamily(InstalledFamily(family));
+    base_.setStyleHint(QFont::Monospace);
+    base_.setFixedPitch(true);
+    base_.setPixelSize(std::max(4, int(std::lround(size))));
+    base_.setKerning(false);
+    base_.setBold(bold);
+
+    const QFontMetricsF metrics(base_);
+    cellWidth_ = std::max(1, int(std::lround(metrics.horizontalAdvance(u'0'))));
+    // A little air between the lines, shared above and below.
+    const int air = std::max(1, int(std::lround(size / 12)));
+    cellHeight_ = int(std::ceil(metrics.ascent())) + int(std::ceil(metrics.descent())) + air;
+    ascent_ = int(std::ceil(metrics.ascent())) + air / 2;
+    lineWidth_ = std::max(1, int(std::lround(metrics.lineWidth())));
+    underlineTop_ = std::min(ascent_ + std::max(1, int(std::lround(metrics.underlinePos()))), cellHeight_ - lineWidth_);
+}
+
+GridFont::Variant& GridFont::Of(int variant)
+{
+    auto& held = variants_[size_t(variant)];
+    if (!held) {
+        held = std::make_unique<Variant>();
+        held->font = base_;
+        held->font.setBold(base_.bold() || (variant & Bold) != 0);
+        held->font.setItalic((variant & Italic) != 0);
+        held->raw = QRawFont::fromFont(held->font);
+        QString text(256, u' ');
+        for (int c = 32; c < 256; ++c)
+            text[c] = QChar(c);
+        int count = 256;
+        held->raw.glyphIndexesForChars(text.constData(), 256, held->latin.data(), &count);
+    }
+    return *held;
+}
+
+const QFont& GridFont::Font(int variant) { return Of(variant).font; }
+const QRawFont& GridFont::Raw(int variant) { return Of(variant).raw; }
+
+quint32 GridFont::GlyphOf(int variant, char32_t c)
+{
+    Variant& held = Of(variant);
+    if (c < held.latin.size())
+        return held.latin[c];
+    if (const auto it = held.others.constFind(c); it != held.others.constEnd())
+        return *it;
+    if (held.others.size() >= kCachedGlyphs)
+        held.others.clear();
+    const QString text = QString::fromUcs4(&c, 1);
+    std::array<quint32, 2> glyphs{};
+    int count = 2;
+    const bool known = held.raw.glyphIndexesForChars(text.constData(), int(text.size()), glyphs.data(), &count);
+    return *held.others.insert(c, known && count == 1 ? glyphs[0] : 0);
+}
+
+} // namespace kestrune

@@ -1,0 +1,52 @@
+#pragma once
+
+// A font laid on a grid: the cell in device pixels, and glyphs of the font itself by code point. What the font
+// lacks is left to the platform's fallback fonts.
+
+#include <QFont>
+#include <QHash>
+#include <QRawFont>
+
+#include <array>
+#include <memory>
+
+namespace kestrune {
+
+class GridFont
+{
+public:
+    static constexpr int Bold = 1, Italic = 2; // bits of a variant, 0 is the regular one
+
+    // size: device pixels. A family that is not installed gives the desktop's own fixed font.
+    GridFont(const QString& family, double size, bool bold);
+
+    int CellWidth() const { return cellWidth_; }
+    int CellHeight() const { return cellHeight_; }
+    int Ascent() const { return ascent_; } // from the top of the cell to the base line
+    int UnderlineTop() const { return underlineTop_; }
+    int LineWidth() const { return lineWidth_; }
+
+    const QFont& Font(int variant);
+    const QRawFont& Raw(int variant);
+    quint32 GlyphOf(int variant, char32_t c); // 0: not in this font
+
+private:
+    struct Variant
+    {
+        QFont font;
+        QRawFont raw;
+        std::array<quint32, 256> latin{};
+        QHash<char32_t, quint32> others; // bounded
+    };
+    Variant& Of(int variant);
+
+    QFont base_;
+    int cellWidth_ = 8;
+    int cellHeight_ = 16;
+    int ascent_ = 12;
+    int underlineTop_ = 14;
+    int lineWidth_ = 1;
+    std::array<std::unique_ptr<Variant>, 4> variants_; // made when first used
+};
+
+} // namespace kestrune

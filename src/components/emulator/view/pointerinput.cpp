@@ -1,0 +1,210 @@
+#include "pointerinput.h"
+
+#include "keymap.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QStyleHints>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kestrune {
+
+namespace {
+
+constexpr int kScrollMilliseconds = 40;
+constexpr int kWheelNotch = 120; // eighths of a degree
+constexpr int kRowsANotch = 3;
+
+emu::MouseButton MapButton(Qt::MouseButton button)
+{
+    switch (button) {
+    case Qt::LeftButton:
+        return emu::MouseButton::Left;
+    case Qt::MiddleButton:
+        return emu::MouseButton::Middle;
+    case Qt::RightButton:
+        return emu::MouseButton::Right;
+    default:
+        return emu::MouseButton::None;
+    }
+}
+
+int EventButton(Qt::MouseButton button) // as the control's events number them
+{
+    return button == Qt::LeftButton ? 1 : button == Qt::RightButton ? 2 : 4;
+}
+
+} // namespace
+
+PointerInput::PointerInput(ctlEmulator& emulator, QWidget& host, ScreenCanvas& canvas)
+    : emulator_(emulator), host_(host), canvas_(canvas), gesture_(emulator)
+{
+    scroll_.setInterval(kScrollMilliseconds);
+    QObject::connect(&scroll_, &QTimer::timeout, &host_, [this] { ScrollWhileSelecting(); });
+}
+
+TextPlace PointerInput::PlaceAt(QPointF position) const
+{
+    const auto [cols, rows] = emulator_.Screen().ScreenSize();
+    const QPointF device = canvas_.DevicePosition(position);
+    const int line = std::clamp(int(std::floor(device.y() / canvas_.CellHeight())), 0, rows - 1);
+    TextPlace place;
+    place.row = line - emulator_.RowsBack();
+    const bool doubled = emulator_.Screen().Row(place.row).size != emu::LineSize::Normal;
+    const double column = device.x() / canvas_.CellWidth() / (doubled ? 2 : 1);
+    place.cell = std::clamp(int(std::floor(column)), 0, cols - 1);
+    place.boundary = std::clamp(int(std::lround(column)), 0, cols);
+    return place;
+}
+
+bool PointerInput::HostWantsMouse(Qt::KeyboardModifiers modifiers) const
+{
+    return emulator_.Screen().Modes().mouse != emu::MouseReport::None && emulator_.RowsBack() == 0 &&
+           !modifiers.testFlag(Qt::ShiftModifier);
+}
+
+bool PointerInput::Report(emu::MouseKind kind, emu::MouseButton button, const QPointF& position,
+                          Qt::KeyboardModifiers modifiers)
+{
+    const TextPlace place = PlaceAt(position);
+    lastReport_ = {place.cell, place.row};
+    return emulator_.SendMouse({kind, button, MapModifiers(modifiers), place.cell, place.row});
+}
+
+void PointerInput::CountClick(const QMouseEvent& event)
+{
+    const bool again = sinceClick_.isValid() && sinceClick_.elapsed() < QApplication::doubleClickInterval() &&
+                       (event.position() - lastClick_).manhattanLength() < QApplication::startDragDistance();
+    clicks_ = again ? clicks_ + 1 : 1;
+    lastClick_ = event.position();
+    sinceClick_.start();
+}
+
+void PointerInput::Press(const QMouseEvent& event)
+{
+    lastMove_ = event.position();
+    emit emulator_.MouseDown(EventButton(event.button()), MapModifiers(event.modifiers()), int(event.position().x()),
+                             int(event.position().y()));
+    if (HostWantsMouse(event.modifiers())) {
+        const emu::MouseButton button = MapButton(event.button());
+        if (Report(emu::MouseKind::Press, button, event.position(), event.modifiers())) {
+            reported_ = button;
+            return;
+        }
+    }
+    switch (event.button()) {
+    case Qt::LeftButton:
+        CountClick(event);
+        if (event.modifiers().testFlag(Qt::ShiftModifier))
+            gesture_.Extend(PlaceAt(event.position()));
+        else
+            gesture_.Press(PlaceAt(event.position()), clicks_, event.modifiers().testFlag(Qt::AltModifier));
+        return;
+    case Qt::MiddleButton:
+        emulator_.PastePrimary();
+        return;
+    case Qt::RightButton:
+        OpenMenu(event);
+        return;
+    default:
+        return;
+    }
+}
+
+void PointerInput::Move(const QMouseEvent& event)
+{
+    lastMove_ = event.position();
+    if (gesture_.IsActive()) {
+        gesture_.Extend(PlaceAt(event.position()));
+        const bool outside = event.position().y() < 0 || event.position().y() >= host_.height();
+        if (outside != scroll_.isActive())
+            outside ? scroll_.start() : scroll_.stop();
+        return;
+    }
+    const emu::MouseReport wanted = emulator_.Screen().Modes().mouse;
+    const bool dragged = reported_ != emu::MouseButton::None && wanted != emu::MouseReport::Click;
+    if (!dragged && !(wanted == emu::MouseReport::Motion && HostWantsMouse(event.modifiers())))
+        return;
+    const TextPlace place = PlaceAt(event.position());
+    if (lastReport_ != emu::Position{place.cell, place.row})
+        Report(emu::MouseKind::Move, reported_, event.position(), event.modifiers());
+}
+
+void PointerInput::Release(const QMouseEvent& event)
+{
+    scroll_.stop();
+    if (reported_ != emu::MouseButton::None) {
+        Report(emu::MouseKind::Release, std::exchange(reported_, emu::MouseButton::None), event.position(),
+               event.modifiers());
+        return;
+    }
+    if (event.button() == Qt::LeftButton)
+        gesture_.Release();
+}
+
+void PointerInput::ScrollWhileSelecting()
+{
+    if (!gesture_.IsActive()) {
+        scroll_.stop();
+        return;
+    }
+    const double beyond = lastMove_.y() < 0 ? -lastMove_.y() : lastMove_.y() - host_.height();
+    const int rows = 1 + int(beyond * host_.devicePixelRatioF() / canvas_.CellHeight());
+    emulator_.ScrollTo(emulator_.RowsBack() + (lastMove_.y() < 0 ? rows : -rows));
+    gesture_.Extend(PlaceAt(lastMove_));
+}
+
+void PointerInput::Wheel(const QWheelEvent& event)
+{
+    wheelRest_ += event.angleDelta().y();
+    const int notches = wheelRest_ / kWheelNotch;
+    const int rows = wheelRest_ * kRowsANotch / kWheelNotch;
+    const bool up = event.angleDelta().y() > 0;
+    const bool toHost = HostWantsMouse(event.modifiers());
+    const int steps = toHost ? notches : rows;
+    wheelRest_ -= toHost ? notches * kWheelNotch : rows * kWheelNotch / kRowsANotch;
+
+    if (toHost) {
+        for (int i = 0; i < std::abs(steps); ++i)
+            Report(emu::MouseKind::Press, up ? emu::MouseButton::WheelUp : emu::MouseButton::WheelDown,
+                   event.position(), event.modifiers());
+    } else if (emulator_.Screen().Modes().alternateScreen && emulator_.RowsBack() == 0 &&
+               !event.modifiers().testFlag(Qt::ShiftModifier) && emulator_.Connected()) {
+        // A full-screen program has no history: it scrolls by its own keys.
+        for (int i = 0; i < std::abs(steps); ++i)
+            emulator_.TypeKey({up ? emu::Key::Up : emu::Key::Down, emu::Modifier::None, {}});
+    } else if (steps != 0) {
+        emulator_.ScrollTo(emulator_.RowsBack() + steps);
+    }
+}
+
+void PointerInput::OpenMenu(const QMouseEvent& event)
+{
+    const QPoint at = event.globalPosition().toPoint();
+    bool handled = false;
+    emit emulator_.ContextMenu(2, at.x(), at.y(), QString(), &handled);
+    if (handled)
+        return;
+    auto* menu = new QMenu(&host_);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    auto* copy = menu->addAction(QObject::tr("&Copy"), &host_, [this] { emulator_.Copy(); });
+    copy->setEnabled(emulator_.SelectedArea().has_value());
+    auto* paste = menu->addAction(QObject::tr("&Paste"), &host_, [this] { emulator_.Paste(); });
+    paste->setEnabled(emulator_.CanPaste());
+    menu->addAction(QObject::tr("Select &All"), &host_,
+                    [this] { emulator_.SetSelection(0, -emulator_.Screen().HistoryCount()); });
+    menu->popup(at);
+}
+
+void PointerInput::FollowModes()
+{
+    const emu::MouseReport wanted = emulator_.Screen().Modes().mouse;
+    const Qt::CursorShape shape = wanted == emu::MouseReport::None ? Qt::IBeamCursor : Qt::ArrowCursor;
+    if (host_.cursor().shape() != shape)
+        host_.setCursor(shape);
+    host_.setMouseTracking(wanted == emu::MouseReport::Motion);
+}
+
+} // namespace kestrune

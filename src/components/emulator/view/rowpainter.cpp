@@ -1,0 +1,245 @@
+#include "rowpainter.h"
+
+#include "boxdrawing.h"
+
+#include <QGlyphRun>
+#include <QPainterPath>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kestrune {
+
+namespace {
+
+int VariantOf(const emu::Style& style)
+{
+    return ((style.attributes & emu::Attr::Bold) != 0 ? GridFont::Bold : 0) |
+           ((style.attributes & emu::Attr::Italic) != 0 ? GridFont::Italic : 0);
+}
+
+bool IsBlank(const emu::Cell& cell)
+{
+    return cell.text == 0 || cell.text == U' ' || (cell.flags & emu::Cell::WideTail) != 0;
+}
+
+QString TextOfCell(const emu::Terminal& screen, const emu::Cell& cell)
+{
+    if ((cell.text & emu::Cell::ClusterBit) != 0) {
+        const auto cluster = screen.ClusterOf(cell.text);
+        return QString::fromUcs4(cluster.data(), qsizetype(cluster.size()));
+    }
+    const auto c = char32_t(cell.text);
+    return QString::fromUcs4(&c, 1);
+}
+
+void DrawWave(QPainter& painter, const QRect& line, QRgb color)
+{
+    const double height = std::max(2.0, line.height() * 1.5);
+    QPainterPath path(QPointF(line.left(), line.center().y()));
+    bool up = true;
+    for (double x = line.left(); x < line.right() + 1; x += height, up = !up)
+        path.quadTo(x + height / 2, line.center().y() + (up ? -height : height), x + height, line.center().y());
+    painter.save();
+    painter.setClipRect(line.adjusted(0, -int(height), 0, int(height)), Qt::IntersectClip);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.strokePath(path, QPen(QColor(color), line.height()));
+    painter.restore();
+}
+
+// Lines under a run, from its first pixel so that neighbouring runs join.
+void DrawUnderline(QPainter& painter, emu::Underline kind, const QRect& line, QRgb color)
+{
+    const auto pieces = [&](int length, int gap) {
+        for (int x = line.left(); x <= line.right(); x += length + gap)
+            painter.fillRect(x, line.top(), std::min(length, line.right() + 1 - x), line.height(), QColor(color));
+    };
+    switch (kind) {
+    case emu::Underline::None:
+        return;
+    case emu::Underline::Single:
+        return pieces(line.width(), 0);
+    case emu::Underline::Double:
+        pieces(line.width(), 0);
+        painter.fillRect(line.translated(0, -2 * line.height()), QColor(color));
+        return;
+    case emu::Underline::Curly:
+        return DrawWave(painter, line, color);
+    case emu::Underline::Dotted:
+        return pieces(line.height(), line.height());
+    case emu::Underline::Dashed:
+        return pieces(line.height() * 4, line.height() * 3);
+    }
+}
+
+// Double-width and double-height rows (DECDWL, DECDHL) are drawn as a plain row through a magnifying glass.
+void Magnify(QPainter& painter, emu::LineSize size, int x, int y, int height)
+{
+    const double down = size == emu::LineSize::DoubleWidth ? 1 : 2;
+    const int shift = size == emu::LineSize::DoubleBottom ? -height : 0;
+    painter.translate(x, y + shift);
+    painter.scale(2, down);
+    painter.translate(-x, -y);
+}
+
+} // namespace
+
+bool RowPainter::HasBlink(int row) const
+{
+    const auto cells = screen_.Row(row).cells;
+    return std::any_of(cells.begin(), cells.end(), [this](const emu::Cell& cell) {
+        return cell.style != 0 && (screen_.StyleOf(cell.style).attributes & emu::Attr::Blink) != 0;
+    });
+}
+
+void RowPainter::CollectRuns(const emu::RowView& view, const RowLook& look)
+{
+    runs_.clear();
+    const int cols = screen_.ScreenSize().cols;
+    const int used = std::min(cols, int(view.cells.size()));
+    const auto styleAt = [&](int col) { return col < used ? view.cells[size_t(col)].style : emu::StyleId(0); };
+    const auto isSelected = [&](int col) { return col >= look.selectedFirst && col < look.selectedLast; };
+    for (int first = 0; first < cols;) {
+        const emu::StyleId id = styleAt(first);
+        const bool selected = isSelected(first);
+        int last = first + 1;
+        while (last < cols && styleAt(last) == id && isSelected(last) == selected)
+            ++last;
+        Run run{first, last, &screen_.StyleOf(id), {}};
+        run.colors = colors_.Of(*run.style);
+        if (selected)
+            run.colors = {colors_.Role(PaletteRole::SelectionText), colors_.Role(PaletteRole::Selection),
+                          colors_.Role(PaletteRole::SelectionText)};
+        if (look.blinkHidden && (run.style->attributes & emu::Attr::Blink) != 0)
+            run.colors.foreground = run.colors.underline = run.colors.background;
+        runs_.push_back(run);
+        first = last;
+    }
+}
+
+void RowPainter::PaintRow(QPainter& painter, int row, int x, int y, const RowLook& look)
+{
+    const emu::RowView view = screen_.Row(row);
+    const int width = screen_.ScreenSize().cols * font_.CellWidth();
+    painter.save();
+    painter.setClipRect(QRect(x, y, width, font_.CellHeight()), Qt::IntersectClip);
+    if (view.size != emu::LineSize::Normal)
+        Magnify(painter, view.size, x, y, font_.CellHeight());
+    CollectRuns(view, look);
+    // All backgrounds first: a glyph may lean over into the next run.
+    for (const Run& run : runs_)
+        PaintBackground(painter, run, x, y);
+    for (const Run& run : runs_) {
+        PaintGlyphs(painter, view, run, x, y);
+        PaintLines(painter, run, x, y);
+    }
+    painter.restore();
+}
+
+void RowPainter::PaintBackground(QPainter& painter, const Run& run, int x, int y) const
+{
+    painter.fillRect(x + run.first * font_.CellWidth(), y, (run.last - run.first) * font_.CellWidth(),
+                     font_.CellHeight(), QColor(run.colors.background));
+}
+
+void RowPainter::PaintGlyphs(QPainter& painter, const emu::RowView& view, const Run& run, int x, int y)
+{
+    if (run.colors.foreground == run.colors.background)
+        return;
+    const int variant = VariantOf(*run.style);
+    const int end = std::min(run.last, int(view.cells.size()));
+    for (int col = run.first; col < end; ++col) {
+        const emu::Cell& cell = view.cells[size_t(col)];
+        if (IsBlank(cell))
+            continue;
+        const bool wide = (cell.flags & emu::Cell::Wide) != 0;
+        const bool simple = !wide && (cell.text & emu::Cell::ClusterBit) == 0 && !IsBoxCharacter(cell.text);
+        const quint32 glyph = simple ? font_.GlyphOf(variant, cell.text) : 0;
+        const int left = x + col * font_.CellWidth();
+        if (glyph != 0) {
+            glyphs_.push_back(glyph);
+            places_.push_back(QPointF(left, y + font_.Ascent()));
+        } else {
+            PaintOddCell(painter, cell, {left, y, font_.CellWidth() * (wide ? 2 : 1), font_.CellHeight()}, variant,
+                         run.colors.foreground);
+        }
+    }
+    FlushGlyphs(painter, variant, run.colors.foreground);
+}
+
+void RowPainter::FlushGlyphs(QPainter& painter, int variant, QRgb color)
+{
+    if (glyphs_.isEmpty())
+        return;
+    QGlyphRun glyphRun;
+    glyphRun.setRawFont(font_.Raw(variant));
+    glyphRun.setRawData(glyphs_.constData(), places_.constData(), int(glyphs_.size()));
+    painter.setPen(QColor(color));
+    painter.drawGlyphRun(QPointF(0, 0), glyphRun);
+    glyphs_.clear();
+    places_.clear();
+}
+
+// Characters of other fonts: in the middle of their cells, made smaller when they are wider.
+void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, const QRect& where, int variant, QRgb color)
+{
+    if ((cell.text & emu::Cell::ClusterBit) == 0 && IsBoxCharacter(cell.text)) {
+        DrawBoxCharacter(painter, cell.text, where, QColor(color));
+        return;
+    }
+    QTextLayout layout(TextOfCell(screen_, cell), font_.Font(variant));
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    layout.endLayout();
+    if (!line.isValid())
+        return;
+    const double natural = line.naturalTextWidth();
+    const double scale = natural > where.width() + 0.5 ? where.width() / natural : 1.0;
+    painter.save();
+    painter.setPen(QColor(color));
+    painter.setClipRect(where, Qt::IntersectClip);
+    painter.translate(where.left() + (where.width() - natural * scale) / 2,
+                      where.top() + font_.Ascent() - line.ascent() * scale);
+    painter.scale(scale, scale);
+    layout.draw(&painter, QPointF(0, 0));
+    painter.restore();
+}
+
+void RowPainter::PaintLines(QPainter& painter, const Run& run, int x, int y) const
+{
+    const QRect line(x + run.first * font_.CellWidth(), y + font_.UnderlineTop(),
+                     (run.last - run.first) * font_.CellWidth(), font_.LineWidth());
+    DrawUnderline(painter, run.style->underline, line, run.colors.underline);
+    if ((run.style->attributes & emu::Attr::Strike) != 0)
+        painter.fillRect(line.translated(0, -font_.Ascent() * 2 / 5), QColor(run.colors.foreground));
+    if ((run.style->attributes & emu::Attr::Overline) != 0)
+        painter.fillRect(line.left(), y, line.width(), line.height(), QColor(run.colors.foreground));
+}
+
+void RowPainter::PaintCell(QPainter& painter, int row, int col, int x, int y, QRgb foreground, QRgb background)
+{
+    const emu::RowView view = screen_.Row(row);
+    const bool written = col < int(view.cells.size());
+    const emu::Cell cell = written ? view.cells[size_t(col)] : emu::Cell{};
+    const int width = (cell.flags & emu::Cell::Wide) != 0 ? 2 : 1;
+    Run run{col, col + width, &screen_.StyleOf(cell.style), {foreground, background, foreground}};
+    PaintBackground(painter, run, x, y);
+    PaintGlyphs(painter, view, run, x, y);
+    PaintLines(painter, run, x, y);
+}
+
+int RowPainter::PaintText(QPainter& painter, const QString& text, int x, int y, QRgb foreground, QRgb background)
+{
+    const double natural = QFontMetricsF(font_.Font(0)).horizontalAdvance(text);
+    const int cells = std::max(1, int(std::ceil(natural / font_.CellWidth() - 0.01)));
+    const int width = cells * font_.CellWidth();
+    painter.fillRect(x, y, width, font_.CellHeight(), QColor(background));
+    painter.setFont(font_.Font(0));
+    painter.setPen(QColor(foreground));
+    painter.drawText(QPointF(x, y + font_.Ascent()), text);
+    painter.fillRect(x, y + font_.UnderlineTop(), width, font_.LineWidth(), QColor(foreground));
+    return width;
+}
+
+} // namespace kestrune

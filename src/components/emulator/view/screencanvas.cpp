@@ -1,0 +1,396 @@
+#include "screencanvas.h"
+
+#include <QGuiApplication>
+#include <QStyleHints>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kestrune {
+
+namespace {
+
+constexpr int kFrameMilliseconds = 16;
+constexpr int kLongestHold = 150; // a host that never ends its synchronised update
+constexpr int kFlashMilliseconds = 90;
+constexpr int kSignMilliseconds = 1600;
+constexpr double kDefaultPoints = 11;
+constexpr double kLeastPoints = 5, kMostPoints = 72;
+constexpr double kMarginPixels = 6;
+
+emu::CursorShape Steady(emu::CursorShape shape)
+{
+    switch (shape) {
+    case emu::CursorShape::BlinkBlock:
+        return emu::CursorShape::Block;
+    case emu::CursorShape::BlinkUnderline:
+        return emu::CursorShape::UnderlineBar;
+    case emu::CursorShape::BlinkBar:
+        return emu::CursorShape::Bar;
+    case emu::CursorShape::Block:
+    case emu::CursorShape::UnderlineBar:
+    case emu::CursorShape::Bar:
+        break;
+    }
+    return shape;
+}
+
+bool Blinks(emu::CursorShape shape) { return Steady(shape) != shape; }
+
+} // namespace
+
+ScreenCanvas::ScreenCanvas(ctlEmulator& emulator, QWidget& host, std::function<void()> frameShown)
+    : emulator_(emulator), host_(host), frameShown_(std::move(frameShown))
+{
+    for (QTimer* timer : {&frame_, &flash_, &signEnd_})
+        timer->setSingleShot(true);
+    frame_.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&frame_, &QTimer::timeout, &host_, [this] { Frame(); });
+    QObject::connect(&blink_, &QTimer::timeout, &host_, [this] { BlinkTurn(); });
+    QObject::connect(&flash_, &QTimer::timeout, &host_, [this] {
+        flashing_ = false;
+        host_.update();
+    });
+    QObject::connect(&signEnd_, &QTimer::timeout, &host_, [this] {
+        sign_.clear();
+        host_.update();
+    });
+    LookChanged();
+}
+
+// --- font and grid
+
+double ScreenCanvas::Points() const
+{
+    const double points = emulator_.Settings().Number(Setting("FontSize"));
+    return std::clamp((points > 0 ? points : kDefaultPoints) + zoom_, kLeastPoints, kMostPoints);
+}
+
+void ScreenCanvas::RebuildFont()
+{
+    ratio_ = host_.devicePixelRatioF();
+    const double pixels = Points() * host_.logicalDpiY() / 72 * ratio_;
+    font_ = std::make_unique<GridFont>(emulator_.Settings().Text(Setting("FontName")), pixels,
+                                       emulator_.Settings().Boolean(Setting("BoldFont")));
+}
+
+void ScreenCanvas::LookChanged()
+{
+    RebuildFont();
+    scheme_.Load(emulator_.Settings());
+    scheme_.Follow(emulator_.Screen());
+    Invalidate();
+}
+
+void ScreenCanvas::SetZoom(double points)
+{
+    zoom_ = 0;
+    zoom_ = std::clamp(points, kLeastPoints - Points(), kMostPoints - Points());
+    LookChanged();
+}
+
+int ScreenCanvas::Margin() const { return int(std::lround(kMarginPixels * ratio_)); }
+
+emu::Size ScreenCanvas::FitInto(QSize available) const
+{
+    const int width = int(available.width() * ratio_) - 2 * Margin();
+    const int height = int(available.height() * ratio_) - 2 * Margin();
+    return {std::max(1, width / font_->CellWidth()), std::max(1, height / font_->CellHeight())};
+}
+
+QSize ScreenCanvas::GridPixels(emu::Size grid) const
+{
+    return {grid.cols * font_->CellWidth(), grid.rows * font_->CellHeight()};
+}
+
+QSize ScreenCanvas::SizeFor(int cols, int rows) const
+{
+    const QSize pixels = GridPixels({cols, rows}) + QSize(2 * Margin(), 2 * Margin());
+    return {int(std::ceil(pixels.width() / ratio_)), int(std::ceil(pixels.height() / ratio_))};
+}
+
+QPointF ScreenCanvas::DevicePosition(QPointF position) const { return position * ratio_ - QPointF(Margin(), Margin()); }
+
+QRect ScreenCanvas::CellRect(int col, int row) const
+{
+    const int line = row + emulator_.RowsBack();
+    const QRectF device(Margin() + col * font_->CellWidth(), Margin() + line * font_->CellHeight(), font_->CellWidth(),
+                        font_->CellHeight());
+    return QRectF(device.topLeft() / ratio_, device.size() / ratio_).toAlignedRect();
+}
+
+QRect ScreenCanvas::CursorRect() const
+{
+    const auto at = emulator_.Screen().Cursor();
+    return CellRect(at.col, at.row);
+}
+
+QRect ScreenCanvas::LineRect(int line) const
+{
+    const QRect cell = CellRect(0, line - emulator_.RowsBack());
+    return {0, cell.top(), host_.width(), cell.height()};
+}
+
+QFont ScreenCanvas::Font() const
+{
+    QFont font = font_->Font(0);
+    font.setPixelSize(std::max(1, int(font.pixelSize() / ratio_)));
+    return font;
+}
+
+// --- when to paint
+
+void ScreenCanvas::ScreenChanged()
+{
+    if (!host_.isVisible())
+        return;
+    // What a key brings back is shown at once; one more frame for a key press costs nothing, whatever the flood.
+    if (std::exchange(echoExpected_, false)) {
+        frame_.start(0);
+        return;
+    }
+    if (frame_.isActive())
+        return;
+    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : kFrameMilliseconds;
+    frame_.start(int(std::max<qint64>(0, kFrameMilliseconds - since)));
+}
+
+RowLook ScreenCanvas::LookOf(int line) const
+{
+    RowLook look;
+    look.blinkHidden = blinkHidden_;
+    const int row = line - emulator_.RowsBack();
+    if (const auto columns = emulator_.SelectedColumns(row); columns.first < columns.last) {
+        look.selectedFirst = columns.first;
+        look.selectedLast = columns.last;
+    }
+    return look;
+}
+
+bool ScreenCanvas::IsStale(int line) const
+{
+    const PaintedRow& was = painted_[size_t(line)];
+    const RowLook look = LookOf(line);
+    return was.generation != emulator_.Screen().Row(line - emulator_.RowsBack()).generation ||
+           was.selectedFirst != look.selectedFirst || was.selectedLast != look.selectedLast ||
+           (was.hasBlink && was.blinkHidden != blinkHidden_);
+}
+
+void ScreenCanvas::Frame()
+{
+    const emu::Terminal& screen = emulator_.Screen();
+    if (!screen.Modes().synchronizedUpdate) {
+        held_.invalidate();
+    } else if (!held_.isValid() || held_.elapsed() < kLongestHold) {
+        if (!held_.isValid())
+            held_.start();
+        frame_.start(kFrameMilliseconds);
+        return;
+    }
+    sinceFrame_.start();
+    const int rows = screen.ScreenSize().rows;
+    if (scheme_.Follow(screen) || int(painted_.size()) != rows) {
+        Invalidate();
+    } else {
+        for (int line = 0; line < rows; ++line)
+            if (IsStale(line))
+                host_.update(LineRect(line));
+    }
+    const PaintedCursor cursor{CursorShown() ? CursorRect() : QRect(), screen.Modes().cursor};
+    if (!(cursor == paintedCursor_)) {
+        blinkHidden_ = false; // a cursor that moves is seen
+        host_.update(paintedCursor_.where);
+        host_.update(cursor.where);
+    }
+    if (emulator_.RowsBack() != paintedBack_)
+        host_.update();
+    KeepBlinking();
+    frameShown_();
+}
+
+void ScreenCanvas::Invalidate()
+{
+    painted_.assign(size_t(emulator_.Screen().ScreenSize().rows), {});
+    host_.update();
+}
+
+void ScreenCanvas::FocusChanged()
+{
+    blinkHidden_ = false;
+    KeepBlinking();
+    host_.update(CursorRect());
+}
+
+bool ScreenCanvas::BlinkingRowsShown() const
+{
+    return std::any_of(painted_.begin(), painted_.end(), [](const PaintedRow& row) { return row.hasBlink; });
+}
+
+void ScreenCanvas::KeepBlinking()
+{
+    const int period = QGuiApplication::styleHints()->cursorFlashTime() / 2; // 0: the user wants no blinking
+    const bool cursorBlinks = host_.hasFocus() && CursorShown() && Blinks(emulator_.Screen().Modes().cursor);
+    const bool wanted = period > 0 && host_.isVisible() && (cursorBlinks || BlinkingRowsShown());
+    if (wanted && !blink_.isActive())
+        blink_.start(period);
+    else if (!wanted)
+        blink_.stop();
+    if (!wanted)
+        blinkHidden_ = false;
+}
+
+void ScreenCanvas::BlinkTurn()
+{
+    blinkHidden_ = !blinkHidden_;
+    host_.update(CursorRect());
+    for (int line = 0; line < int(painted_.size()); ++line)
+        if (painted_[size_t(line)].hasBlink)
+            host_.update(LineRect(line));
+    KeepBlinking();
+}
+
+void ScreenCanvas::Flash()
+{
+    flashing_ = true;
+    flash_.start(kFlashMilliseconds);
+    host_.update();
+}
+
+void ScreenCanvas::ShowSign(const QString& text)
+{
+    sign_ = text;
+    signEnd_.start(kSignMilliseconds);
+    host_.update();
+}
+
+void ScreenCanvas::SetPreedit(const QString& text)
+{
+    preedit_ = text;
+    host_.update(LineRect(emulator_.Screen().Cursor().row + emulator_.RowsBack()));
+}
+
+// --- painting, in device pixels
+
+void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
+{
+    if (host_.devicePixelRatioF() != ratio_)
+        LookChanged(); // moved to a screen of another resolution
+    const emu::Terminal& screen = emulator_.Screen();
+    const int rows = screen.ScreenSize().rows;
+    painted_.resize(size_t(rows));
+
+    painter.scale(1 / ratio_, 1 / ratio_);
+    const auto toDevice = [this](const QRect& r) {
+        return QRectF(QPointF(r.topLeft()) * ratio_, QSizeF(r.size()) * ratio_).toAlignedRect();
+    };
+    const QRect grid(QPoint(Margin(), Margin()), GridPixels(screen.ScreenSize()));
+    QRegion outside;
+    for (const QRect& rect : region)
+        outside += toDevice(rect);
+    const QRect dirty = outside.boundingRect();
+    outside -= grid;
+    for (const QRect& rect : outside)
+        painter.fillRect(rect, QColor(scheme_.Background()));
+
+    RowPainter rowPainter(screen, *font_, scheme_);
+    const int first = std::max(0, (dirty.top() - Margin()) / font_->CellHeight());
+    const int last = std::min(rows - 1, (dirty.bottom() - Margin()) / font_->CellHeight());
+    for (int line = first; line <= last; ++line)
+        if (region.intersects(LineRect(line)))
+            PaintLine(painter, rowPainter, line);
+    PaintCursor(painter, rowPainter);
+    PaintSigns(painter);
+    paintedBack_ = emulator_.RowsBack();
+}
+
+void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
+{
+    const int row = line - emulator_.RowsBack();
+    const RowLook look = LookOf(line);
+    rows.PaintRow(painter, row, Margin(), Margin() + line * font_->CellHeight(), look);
+    painted_[size_t(line)] = {emulator_.Screen().Row(row).generation, look.selectedFirst, look.selectedLast,
+                              blinkHidden_, rows.HasBlink(row)};
+}
+
+bool ScreenCanvas::CursorShown() const
+{
+    const emu::Terminal& screen = emulator_.Screen();
+    return screen.Modes().cursorVisible && screen.Cursor().row + emulator_.RowsBack() < screen.ScreenSize().rows;
+}
+
+void ScreenCanvas::PaintCursor(QPainter& painter, RowPainter& rows)
+{
+    const emu::Terminal& screen = emulator_.Screen();
+    const emu::Position at = screen.Cursor();
+    const emu::CursorShape shape = screen.Modes().cursor;
+    paintedCursor_ = {CursorShown() ? CursorRect() : QRect(), shape};
+    const int x = Margin() + at.col * font_->CellWidth();
+    const int y = Margin() + (at.row + emulator_.RowsBack()) * font_->CellHeight();
+    if (!preedit_.isEmpty()) {
+        rows.PaintText(painter, preedit_, x, y, scheme_.Role(PaletteRole::Foreground),
+                       scheme_.Role(PaletteRole::Selection));
+        return;
+    }
+    if (!CursorShown())
+        return;
+    const QColor color(scheme_.Role(PaletteRole::Cursor));
+    const QRect cell(x, y, font_->CellWidth(), font_->CellHeight());
+    if (!host_.hasFocus()) { // an outline: keys go elsewhere
+        painter.fillRect(cell.left(), cell.top(), cell.width(), font_->LineWidth(), color);
+        painter.fillRect(cell.left(), cell.bottom() + 1 - font_->LineWidth(), cell.width(), font_->LineWidth(), color);
+        painter.fillRect(cell.left(), cell.top(), font_->LineWidth(), cell.height(), color);
+        painter.fillRect(cell.right() + 1 - font_->LineWidth(), cell.top(), font_->LineWidth(), cell.height(), color);
+    } else if (!(Blinks(shape) && blinkHidden_)) {
+        if (Steady(shape) == emu::CursorShape::Block)
+            rows.PaintCell(painter, at.row, at.col, Margin(), y, scheme_.Role(PaletteRole::CursorText), color.rgb());
+        else
+            PaintBar(painter, cell, Steady(shape));
+    }
+}
+
+void ScreenCanvas::PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape) const
+{
+    const int width = std::max(2, int(std::lround(1.5 * ratio_)));
+    const QColor color(scheme_.Role(PaletteRole::Cursor));
+    if (shape == emu::CursorShape::Bar)
+        painter.fillRect(cell.left(), cell.top(), width, cell.height(), color);
+    else
+        painter.fillRect(cell.left(), cell.bottom() + 1 - width, cell.width(), width, color);
+}
+
+void ScreenCanvas::PaintSigns(QPainter& painter) const
+{
+    if (const int back = emulator_.RowsBack(); back > 0)
+        PaintSign(painter, QCoreApplication::translate("TerminalView", "History: %1 rows back").arg(back),
+                  Qt::BottomEdge);
+    if (!sign_.isEmpty())
+        PaintSign(painter, sign_, Qt::TopEdge);
+    if (flashing_) {
+        QColor light(scheme_.Role(PaletteRole::Foreground));
+        light.setAlphaF(0.15F);
+        painter.fillRect(0, 0, int(host_.width() * ratio_) + 1, int(host_.height() * ratio_) + 1, light);
+    }
+}
+
+void ScreenCanvas::PaintSign(QPainter& painter, const QString& text, Qt::Edge edge) const
+{
+    QFont font = host_.font();
+    font.setPixelSize(int(std::lround(host_.fontInfo().pixelSize() * ratio_)));
+    const QFontMetrics metrics(font);
+    const int pad = metrics.height() / 2;
+    const QSize size(metrics.horizontalAdvance(text) + 3 * pad, metrics.height() + pad);
+    const int x = (int(host_.width() * ratio_) - size.width()) / 2;
+    const int y = edge == Qt::TopEdge ? 2 * Margin() : int(host_.height() * ratio_) - size.height() - 2 * Margin();
+    const QRect where(QPoint(x, y), size);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(scheme_.Role(PaletteRole::Cursor)));
+    painter.drawRoundedRect(where, size.height() / 2.0, size.height() / 2.0);
+    painter.setFont(font);
+    painter.setPen(QColor(scheme_.Role(PaletteRole::CursorText)));
+    painter.drawText(where, Qt::AlignCenter, text);
+    painter.restore();
+}
+
+} // namespace kestrune

@@ -1,0 +1,110 @@
+#pragma once
+
+// What a terminal view shows, and when: the grid of cells in device pixels, which rows have to be painted again,
+// the cursor, and the signs laid over the text. Nothing is painted more often than once a frame.
+
+#include "colorscheme.h"
+#include "gridfont.h"
+#include "rowpainter.h"
+
+#include <emulator/control/ctlemulator.h>
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace kestrune {
+
+class ScreenCanvas
+{
+public:
+    // frameShown runs after each frame: the place for what follows the screen without being painted here.
+    ScreenCanvas(ctlEmulator& emulator, QWidget& host, std::function<void()> frameShown);
+
+    // --- what happened
+    void ScreenChanged();
+    void KeyWasTyped() { echoExpected_ = true; }
+    void LookChanged(); // font, colours or resolution
+    void FocusChanged();
+    void Flash();                       // the visible bell
+    void ShowSign(const QString& text); // a line over the text that goes by itself
+    void SetPreedit(const QString& text);
+    void SetZoom(double points);
+    double Points() const;
+
+    void Paint(QPainter& painter, const QRegion& region);
+
+    // --- the grid; widget coordinates unless a name says otherwise
+    emu::Size FitInto(QSize available) const;
+    QSize SizeFor(int cols, int rows) const;
+    QSize GridPixels(emu::Size grid) const; // device pixels
+    QRect CellRect(int col, int row) const;
+    QRect CursorRect() const;
+    QPointF DevicePosition(QPointF position) const;        // from the grid's corner
+    int CellWidth() const { return font_->CellWidth(); }   // device pixels
+    int CellHeight() const { return font_->CellHeight(); } // device pixels
+    QFont Font() const;
+    QRgb RoleColor(int role) const { return scheme_.Role(role); }
+    bool HasPreedit() const { return !preedit_.isEmpty(); }
+
+private:
+    struct PaintedRow
+    {
+        uint64_t generation = 0;
+        int selectedFirst = 0;
+        int selectedLast = 0;
+        bool blinkHidden = false;
+        bool hasBlink = false;
+    };
+    struct PaintedCursor
+    {
+        QRect where;
+        emu::CursorShape shape{};
+        bool operator==(const PaintedCursor&) const = default;
+    };
+
+    void RebuildFont();
+    void Frame();
+    void Invalidate();
+    void BlinkTurn();
+    void KeepBlinking();
+    bool BlinkingRowsShown() const;
+    RowLook LookOf(int line) const;
+    bool IsStale(int line) const;
+    QRect LineRect(int line) const;
+    bool CursorShown() const;
+    void PaintLine(QPainter& painter, RowPainter& rows, int line);
+    void PaintCursor(QPainter& painter, RowPainter& rows);
+    void PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape) const;
+    void PaintSigns(QPainter& painter) const;
+    void PaintSign(QPainter& painter, const QString& text, Qt::Edge edge) const;
+    int Margin() const; // device pixels
+
+    ctlEmulator& emulator_;
+    QWidget& host_;
+    std::function<void()> frameShown_;
+    std::unique_ptr<GridFont> font_;
+    ColorScheme scheme_;
+    double ratio_ = 0; // device pixels in a pixel
+    double zoom_ = 0;  // points more than the settings say
+    std::vector<PaintedRow> painted_;
+    PaintedCursor paintedCursor_;
+    int paintedBack_ = 0;
+    bool echoExpected_ = false;
+    bool blinkHidden_ = false;
+    bool flashing_ = false;
+    QString sign_;
+    QString preedit_;
+    QElapsedTimer sinceFrame_;
+    QElapsedTimer held_; // since the host began a synchronised update
+    QTimer frame_;
+    QTimer blink_;
+    QTimer flash_;
+    QTimer signEnd_;
+};
+
+} // namespace kestrune

@@ -1,0 +1,334 @@
+#include "terminalview.h"
+
+#include "keymap.h"
+#include "pointerinput.h"
+#include "screencanvas.h"
+
+#include <QInputMethodEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QScrollBar>
+
+#include <array>
+
+namespace kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kBarWidth = 12;
+constexpr int kSettleMilliseconds = 60; // a window that is being dragged has settled when no resize came for this
+constexpr int kQuietBell = 250;         // bells closer than this are one
+
+} // namespace
+
+class TerminalView::Parts
+{
+public:
+    Parts(ctlEmulator& emulator, TerminalView& view, std::function<void()> frameShown)
+        : canvas(emulator, view, std::move(frameShown)), pointer(emulator, view, canvas), bar(&view)
+    {
+        bar.setCursor(Qt::ArrowCursor);
+        bar.setFocusPolicy(Qt::NoFocus);
+        settle.setSingleShot(true);
+        settle.setInterval(kSettleMilliseconds);
+    }
+
+    void StyleBar()
+    {
+        const QColor ink(canvas.RoleColor(PaletteRole::Foreground));
+        const auto shade = [&ink](int alpha) {
+            return u"rgba(%1,%2,%3,%4)"_s.arg(ink.red()).arg(ink.green()).arg(ink.blue()).arg(alpha);
+        };
+        bar.setStyleSheet(u"QScrollBar{background:%1;width:%2px;margin:0;border:0}"
+                          "QScrollBar::handle{background:%3;min-height:24px;border-radius:4px;margin:2px}"
+                          "QScrollBar::handle:hover{background:%4}"
+                          "QScrollBar::add-line,QScrollBar::sub-line{height:0}"
+                          "QScrollBar::add-page,QScrollBar::sub-page{background:none}"_s
+                              .arg(QColor(canvas.RoleColor(PaletteRole::Background)).name())
+                              .arg(kBarWidth)
+                              .arg(shade(70), shade(130)));
+    }
+
+    ScreenCanvas canvas;
+    PointerInput pointer;
+    QScrollBar bar;
+    QTimer settle;
+    QElapsedTimer sinceBell;
+    bool sized = false; // the grid has been given to the control once
+};
+
+TerminalView::TerminalView(ctlEmulator& emulator, QWidget* parent) : QWidget(parent), emulator_(emulator)
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::IBeamCursor);
+    parts_ = std::make_unique<Parts>(emulator, *this, [this] {
+        UpdateScrollBar();
+        parts_->pointer.FollowModes();
+        if (hasFocus())
+            updateMicroFocus();
+    });
+    parts_->StyleBar();
+
+    connect(&emulator, &ctlEmulator::ScreenChanged, this, [this] { parts_->canvas.ScreenChanged(); });
+    connect(&emulator, &ctlEmulator::KeyWasTyped, this, [this] { parts_->canvas.KeyWasTyped(); });
+    connect(&emulator, &ctlEmulator::LookChanged, this, [this] {
+        parts_->canvas.LookChanged();
+        parts_->StyleBar();
+        ApplyGrid();
+    });
+    connect(&emulator, &ctlEmulator::Bell, this, [this] {
+        if (!parts_->sinceBell.isValid() || parts_->sinceBell.elapsed() > kQuietBell)
+            parts_->canvas.Flash();
+        parts_->sinceBell.start();
+    });
+    connect(&emulator, &ctlEmulator::InputRefused, this, [this] {
+        parts_->canvas.ShowSign(emulator_.LockKeyboard() ? tr("The keyboard is locked") : tr("Not connected"));
+    });
+    connect(&parts_->settle, &QTimer::timeout, this, &TerminalView::ApplyGrid);
+    connect(&parts_->bar, &QScrollBar::valueChanged, this,
+            [this](int value) { emulator_.ScrollTo(parts_->bar.maximum() - value); });
+}
+
+TerminalView::~TerminalView() = default;
+
+ctlEmulator& TerminalView::Emulator() const { return emulator_; }
+
+// --- size
+
+QSize TerminalView::SizeForGrid(int cols, int rows) const
+{
+    return parts_->canvas.SizeFor(cols, rows) + QSize(kBarWidth, 0);
+}
+
+QSize TerminalView::sizeHint() const
+{
+    return SizeForGrid(emulator_.Settings().Integer(Setting("NormCols")),
+                       emulator_.Settings().Integer(Setting("NormRows")));
+}
+
+QRect TerminalView::CellRect(int col, int row) const { return parts_->canvas.CellRect(col, row); }
+
+void TerminalView::Zoom(int steps)
+{
+    const double now = parts_->canvas.Points();
+    parts_->canvas.SetZoom(0);
+    if (steps != 0)
+        parts_->canvas.SetZoom(now + steps - parts_->canvas.Points());
+    ApplyGrid();
+}
+
+void TerminalView::ApplyGrid()
+{
+    parts_->settle.stop();
+    const emu::Size grid = parts_->canvas.FitInto(size() - QSize(kBarWidth, 0));
+    const QSize pixels = parts_->canvas.GridPixels(grid);
+    parts_->sized = true;
+    emulator_.Resize(grid.cols, grid.rows, pixels.width(), pixels.height());
+}
+
+void TerminalView::resizeEvent(QResizeEvent*)
+{
+    parts_->bar.setGeometry(width() - kBarWidth, 0, kBarWidth, height());
+    if (parts_->sized)
+        parts_->settle.start();
+}
+
+void TerminalView::showEvent(QShowEvent*)
+{
+    emulator_.SetHwnd(effectiveWinId());
+    if (!parts_->sized)
+        ApplyGrid();
+    UpdateScrollBar();
+}
+
+void TerminalView::UpdateScrollBar()
+{
+    QScrollBar& bar = parts_->bar;
+    const QSignalBlocker blocker(bar);
+    const int count = emulator_.Screen().HistoryCount();
+    bar.setRange(0, count);
+    bar.setPageStep(emulator_.Rows());
+    bar.setValue(count - emulator_.RowsBack());
+    bar.setVisible(count > 0); // its room is kept free, so that the grid does not change
+}
+
+void TerminalView::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    parts_->canvas.Paint(painter, event->region());
+}
+
+// --- keys
+
+namespace {
+
+enum class ViewKey
+{
+    Paste,
+    Copy,
+    PageUp,
+    PageDown,
+    Top,
+    Bottom,
+    Larger,
+    Smaller,
+    UsualSize
+};
+
+struct ViewKeyRow
+{
+    int key;
+    Qt::KeyboardModifiers modifiers;
+    ViewKey action;
+};
+
+const std::array kViewKeys{
+    ViewKeyRow{Qt::Key_Insert, Qt::ShiftModifier, ViewKey::Paste},
+    ViewKeyRow{Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier, ViewKey::Paste},
+    ViewKeyRow{Qt::Key_Insert, Qt::ControlModifier, ViewKey::Copy},
+    ViewKeyRow{Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier, ViewKey::Copy},
+    ViewKeyRow{Qt::Key_PageUp, Qt::ShiftModifier, ViewKey::PageUp},
+    ViewKeyRow{Qt::Key_PageDown, Qt::ShiftModifier, ViewKey::PageDown},
+    ViewKeyRow{Qt::Key_Home, Qt::ControlModifier | Qt::ShiftModifier, ViewKey::Top},
+    ViewKeyRow{Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier, ViewKey::Bottom},
+    ViewKeyRow{Qt::Key_Plus, Qt::ControlModifier, ViewKey::Larger},
+    ViewKeyRow{Qt::Key_Plus, Qt::ControlModifier | Qt::ShiftModifier, ViewKey::Larger},
+    ViewKeyRow{Qt::Key_Equal, Qt::ControlModifier, ViewKey::Larger},
+    ViewKeyRow{Qt::Key_Minus, Qt::ControlModifier, ViewKey::Smaller},
+    ViewKeyRow{Qt::Key_0, Qt::ControlModifier, ViewKey::UsualSize},
+};
+
+} // namespace
+
+bool TerminalView::RunViewKey(const QKeyEvent& event, int code)
+{
+    const auto modifiers = event.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
+    const auto row = std::find_if(kViewKeys.begin(), kViewKeys.end(), [&](const ViewKeyRow& r) {
+        return r.key == event.key() && r.modifiers == modifiers;
+    });
+    if (row == kViewKeys.end() || (code != 0 && !emulator_.KeyFunction(code).isEmpty()))
+        return false;
+    switch (row->action) {
+    case ViewKey::Paste:
+        emulator_.Paste();
+        break;
+    case ViewKey::Copy:
+        emulator_.Copy();
+        break;
+    case ViewKey::PageUp:
+        emulator_.ScrollHistory(int(ScrollCommand::PageUp));
+        break;
+    case ViewKey::PageDown:
+        emulator_.ScrollHistory(int(ScrollCommand::PageDown));
+        break;
+    case ViewKey::Top:
+        emulator_.ScrollHistory(int(ScrollCommand::Top));
+        break;
+    case ViewKey::Bottom:
+        emulator_.ScrollHistory(int(ScrollCommand::Bottom));
+        break;
+    case ViewKey::Larger:
+        Zoom(1);
+        break;
+    case ViewKey::Smaller:
+        Zoom(-1);
+        break;
+    case ViewKey::UsualSize:
+        Zoom(0);
+        break;
+    }
+    return true;
+}
+
+bool TerminalView::event(QEvent* event)
+{
+    // Alt and a letter is the host's: without this the menu bar would take it for its mnemonics.
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto modifiers = static_cast<QKeyEvent*>(event)->modifiers();
+        if (modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier)) {
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::event(event);
+}
+
+void TerminalView::keyPressEvent(QKeyEvent* event)
+{
+    const auto mapped = MapKey(*event);
+    if (!mapped) {
+        event->ignore();
+        return;
+    }
+    const bool walks = mapped->press.key == emu::Key::Tab && (mapped->press.modifiers & emu::Modifier::Control) != 0;
+    if (walks && emulator_.KeyFunction(mapped->code).isEmpty()) {
+        event->ignore(); // the window goes through its sessions
+        return;
+    }
+    if (RunViewKey(*event, mapped->code))
+        return;
+    if (mapped->press.key == emu::Key::Break)
+        emulator_.Break();
+    else
+        emulator_.TypeKey(mapped->press, mapped->code);
+}
+
+void TerminalView::keyReleaseEvent(QKeyEvent* event) { event->ignore(); }
+
+bool TerminalView::focusNextPrevChild(bool) { return false; } // Tab is the host's
+
+// --- input methods
+
+void TerminalView::inputMethodEvent(QInputMethodEvent* event)
+{
+    parts_->canvas.SetPreedit(event->preeditString());
+    emulator_.TypeText(event->commitString());
+    event->accept();
+}
+
+QVariant TerminalView::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    switch (query) {
+    case Qt::ImEnabled:
+        return true;
+    case Qt::ImCursorRectangle:
+        return parts_->canvas.CursorRect();
+    case Qt::ImFont:
+        return parts_->canvas.Font();
+    case Qt::ImHints:
+        return int(Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText);
+    default:
+        return QWidget::inputMethodQuery(query);
+    }
+}
+
+// --- mouse and focus
+
+void TerminalView::mousePressEvent(QMouseEvent* event) { parts_->pointer.Press(*event); }
+void TerminalView::mouseDoubleClickEvent(QMouseEvent* event) { parts_->pointer.Press(*event); }
+void TerminalView::mouseMoveEvent(QMouseEvent* event) { parts_->pointer.Move(*event); }
+void TerminalView::mouseReleaseEvent(QMouseEvent* event) { parts_->pointer.Release(*event); }
+void TerminalView::wheelEvent(QWheelEvent* event)
+{
+    parts_->pointer.Wheel(*event);
+    event->accept();
+}
+
+void TerminalView::focusInEvent(QFocusEvent*)
+{
+    emulator_.SendFocus(true);
+    parts_->canvas.FocusChanged();
+}
+
+void TerminalView::focusOutEvent(QFocusEvent*)
+{
+    emulator_.SendFocus(false);
+    parts_->canvas.FocusChanged();
+}
+
+} // namespace kestrune

@@ -1,0 +1,193 @@
+#include <menubar/tamenubar.h>
+
+#include <algorithm>
+
+namespace kestrune {
+
+namespace {
+
+using EachFn = std::function<bool(MenuTool&)>;
+
+bool WalkTools(std::vector<MenuTool>& tools, const EachFn& goesOn)
+{
+    return std::all_of(tools.begin(), tools.end(),
+                       [&](MenuTool& tool) { return goesOn(tool) && WalkTools(tool.tools, goesOn); });
+}
+
+const MenuTool* FindTool(const std::vector<MenuTool>& tools, int key)
+{
+    for (const MenuTool& tool : tools) {
+        if (tool.key == key)
+            return &tool;
+        if (const MenuTool* inside = FindTool(tool.tools, key))
+            return inside;
+    }
+    return nullptr;
+}
+
+// How each property of a tool is read and written by its code.
+struct PropertyRow
+{
+    ToolProperty code;
+    QVariant (*get)(const MenuTool&);
+    void (*set)(MenuTool&, const QVariant&);
+};
+
+constexpr PropertyRow kPropertyRows[] = {
+    {ToolProperty::Caption, [](const MenuTool& t) { return QVariant(t.caption); },
+     [](MenuTool& t, const QVariant& v) { t.caption = v.toString(); }},
+    {ToolProperty::Checked, [](const MenuTool& t) { return QVariant(t.checked); },
+     [](MenuTool& t, const QVariant& v) { t.checked = v.toBool(); }},
+    {ToolProperty::Enabled, [](const MenuTool& t) { return QVariant(t.enabled); },
+     [](MenuTool& t, const QVariant& v) { t.enabled = v.toBool(); }},
+    {ToolProperty::Action, [](const MenuTool& t) { return QVariant(t.action); },
+     [](MenuTool& t, const QVariant& v) {
+         const QString text = v.toString();
+         t.action = text.isEmpty() ? QStringLiteral("[#%1]").arg(t.key) : text;
+     }},
+    {ToolProperty::ToolTipText, [](const MenuTool& t) { return QVariant(t.toolTipText); },
+     [](MenuTool& t, const QVariant& v) { t.toolTipText = v.toString(); }},
+    {ToolProperty::Visible, [](const MenuTool& t) { return QVariant(t.visible); },
+     [](MenuTool& t, const QVariant& v) { t.visible = v.toBool(); }},
+    {ToolProperty::Shortcut, [](const MenuTool& t) { return QVariant(t.shortcut); },
+     [](MenuTool& t, const QVariant& v) { t.shortcut = v.toString(); }},
+};
+
+const PropertyRow* FindProperty(ToolProperty code)
+{
+    const auto* at = std::find_if(std::begin(kPropertyRows), std::end(kPropertyRows),
+                                  [code](const PropertyRow& row) { return row.code == code; });
+    return at == std::end(kPropertyRows) ? nullptr : at;
+}
+
+bool SameKey(const MenuBand& band, const QString& key) { return band.key.compare(key, Qt::CaseInsensitive) == 0; }
+
+} // namespace
+
+int CommandId(const QString& action)
+{
+    if (!action.startsWith(QLatin1String("[#")))
+        return 0;
+    int id = 0;
+    for (qsizetype i = 2; i < action.size() && action[i].isDigit() && id < 100'000; ++i)
+        id = id * 10 + action[i].digitValue();
+    return id;
+}
+
+bool taMenuBar::AddBand(MenuBand band)
+{
+    if (Band(band.key) != nullptr)
+        return false;
+    bands_.push_back(std::move(band));
+    emit BandsChanged();
+    return true;
+}
+
+void taMenuBar::RemoveBands()
+{
+    bands_.clear();
+    emit BandsChanged();
+}
+
+const MenuBand* taMenuBar::Band(const QString& key) const
+{
+    const auto at = std::find_if(bands_.begin(), bands_.end(), [&](const MenuBand& b) { return SameKey(b, key); });
+    return at == bands_.end() ? nullptr : &*at;
+}
+
+void taMenuBar::SetBandVisible(const QString& key, bool on)
+{
+    for (MenuBand& band : bands_)
+        if (SameKey(band, key) && band.visible != on) {
+            band.visible = on;
+            emit BandsChanged();
+        }
+}
+
+void taMenuBar::SetBandTag(const QString& key, quintptr tag)
+{
+    for (MenuBand& band : bands_)
+        if (SameKey(band, key))
+            band.tag = tag;
+}
+
+void taMenuBar::SetLargeIcons(bool on)
+{
+    for (MenuBand& band : bands_)
+        if (band.type == BandType::ToolBar)
+            band.largeIcons = on;
+    emit BandsChanged();
+}
+
+void taMenuBar::EachTool(const std::function<void(MenuTool&)>& change)
+{
+    for (MenuBand& band : bands_)
+        WalkTools(band.tools, [&](MenuTool& tool) {
+            change(tool);
+            return true;
+        });
+    emit BandsChanged();
+}
+
+const MenuTool* taMenuBar::Tool(int key) const
+{
+    for (const MenuBand& band : bands_)
+        if (const MenuTool* tool = FindTool(band.tools, key))
+            return tool;
+    return nullptr;
+}
+
+const MenuTool* taMenuBar::OpenTool(const QString& bandKey, int key)
+{
+    for (MenuBand& band : bands_) {
+        if (!SameKey(band, bandKey))
+            continue;
+        MenuTool* found = nullptr;
+        WalkTools(band.tools, [&](MenuTool& tool) {
+            if (tool.key == key)
+                found = &tool;
+            return found == nullptr;
+        });
+        if (found != nullptr)
+            emit BandOpen(*found);
+        return found;
+    }
+    return nullptr;
+}
+
+QVariant taMenuBar::GetToolProperty(int id, ToolProperty property) const
+{
+    const PropertyRow* row = FindProperty(property);
+    const MenuTool* tool = Tool(id);
+    return row != nullptr && tool != nullptr ? row->get(*tool) : QVariant();
+}
+
+void taMenuBar::SetToolProperty(int id, ToolProperty property, const QVariant& value)
+{
+    const PropertyRow* row = FindProperty(property);
+    if (id == 0 || row == nullptr)
+        return;
+    bool changed = false;
+    for (MenuBand& band : bands_) {
+        // Deliberately kept from tool to tool: behind a tool of the wanted command, one with no command of its own
+        // takes the change too.
+        int actionId = 0;
+        WalkTools(band.tools, [&](MenuTool& tool) {
+            if (const int own = CommandId(tool.action))
+                actionId = own;
+            const bool matches = tool.key == id || (property != ToolProperty::Action && actionId == id);
+            if (matches && row->get(tool) != value) {
+                row->set(tool, value);
+                changed = true;
+            }
+            return true;
+        });
+    }
+    if (!changed)
+        return;
+    emit ToolChanged(id);
+    if (property == ToolProperty::Enabled || property == ToolProperty::Visible)
+        emit CommandStateChanged(id);
+}
+
+} // namespace kestrune

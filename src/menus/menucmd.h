@@ -1,0 +1,61 @@
+#pragma once
+
+// Where every user command ends: the action text of a tool is a command, a macro, script statements, or keystrokes
+// for the session. One table holds the commands.
+
+#include <menubar/tamenubar.h>
+#include <menus/menuhost.h>
+#include <ports/commands.h>
+#include <ports/sessionmenus.h>
+
+#include <QString>
+
+namespace kestrune {
+
+class ApplicationPort;
+
+namespace ToolId {
+inline constexpr int FileExit = 110, FileClose = 104, RecentFirst = 113, RecentEnd = 150, WindowFirst = 514,
+                     WindowEnd = 550, WindowMaximize = 599, MacroFirst = 2000, MacroEnd = 3000;
+inline constexpr int TabActivate = 1301, TabMaximize = 1302, TabClose = 1303, TabClone = 1304, TabRename = 1305;
+} // namespace ToolId
+
+class MenuCmd : public CommandPort, public SessionMenus
+{
+public:
+    MenuCmd(ApplicationPort& application, MenuHost& host) : application_(application), host_(host) {}
+
+    // --- CommandPort
+    void MenuToolAction(const QString& action, bool checked, clsSession* session, Cause cause) override;
+    void UpdateTool(MenuTools& tools, int id, clsSession* session) override;
+    void UpdateState(clsSession* session) override;
+
+    // --- SessionMenus
+    int LoadSessionMenu(clsSession& session, MenuTools& tools) override;
+    void InitSessionMenu(clsSession& session, MenuTools& tools) override;
+    QString MacroList() const override { return {}; }
+    void RefreshMacroMenu(MenuTools& tools, const QString& macroList) override;
+
+    // A tool was chosen. band: the one that it stands on; the tab popup names its session in its tag. Failures end
+    // here; of a piece that is not there yet the user is told.
+    void ToolClick(const taMenuBar& menu, const QString& band, const MenuTool& tool, clsSession* session);
+    // A sub-menu is about to open: recent files, windows and check marks as they are now.
+    void BandOpen(MenuTool& tool, clsSession* session);
+    // Loads the main window's own menu, in the state for no session.
+    void LoadFrameMenu(taMenuBar& menu);
+    // The popup of a session's tab. False: no such session, or no such popup.
+    bool PrepareTabMenu(taMenuBar& menu, quintptr window);
+
+    std::shared_ptr<clsSession> SessionOfWindow(quintptr window) const; // null: none
+    QStringList RecentFiles() const { return host_.RecentFiles(); }
+
+private:
+    void InitBands(taMenuBar& menu);
+    void RunOther(const QString& action, clsSession* session);
+    bool RunRange(int id);
+
+    ApplicationPort& application_;
+    MenuHost& host_;
+};
+
+} // namespace kestrune

@@ -1,0 +1,40 @@
+#pragma once
+
+// What an emulator control reports, turned into status texts, session calls, messages and recorder notices.
+
+#include <QObject>
+
+namespace kestrune {
+
+class ApplicationPort;
+class ctlEmulator;
+class SessionWindow;
+
+class EmulatorEvents : public QObject
+{
+    Q_OBJECT
+public:
+    // Listens to the window's emulator from now on. Both outlive it.
+    EmulatorEvents(ApplicationPort& application, SessionWindow& window);
+    void Stop(); // nothing is handled any more
+
+private:
+    void ConnectStatus(ctlEmulator& emulator);
+    void ConnectSession(ctlEmulator& emulator);
+    void ConnectLine(ctlEmulator& emulator);
+    void ConnectRecorder(ctlEmulator& emulator);
+    void ConnectUser(ctlEmulator& emulator);
+    void SetCaption(int tool, const QString& text);
+    void StatusChanged(qint16 status, QString& text);
+    void CommError(quint32& word, const QString& description, bool fatal);
+    void Disconnected();
+    void SayLoss(const QString& text, bool message);
+    QString TermTypeName(int type) const;
+
+    ApplicationPort& application_;
+    SessionWindow& window_;
+    quint32 lastError_ = 0;  // error word of the last CommError; 0: none
+    bool lossTold_ = false; // the user has been told why this connection is gone
+};
+
+} // namespace kestrune
