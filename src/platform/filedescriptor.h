@@ -10,7 +10,8 @@ namespace kestrune {
 class FileDescriptor
 {
 public:
-    explicit FileDescriptor(int number = -1) : number_(number) {}
+    FileDescriptor() = default;
+    explicit FileDescriptor(int number) : number_(number) {}
     FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     FileDescriptor& operator=(FileDescriptor&&) = delete;
     ~FileDescriptor()
@@ -24,7 +25,7 @@ public:
     int Release() { return std::exchange(number_, -1); }
 
 private:
-    int number_;
+    int number_ = -1;
 };
 
 } // namespace kestrune

@@ -46,9 +46,9 @@ struct LineOptions
     int connectTimeout = 0;    // seconds; 0: the device's own default
     int keepaliveInterval = 0; // seconds; 0: off
     bool tcpNoDelay = false;
-    bool tcpIdn = false; // host names outside ASCII go through IDNA
-    QByteArray userName; // NEW-ENVIRON USER, SSH user; empty: not sent
-    bool utf8 = false;   // local program: its tty erases whole UTF-8 characters
+    bool tcpIdn = false;          // host names outside ASCII go through IDNA
+    QByteArray userName;          // NEW-ENVIRON USER, SSH user; empty: not sent
+    bool utf8 = false;            // local program: its tty erases whole UTF-8 characters
     char eraseCharacter = '\x7f'; // local program: what the Backspace key sends, for the tty's erase character
 
     struct Telnet
@@ -101,10 +101,7 @@ inline constexpr quint16 HostUnreachable = 10065;
 inline constexpr quint16 HostNotFound = 11001;
 } // namespace LineErrorNumber
 
-constexpr quint32 LineErrorWord(Device device, quint16 number)
-{
-    return static_cast<quint32>(device) << 16 | number;
-}
+constexpr quint32 LineErrorWord(Device device, quint16 number) { return static_cast<quint32>(device) << 16 | number; }
 
 class LineListener
 {
@@ -121,17 +118,17 @@ public:
     // The far side does, or no longer does, echo what is typed (telnet ECHO). Told after each agreement; before
     // the first one a network virtual terminal does not echo, every other device does.
     virtual void LineRemoteEcho(bool remote) = 0;
-    // All that was sent has been taken by the system: Unsent() is 0 again. For a paste that paces itself.
+    // What Send() had to leave in the queue has gone: Unsent() is 0 again. For a paste that paces itself.
     virtual void LineDrained() {}
 };
 
 class Line
 {
 public:
-    static constexpr qsizetype MaxUnsent = 8 * 1024 * 1024;
+    static constexpr qsizetype MaxUnsent = qsizetype{8} * 1024 * 1024;
 
     virtual ~Line() = default; // closes without notices
-    virtual void Open() = 0;   // the outcome comes through the listener
+    virtual void Open() = 0;   // once; the outcome comes through the listener. Another connection: another line
     virtual void Close() = 0;  // harmless when closed; LineClosed follows once
     virtual bool IsOpen() const = 0;
     // Queued. What does not fit into the queue (MaxUnsent) of a host that takes nothing is dropped whole, with an

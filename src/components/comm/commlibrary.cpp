@@ -1,0 +1,119 @@
+#include <comm/commlibrary.h>
+
+#include "localshell.h"
+#include "telnetline.h"
+
+#include <QCoreApplication>
+#include <QLibrary>
+
+#include <algorithm>
+#include <array>
+
+namespace kestrune {
+
+namespace {
+
+using LineMaker = std::unique_ptr<Line> (*)(const LineOptions&, LineListener&, Clock&);
+
+template <typename T>
+std::unique_ptr<Line> MakeLine(const LineOptions& options, LineListener& listener, Clock& clock)
+{
+    return std::make_unique<T>(options, listener, clock);
+}
+
+struct DeviceRow
+{
+    Device device;
+    const char* name;
+    LineMaker make; // null: known by number, not in this build
+};
+
+constexpr std::array DeviceRows{
+    DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), nullptr},
+    DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), nullptr},
+    DeviceRow{Device::Telnet, QT_TRANSLATE_NOOP("CommLibrary", "Telnet"), &MakeLine<comm::TelnetLine>},
+    DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), nullptr},
+    DeviceRow{Device::Ssh, QT_TRANSLATE_NOOP("CommLibrary", "SSH"), nullptr},
+    DeviceRow{Device::Extension, QT_TRANSLATE_NOOP("CommLibrary", "Local Shell"), &MakeLine<comm::LocalShell>},
+    DeviceRow{Device::SslTelnet, QT_TRANSLATE_NOOP("CommLibrary", "SSL/Telnet"), nullptr},
+};
+
+const DeviceRow* RowOf(Device device)
+{
+    const auto row = std::ranges::find(DeviceRows, device, &DeviceRow::device);
+    return row == DeviceRows.end() ? nullptr : &*row;
+}
+
+} // namespace
+
+CommLibrary::CommLibrary(Clock& clock, const QString& extensionName)
+    : clock_(clock), hasExtension_(!extensionName.trimmed().isEmpty())
+{}
+
+bool CommLibrary::Exists(Device device) const
+{
+    const DeviceRow* row = RowOf(device);
+    return row && row->make && (device != Device::Extension || hasExtension_);
+}
+
+QString CommLibrary::Name(Device device) const
+{
+    const DeviceRow* row = RowOf(device);
+    return row ? QCoreApplication::translate("CommLibrary", row->name) : QString();
+}
+
+std::unique_ptr<Line> CommLibrary::Make(const LineOptions& options, LineListener& listener)
+{
+    return Exists(options.device) ? RowOf(options.device)->make(options, listener, clock_) : nullptr;
+}
+
+int CommLibrary::ORCommExist(int device) const { return Exists(static_cast<Device>(device)) ? 1 : 0; }
+
+void CommLibrary::ORCommID(int device, int& length, QString& text) const
+{
+    text = ORCommExist(device) ? Name(static_cast<Device>(device)).left(std::max(length, 0)) : QString();
+    length = static_cast<int>(text.size());
+}
+
+int CommLibrary::ORCommList(int, int, QString& list) const
+{
+    list = QString(2, QChar(0));
+    return 0;
+}
+
+int CommLibrary::ORDialLocationInfo(int, QString& text, int) const
+{
+    text.clear();
+    return 0;
+}
+
+bool CommLibrary::ORDialingProperties(quintptr) const { return false; }
+
+int CommLibrary::ORTranslateNumber(const QString& canonical, int, QString& dialable, QString& displayed,
+                                   int length) const
+{
+    using namespace Qt::StringLiterals;
+    // ITU-T V.250 6.3.1: digits, tone letters, pauses and other dial modifiers; the rest is for the eye.
+    const auto cannotBeDialled = [](QChar c) { return !u"0123456789*#ABCDabcd,W@!TPtpw"_s.contains(c); };
+    displayed = canonical.trimmed();
+    dialable = displayed;
+    dialable.removeIf(cannotBeDialled);
+    const bool fits = dialable.size() < length && displayed.size() < length;
+    if (!dialable.isEmpty() && fits)
+        return 1;
+    dialable.clear();
+    displayed.clear();
+    return 0;
+}
+
+// Asked of the library that TLS would load, so that a program that never uses TLS does not load it at its start.
+bool CommLibrary::GetFipsMode() const
+{
+    using namespace Qt::StringLiterals;
+    QLibrary crypto(u"crypto"_s, 3);
+    using Question = int (*)(void*);
+    const auto ask = reinterpret_cast<Question>(crypto.resolve("EVP_default_properties_is_fips_enabled"));
+    return ask && ask(nullptr) == 1;
+}
+
+} // namespace kestrune

@@ -1,0 +1,38 @@
+#include <platform/sockets.h>
+
+#include <cstring>
+#include <memory>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+namespace kestrune {
+
+bool SetTcpKeepalive(qintptr socket, int seconds)
+{
+    const int descriptor = static_cast<int>(socket);
+    const int on = seconds > 0;
+    const auto set = [descriptor](int level, int option, int value) {
+        return ::setsockopt(descriptor, level, option, &value, sizeof value) == 0;
+    };
+    if (!set(SOL_SOCKET, SO_KEEPALIVE, on))
+        return false;
+    return !on || (set(IPPROTO_TCP, TCP_KEEPIDLE, seconds) && set(IPPROTO_TCP, TCP_KEEPINTVL, seconds));
+}
+
+std::optional<quint16> ServicePort(const QByteArray& name)
+{
+    addrinfo hints{};
+    hints.ai_family = AF_INET;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (::getaddrinfo(nullptr, name.constData(), &hints, &found) != 0)
+        return std::nullopt;
+    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, ::freeaddrinfo);
+    sockaddr_in address{};
+    std::memcpy(&address, found->ai_addr, sizeof address);
+    return ntohs(address.sin_port);
+}
+
+} // namespace kestrune

@@ -1,0 +1,18 @@
+#pragma once
+
+// What the socket interface offers and Qt has no call for.
+
+#include <QByteArray>
+
+#include <optional>
+
+namespace kestrune {
+
+// TCP keep-alive: the first probe after that many seconds of silence, the next ones equally far apart.
+// 0 switches it off. False: the system refused.
+bool SetTcpKeepalive(qintptr socket, int seconds);
+
+// The port of a TCP service name ("telnet") as the system's own list has it.
+std::optional<quint16> ServicePort(const QByteArray& name);
+
+} // namespace kestrune

@@ -1,0 +1,229 @@
+"""A virtual desktop and a person at it: Xvfb, a window manager, hands (xdotool) and eyes (screen shots, the
+selection). Journeys start the real program on it and judge by what a person would see or find on disk.
+
+Nothing waits for a span of time where a condition can be waited for; `until` polls one."""
+
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PROGRAM = os.environ.get("KESTRUNE_PROGRAM", "")
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+PICTURES = pathlib.Path(os.environ.get("KESTRUNE_PICTURES", tempfile.gettempdir() + "/kestrune-pictures"))
+
+
+class TimeOut(AssertionError):
+    pass
+
+
+def until(condition, what, seconds=20, every=0.05):
+    """The condition's first true value; a failure that says what did not happen."""
+    end = time.monotonic() + seconds
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise TimeOut(f"did not happen within {seconds} s: {what}")
+        time.sleep(every)
+
+
+class Desktop:
+    def __init__(self, width=1280, height=900):
+        self.processes = []
+        self.env = dict(os.environ)
+        read, write = os.pipe()
+        self._start(["Xvfb", "-displayfd", str(write), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp"],
+                    pass_fds=[write])
+        os.close(write)
+        with os.fdopen(read) as pipe:
+            number = pipe.readline().strip()
+        self.env.update(DISPLAY=":" + number, QT_QPA_PLATFORM="xcb")
+        self.env.pop("WAYLAND_DISPLAY", None)
+        self._start(["openbox", "--sm-disable"])
+        until(lambda: self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False).find("window id") > 0,
+              "a window manager")
+
+    def _start(self, command, **more):
+        process = subprocess.Popen(command, env=self.env, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL, **more)
+        self.processes.append(process)
+        return process
+
+    def run(self, *command, check=True):
+        done = subprocess.run(command, env=self.env, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, timeout=60)
+        if check and done.returncode:
+            raise AssertionError(f"{command} failed: {done.stderr.decode()}")
+        return done.stdout.decode(errors="replace")
+
+    def picture(self, name):
+        PICTURES.mkdir(parents=True, exist_ok=True)
+        path = PICTURES / (name + ".png")
+        self.run("import", "-window", "root", str(path))
+        return path
+
+    def close(self):
+        for process in reversed(self.processes):
+            process.kill()
+            process.wait()
+
+
+class Kestrune:
+    """One run of the program, with settings folders of its own unless `home` is given."""
+
+    def __init__(self, desktop, *arguments, home, cwd=None, extra_env=None):
+        self.desktop = desktop
+        self.home = home
+        env = dict(desktop.env, HOME=str(home), XDG_CONFIG_HOME=str(home / "config"),
+                   XDG_DATA_HOME=str(home / "data"), XDG_RUNTIME_DIR=str(home / "runtime"), SHELL="/bin/bash",
+                   KESTRUNE_MACHINE_DIR=str(home / "machine"), PS1="$ ", **(extra_env or {}))
+        for variable in ("DBUS_SESSION_BUS_ADDRESS", "DBUS_STARTER_ADDRESS"):
+            env.pop(variable, None)
+        for folder in ("config", "data", "runtime", "machine"):
+            (home / folder).mkdir(exist_ok=True)
+        (home / "runtime").chmod(0o700)
+        self.log = tempfile.TemporaryFile()
+        self.process = subprocess.Popen([PROGRAM, *map(str, arguments)], env=env, cwd=cwd or home,
+                                        stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
+
+    # --- windows
+    def windows(self):
+        out = self.desktop.run("xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid), "--name", ".",
+                               check=False)
+        return out.split()
+
+    def window(self, seconds=20):
+        """The main window, active. A program that ended instead is a failure that shows what it said."""
+        def found():
+            if self.process.poll() is not None:
+                raise AssertionError(f"the program ended with {self.process.returncode}: {self.output()}")
+            return [w for w in self.windows() if "Kestrune" in self.title(w)]
+        window = until(found, "the main window", seconds)[0]
+        self.desktop.run("xdotool", "windowactivate", "--sync", window)
+        return window
+
+    def title(self, window):
+        return self.desktop.run("xdotool", "getwindowname", window, check=False).strip()
+
+    def titles(self):
+        return [self.title(w) for w in self.windows()]
+
+    def geometry(self, window):
+        out = self.desktop.run("xdotool", "getwindowgeometry", "--shell", window)
+        values = dict(line.split("=") for line in out.split())
+        return tuple(int(values[k]) for k in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def resize(self, window, width, height):
+        self.desktop.run("xdotool", "windowsize", window, str(width), str(height))
+
+    # --- hands
+    def type(self, text):
+        for index, line in enumerate(text.split("\n")):
+            if index:
+                self.key("Return")
+            if line:
+                self.desktop.run("xdotool", "type", "--delay", "8", "--", line)
+
+    def key(self, *keys):
+        self.desktop.run("xdotool", "key", "--delay", "20", *keys)
+
+    def click(self, x, y, button=1, repeat=1):
+        self.desktop.run("xdotool", "mousemove", str(x), str(y), "click", "--repeat", str(repeat), "--delay", "40",
+                         str(button))
+
+    # --- eyes
+    def screen_text(self):
+        """The session's visible text: selected with the mouse from corner to corner of the active session, and
+        read as any other program would read the selection."""
+        window = self.windows()[0]
+        x, y, width, height = self.geometry(window)
+        text = ""
+        middle_x, middle_y = x + width // 2, y + height // 2
+        for end_x, end_y in ((x + 2, y + TOP_OF_SESSION), (x + width - 4, y + height - BOTTOM_OF_SESSION)):
+            self.desktop.run("xdotool", "mousemove", str(middle_x), str(middle_y), "mousedown", "1",
+                             "mousemove", str((middle_x + end_x) // 2), str((middle_y + end_y) // 2),
+                             "mousemove", str(end_x), str(end_y), "mouseup", "1")
+            part = self.desktop.run("timeout", "5", "xclip", "-o", "-selection", "primary", check=False)
+            text += part
+        self.click(middle_x, middle_y)
+        return text
+
+    def shows(self, needle, seconds=20):
+        def there():
+            self.last_text = self.screen_text()
+            return needle in self.last_text
+        try:
+            until(there, needle, seconds, every=0.2)
+        except TimeOut:
+            raise AssertionError(f"not on the screen: {needle!r}; there is:\n{self.last_text}") from None
+        return self.last_text
+
+    def output(self):
+        self.log.seek(0)
+        return self.log.read().decode(errors="replace")
+
+    # --- ends
+    def ended(self, seconds=15):
+        until(lambda: self.process.poll() is not None, "the program's end", seconds)
+        return self.process.returncode
+
+    def kill(self):
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGKILL)
+            self.process.wait()
+
+
+def hive(home):
+    """What a run left behind for the user: {(key below the settings root, name): text}."""
+    path = home / "config" / "kestrune" / "user.hive"
+    values, key = {}, None
+    if path.exists():
+        for line in path.read_text(encoding="utf-8").splitlines():
+            if line.startswith("["):
+                key = line.strip("[]").replace("\\\\", "\\").partition("\\Settings")[2].lstrip("\\")
+            elif "=" in line:
+                name, _, value = line.partition(" = ")
+                values[key, name.strip('"')] = value.strip('"').replace("\\\\", "\\")
+    return values
+
+
+# Heights of the bars above and below the session, in pixels, with room to spare for the frame.
+TOP_OF_SESSION = 100
+BOTTOM_OF_SESSION = 40
+
+
+class Journey(unittest.TestCase):
+    """One desktop for each class; a fresh home for each test."""
+
+    @classmethod
+    def setUpClass(cls):
+        if not PROGRAM or not os.access(PROGRAM, os.X_OK):
+            raise AssertionError("KESTRUNE_PROGRAM does not name the program")
+        cls.desktop = Desktop()
+        cls.addClassCleanup(cls.desktop.close)
+
+    def setUp(self):
+        self.home = pathlib.Path(tempfile.mkdtemp(prefix="kestrune-journey-"))
+        self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
+
+    def start(self, *arguments, home=None, **more):
+        program = Kestrune(self.desktop, *arguments, home=home or self.home, **more)
+        self.addCleanup(program.kill)
+        return program
+
+    def session_file(self, name, **keys):
+        path = self.home / name
+        body = {"TermType": 8, "Device": 6, "Charset": "UTF-8", **keys}
+        path.write_text("[Kestrune]\r\n" + "".join(f"{k}={v}\r\n" for k, v in body.items()))
+        return path
+
+
+def main():
+    unittest.main(verbosity=2, argv=sys.argv)
