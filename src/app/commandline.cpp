@@ -48,8 +48,8 @@ CommandLine CommandLine::FromArguments(const QStringList& arguments)
         if (option == "--"_L1)
             break;
         if (option == "--automation"_L1)
-            line.automation_ = true;
-        else if (option == "--help"_L1)
+            continue; // how the process was started is the platform's affair
+        if (option == "--help"_L1)
             line.immediate_ = {UsageText()};
         else if (option == "--version"_L1)
             line.immediate_ = {VersionText()};

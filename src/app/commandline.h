@@ -32,13 +32,11 @@ public:
         bool isError = false; // to be told on the error stream, with a non-zero exit code
     };
     const std::optional<Answer>& Immediate() const { return immediate_; }
-    bool Automation() const { return automation_; } // started to serve a client
 
 private:
     QString text_;
     std::optional<QString> first_; // exact, where the platform gives arguments apart
     std::optional<Answer> immediate_;
-    bool automation_ = false;
 };
 
 } // namespace kestrune

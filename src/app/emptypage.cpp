@@ -89,8 +89,8 @@ void EmptyPage::SetRecentFiles(const QStringList& shown, const QStringList& full
         return;
     recent_->addWidget(Heading(tr("Recent"), 1.0, QPalette::PlaceholderText));
     for (int i = 0; i < shown.size() && i < kShownRecent; ++i) {
-        auto* button = Choice(fontMetrics().elidedText(shown[i], Qt::ElideMiddle, fontMetrics().averageCharWidth() * 56),
-                              QString());
+        auto* button = Choice(
+            fontMetrics().elidedText(shown[i], Qt::ElideMiddle, fontMetrics().averageCharWidth() * 56), QString());
         button->setMinimumHeight(0);
         button->setToolButtonStyle(Qt::ToolButtonTextOnly);
         button->setToolTip(fullNames.value(i));

@@ -247,7 +247,6 @@ int Ormain::Open(bool skipScript)
     if (IsLayoutFile(ports_.layer, file))
         return OpenLayout(App(), file, script);
     bool opened = false;
-    QString reason;
     if (IsConfigFile(ports_.layer, file)) {
         try {
             opened = OpenSessionFile(file);

@@ -15,7 +15,8 @@ using Qt::StringLiterals::operator""_L1;
 using Qt::StringLiterals::operator""_s;
 
 frmSplash::frmSplash(const QString& choice)
-    : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint), off_(choice.compare("no"_L1, Qt::CaseInsensitive) == 0)
+    : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint),
+      off_(choice.compare("no"_L1, Qt::CaseInsensitive) == 0)
 {
     setAttribute(Qt::WA_ShowWithoutActivating);
     if (!off_ && !choice.isEmpty() && choice.compare("yes"_L1, Qt::CaseInsensitive) != 0)

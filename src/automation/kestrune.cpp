@@ -22,8 +22,6 @@ constexpr int kWindowNormal = 0, kWindowMinimised = 1, kWindowMaximised = 2;
 
 bool IsWindowState(int state) { return state >= kWindowNormal && state <= kWindowMaximised; }
 
-const QString kSettingsKey = QString::fromUtf16(StoreKey::Settings);
-const QString kRecentKey = QString::fromUtf16(StoreKey::RecentFiles);
 const QString kDefaultCaption = QStringLiteral("Kestrune 7");
 
 void ApplyBarSetting(Kestrune& application, Bar bar, GlobalId id)
@@ -246,12 +244,12 @@ QString Kestrune::Caption() const
 
 int Kestrune::FuncBarBank() const
 {
-    return ParseNumber(parts_.layer.store.StoreGetString(kSettingsKey, u"FuncBarBank"_s, u"0"_s));
+    return ParseNumber(parts_.layer.store.StoreGetString(StoreKey::Settings, u"FuncBarBank"_s, u"0"_s));
 }
 
 void Kestrune::SetFuncBarBank(int bank)
 {
-    parts_.layer.store.StoreSetString(kSettingsKey, u"FuncBarBank"_s, QString::number(bank), u"0"_s);
+    parts_.layer.store.StoreSetString(StoreKey::Settings, u"FuncBarBank"_s, QString::number(bank), u"0"_s);
 }
 
 // --- recent files
@@ -280,7 +278,7 @@ void Kestrune::LoadRecentList()
 {
     QStringList names;
     for (int i = 1; i <= recent_.ListSize(); ++i) {
-        const QString stored = parts_.layer.store.StoreGetString(kRecentKey, u"File_%1"_s.arg(i), {});
+        const QString stored = parts_.layer.store.StoreGetString(StoreKey::RecentFiles, u"File_%1"_s.arg(i), {});
         if (!stored.isEmpty())
             names.append(
                 parts_.layer.spec.ExpandPath(stored, parts_.layer.folders.HomeDir, parts_.layer.folders.DocumentsDir));
@@ -291,9 +289,9 @@ void Kestrune::LoadRecentList()
 
 void Kestrune::RewriteRecentList()
 {
-    parts_.layer.store.StoreDeleteKey(kRecentKey);
+    parts_.layer.store.StoreDeleteKey(StoreKey::RecentFiles);
     for (int i = 1; i <= recent_.ListCount(); ++i)
-        parts_.layer.store.StoreSetString(kRecentKey, u"File_%1"_s.arg(i),
+        parts_.layer.store.StoreSetString(StoreKey::RecentFiles, u"File_%1"_s.arg(i),
                                           parts_.layer.spec.ContractPath(recent_.ListItem(i),
                                                                          parts_.layer.folders.HomeDir,
                                                                          parts_.layer.folders.DocumentsDir),

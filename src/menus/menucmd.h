@@ -47,6 +47,7 @@ public:
     bool PrepareTabMenu(taMenuBar& menu, quintptr window);
 
     std::shared_ptr<clsSession> SessionOfWindow(quintptr window) const; // null: none
+    QStringList RecentFiles() const { return host_.RecentFiles(); }
 
 private:
     void InitBands(taMenuBar& menu);

@@ -1,0 +1,209 @@
+// The one place that joins concrete parts together.
+
+#include <app/affinity.h>
+#include <app/mdiparntform.h>
+#include <app/missingpieces.h>
+#include <app/ormain.h>
+#include <app/position.h>
+#include <app/programicon.h>
+#include <app/shutdown.h>
+#include <app/splash.h>
+#include <comm/commlibrary.h>
+#include <emulator/control/ctlemulator.h>
+#include <emulator/view/systemclipboard.h>
+#include <platform/eventclock.h>
+#include <platform/hive.h>
+#include <platform/nativefiles.h>
+#include <platform/processors.h>
+#include <platform/system.h>
+#include <ports/recorder.h>
+#include <ports/textfiles.h>
+#include <settings/layer.h>
+#include <support/qtquestions.h>
+#include <textfile/textfiles.h>
+
+#include <QApplication>
+#include <QRandomGenerator>
+#include <QScreen>
+
+#include <bit>
+#include <cstdio>
+
+namespace kestrune {
+
+using Qt::StringLiterals::operator""_s;
+
+namespace {
+
+void KeepToOneProcessor()
+{
+    const auto mask = ThreadAffinity(AnyProcessor, PermittedProcessors(), QRandomGenerator::global()->generateDouble());
+    if (mask)
+        PinToProcessor(std::countr_zero(*mask));
+}
+
+bool HasDisplay()
+{
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+class NativeTextFiles : public TextFiles
+{
+public:
+    explicit NativeTextFiles(const FileSystem& files) : files_(files) {}
+    QString ReadText(const QString& path) override
+    {
+        files_.Read(path); // raises what the user must be told; the text call gives an empty text for it
+        textfile::TextCode code = textfile::TextCode::ByContent;
+        return textfile::ReadTextFile(path, code);
+    }
+
+private:
+    const FileSystem& files_;
+};
+
+// Everything that lives as long as the process, in the order in which it stands on each other.
+class Program
+{
+public:
+    Program(const CommandLine& commandLine, bool startedByPlatform)
+        : currentUser_(CurrentUserHive(files_, system_)), localMachine_(LocalMachineHive(files_, system_)),
+          layer_(PathStyle::Native(), files_, system_, *currentUser_, *localMachine_),
+          ask_(!startedByPlatform, [this] { return MainWidget(); }),
+          lines_(clock_, layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {},
+                                                         InstallationIniFile(layer_.folders))),
+          splash_(SplashChoice()), wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
+          welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
+          main_({layer_, ask_, wizard_, welcome_, settingsDialog_, migration_, running_, splash_, KeepToOneProcessor,
+                 [] { return QGuiApplication::primaryScreen()->depth(); },
+                 [] {}, // nothing can be asked for the class until other programs can reach it
+                 [this](Ormain& host, const StartMode& mode) { return MakeApplication(host, mode); }},
+                commandLine, startedByPlatform),
+          shutdown_({clock_,
+                     [this] { return main_.Application(); },
+                     [] { return UnloadForms(); },
+                     {},
+                     [this] { EndLater(); }})
+    {}
+
+    Ormain& Main() { return main_; }
+
+private:
+    QWidget* MainWidget() const
+    {
+        const Kestrune* application = Kestrune::Application();
+        return application != nullptr ? dynamic_cast<QWidget*>(application->MainWindow()) : nullptr;
+    }
+
+    QString SplashChoice() const
+    {
+        const GlobalSetting& row = GlobalSettingOf(GlobalId::Splash);
+        const QString choice =
+            layer_.profile.ProfileGetString(u"Custom"_s, row.key.toString(), {}, InstallationIniFile(layer_.folders));
+        const bool isWord = choice.isEmpty() || choice.compare(u"yes"_s, Qt::CaseInsensitive) == 0 ||
+                            choice.compare(u"no"_s, Qt::CaseInsensitive) == 0;
+        return isWord ? choice : layer_.spec.ExpandPath(choice, layer_.folders.ProgramDir, {});
+    }
+
+    std::unique_ptr<Kestrune> MakeApplication(Ormain& host, const StartMode& mode)
+    {
+        Kestrune::Parts parts{layer_, clock_, ask_, recorder_, running_, {}, {}, {}, {}, {}, {}};
+        parts.makeFrame = [this](Kestrune& application) { return MakeFrame(application); };
+        parts.makeCommands = [&host](Kestrune& application) { return std::make_unique<MenuCmd>(application, host); };
+        parts.makeScriptEngine = [this](Kestrune&) {
+            return std::make_unique<MissingScriptEngine>([this](const QString& line) { main_.ShowNotice(line); });
+        };
+        parts.placeFrame = [](const GlobalValues& values, FrameWindow& frame) {
+            const WindowPlace place = PosFormGet(values, frame);
+            frame.Move(place.left, place.top, place.width, place.height);
+            frame.SetState(place.state);
+        };
+        parts.keepPlace = [](GlobalValues& values, const FrameWindow& frame) { PosFormSave(values, frame); };
+        return std::make_unique<Kestrune>(parts, mode);
+    }
+
+    std::unique_ptr<FrameWindow> MakeFrame(Kestrune& application)
+    {
+        auto frame = std::make_unique<frmMdiParent>(
+            application, frmMdiParent::Parts{[this] { return MakeEmulator(); }, [this] { shutdown_.Shutdown(); }});
+        main_.SetExit([logic = &frame->Logic()] { logic->EndFrame(CloseCode::Code); });
+        return frame;
+    }
+
+    std::unique_ptr<ctlEmulator> MakeEmulator()
+    {
+        return std::make_unique<ctlEmulator>(EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_});
+    }
+
+    static bool UnloadForms()
+    {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (window->isVisible() && !window->close())
+                return false;
+        return true;
+    }
+
+    // The frame is in the middle of its own closing: it goes from the event loop.
+    void EndLater()
+    {
+        clock_.Post([this] {
+            main_.Release();
+            QCoreApplication::quit();
+        });
+    }
+
+    NativeFileSystem files_;
+    NativeSystem system_;
+    EventClock clock_;
+    std::unique_ptr<Hive> currentUser_;
+    std::unique_ptr<Hive> localMachine_;
+    SettingsLayer layer_;
+    QtQuestions ask_;
+    CommLibrary lines_;
+    SystemClipboard clipboard_;
+    NativeTextFiles texts_{files_};
+    RecorderPort recorder_;
+    frmSplash splash_;
+    MissingWizard wizard_;
+    MissingWelcome welcome_;
+    MissingSettingsDialog settingsDialog_;
+    MissingMigration migration_;
+    MissingSingleInstance running_;
+    Ormain main_;
+    frmShutdown shutdown_;
+};
+
+int Run(int argc, char** argv)
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const CommandLine commandLine = CommandLine::FromArguments(arguments);
+    if (const auto& answer = commandLine.Immediate()) {
+        std::fputs(qUtf8Printable(answer->text), answer->isError ? stderr : stdout);
+        return answer->isError ? 2 : 0;
+    }
+    if (!HasDisplay()) {
+        std::fputs("kestrune: no display to open a window on (DISPLAY and WAYLAND_DISPLAY are not set)\n", stderr);
+        return 1;
+    }
+
+    int programOnly = 1; // arguments are ours alone: a file may be called like one of the toolkit's options
+    QApplication application(programOnly, argv);
+    QApplication::setApplicationName(u"kestrune"_s);
+    QApplication::setDesktopFileName(u"kestrune"_s);
+    QApplication::setWindowIcon(ProgramIcon());
+    QApplication::setQuitOnLastWindowClosed(false); // the process ends when its last work is done
+
+    Program program(commandLine, StartedByPlatform(NativeSystem(), arguments));
+    if (program.Main().Main() == Ormain::Outcome::Ends)
+        return 0;
+    return QApplication::exec();
+}
+
+} // namespace
+
+} // namespace kestrune
+
+int main(int argc, char** argv) { return kestrune::Run(argc, argv); }

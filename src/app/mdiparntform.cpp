@@ -1,0 +1,459 @@
+#include <app/mdiparntform.h>
+
+#include <app/emptypage.h>
+#include <app/programicon.h>
+#include <automation/kestrune.h>
+#include <emulator/control/ctlemulator.h>
+#include <menubar/menubarview.h>
+#include <menubar/sessionbar.h>
+#include <sessions/mdichild.h>
+#include <sessions/session.h>
+#include <sessions/sessions.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QScreen>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+
+namespace kestrune {
+
+using Qt::StringLiterals::operator""_s;
+
+namespace {
+
+constexpr std::chrono::seconds kNoticeTime{10};
+
+ScreenArea AreaOf(const QRect& rect) { return {rect.left(), rect.top(), rect.width(), rect.height()}; }
+
+// Side by side in one direction, each with an even share of the room.
+void Tile(const QList<frmMdiChild*>& windows, QSize room, bool stacked)
+{
+    const auto count = static_cast<int>(windows.size());
+    for (int i = 0; i < count; ++i) {
+        windows[i]->showNormal();
+        if (stacked)
+            windows[i]->setGeometry(0, room.height() * i / count, room.width(), room.height() / count);
+        else
+            windows[i]->setGeometry(room.width() * i / count, 0, room.width() / count, room.height());
+    }
+}
+
+} // namespace
+
+frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
+    : application_(application), parts_(std::move(parts)),
+      logic_(std::make_unique<MdiParent>(application, *this, parts_.shutDown)), bars_(new MenuBarView(*this)),
+      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new QMdiArea), sessionBar_(new SessionBar),
+      notice_(new QLabel), noticeTime_(new QTimer(this))
+{
+    setWindowIcon(ProgramIcon());
+    setContextMenuPolicy(Qt::NoContextMenu);
+    area_->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
+    area_->setFrameShape(QFrame::NoFrame);
+    area_->setBackground(palette().brush(QPalette::Mid));
+    area_->setActivationOrder(QMdiArea::ActivationHistoryOrder);
+    pages_->addWidget(emptyPage_);
+    pages_->addWidget(area_);
+    setCentralWidget(pages_);
+    BuildSessionBar();
+
+    // A notice takes room of its own in the status line, so that the panels beside it go on being read.
+    notice_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    notice_->setTextFormat(Qt::PlainText);
+    notice_->hide();
+    statusBar()->insertWidget(0, notice_, 4);
+    noticeTime_->setSingleShot(true);
+    connect(noticeTime_, &QTimer::timeout, notice_, &QLabel::hide);
+
+    connect(area_, &QMdiArea::subWindowActivated, this, &frmMdiParent::ActiveWindowChanged);
+    connect(emptyPage_, &EmptyPage::CommandWanted, this, &frmMdiParent::RunCommand);
+    connect(emptyPage_, &EmptyPage::RecentWanted, this, [this](int index) { RunCommand(ToolId::RecentFirst + index); });
+    connect(qApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) { logic_->ApplicationActivated(state == Qt::ApplicationActive); });
+    connect(&menu_, &taMenuBar::CommandStateChanged, this, [this](int key) {
+        if (key == ToolId::FileExit)
+            logic_->CheckState();
+    });
+    ConnectMenu(menu_, nullptr);
+    bars_->Show(&menu_);
+}
+
+frmMdiParent::~frmMdiParent()
+{
+    bars_->Show(nullptr); // the menus drawn belong to windows that go first
+    disconnect(area_, nullptr, this, nullptr);
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
+void frmMdiParent::BuildSessionBar()
+{
+    auto* bar = new QToolBar(tr("Session list"));
+    bar->setObjectName(u"SessionBar"_s);
+    bar->setMovable(false);
+    bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    bar->setContentsMargins(0, 0, 0, 0);
+    sessionBar_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    bar->addWidget(sessionBar_);
+    bar->hide();
+    addToolBarBreak();
+    addToolBar(bar);
+    connect(sessionBar_, &SessionBar::TabChosen, this, [this](quintptr window) {
+        if (const auto session = application_.Menu().SessionOfWindow(window))
+            session->Activate();
+    });
+    connect(sessionBar_, &SessionBar::SessionTabClose, this,
+            [this](quintptr window) { logic_->SessionTabClose(window); });
+    connect(sessionBar_, &SessionBar::ToolRightClick, this, [this](quintptr window, const QPoint& at) {
+        if (logic_->ToolRightClick(window))
+            bars_->Popup(menu_, u"TabCtx"_s, at);
+    });
+}
+
+// child: the window whose menu it is; null for the frame's own.
+void frmMdiParent::ConnectMenu(taMenuBar& menu, frmMdiChild* child)
+{
+    const QPointer<frmMdiChild> window(child);
+    connect(&menu, &taMenuBar::BandOpen, this, [this, window](MenuTool& tool) {
+        const auto session = window ? application_.Sessions().Find(window->Tag()) : nullptr;
+        application_.Menu().BandOpen(tool, session.get());
+    });
+    connect(&menu, &taMenuBar::ToolClick, this,
+            [this, &menu, child, window](const QString& band, const MenuTool& tool) {
+                if (child == nullptr) {
+                    logic_->ToolClick(band, tool);
+                } else if (window && !logic_->IsClosing()) {
+                    const auto session = application_.Sessions().Find(window->Tag());
+                    application_.Menu().ToolClick(menu, band, tool, session.get());
+                }
+            });
+}
+
+// --- session windows
+
+SessionWindow* frmMdiParent::NewSessionWindow(clsSession&)
+{
+    auto menu = std::make_unique<taMenuBar>();
+    taMenuBar& bands = *menu;
+    auto* child = new frmMdiChild(application_, parts_.makeEmulator(), std::move(menu));
+    ConnectMenu(bands, child);
+    connect(child, &frmMdiChild::PopupWanted, this,
+            [this, child](const QString& band) { bars_->Popup(child->Menu(), band, QCursor::pos()); });
+    connect(child, &frmMdiChild::Ended, this, [this, child] {
+        if (bars_->Shown() == &child->Menu())
+            bars_->Show(&menu_);
+        area_->removeSubWindow(child);
+        ActiveWindowChanged();
+    });
+    connect(child, &QMdiSubWindow::windowStateChanged, this, [this] {
+        logic_->RefreshCaption();
+        ShowRightPage();
+        RefreshSessionBar();
+    });
+    area_->addSubWindow(child);
+    child->hide();
+    return child;
+}
+
+frmMdiChild* frmMdiParent::ActiveWindow() const
+{
+    auto* window = dynamic_cast<frmMdiChild*>(area_->currentSubWindow());
+    return window != nullptr && window->isVisible() && !window->IsClosing() ? window : nullptr;
+}
+
+SessionWindow* frmMdiParent::ActiveChild() const { return ActiveWindow(); }
+
+QList<frmMdiChild*> frmMdiParent::Windows() const
+{
+    QList<frmMdiChild*> windows;
+    for (const auto& session : application_.Sessions().All())
+        if (auto* window = dynamic_cast<frmMdiChild*>(session->frmSession()))
+            windows.append(window);
+    return windows;
+}
+
+void frmMdiParent::ActiveWindowChanged()
+{
+    frmMdiChild* window = ActiveWindow();
+    bars_->Show(window != nullptr ? &window->Menu() : &menu_);
+    logic_->RefreshCaption();
+    ShowRightPage();
+    RefreshSessionBar();
+}
+
+void frmMdiParent::UpdateNoActiveSession() { ActiveWindowChanged(); }
+
+void frmMdiParent::ShowRightPage()
+{
+    bool any = false;
+    for (const frmMdiChild* window : Windows())
+        any = any || !window->isHidden();
+    pages_->setCurrentWidget(any ? static_cast<QWidget*>(area_) : emptyPage_);
+}
+
+// Called for every change of a caption or icon; the tabs are filled once, at the end of the turn.
+void frmMdiParent::RefreshSessionBar()
+{
+    if (!barPending_)
+        QMetaObject::invokeMethod(this, &frmMdiParent::FillSessionBar, Qt::QueuedConnection);
+    barPending_ = true;
+}
+
+void frmMdiParent::FillSessionBar()
+{
+    barPending_ = false;
+    if (logic_->IsClosing())
+        return;
+    ShowRightPage();
+    QList<SessionBar::Tab> tabs;
+    for (const auto& session : application_.Sessions().All())
+        if (const auto* window = dynamic_cast<frmMdiChild*>(session->frmSession());
+            window != nullptr && !window->isHidden())
+            tabs.append({window->Handle(), window->Title(), session->FileName(), window->windowIcon()});
+    const frmMdiChild* active = ActiveWindow();
+    sessionBar_->SetTabs(tabs, active != nullptr ? active->Handle() : 0);
+    if (QWidget* bar = sessionBar_->parentWidget())
+        bar->setVisible(!tabs.isEmpty() && application_.Boolean(GlobalId::SessionBarVisible));
+}
+
+bool frmMdiParent::QueryUnloadChildren()
+{
+    const QList<QPointer<frmMdiChild>> windows = [this] {
+        QList<QPointer<frmMdiChild>> list;
+        for (frmMdiChild* window : Windows())
+            list.append(window);
+        return list;
+    }();
+    constexpr int mainWindowCloses = 4;
+    for (const QPointer<frmMdiChild>& window : windows) // a question runs the message loop: one may go meanwhile
+        if (window && !window->IsClosing() && !window->QueryUnload(mainWindowCloses))
+            return false;
+    return true;
+}
+
+void frmMdiParent::Arrange(int style)
+{
+    QList<frmMdiChild*> windows;
+    for (frmMdiChild* window : Windows())
+        if (window->isVisible() && window->State() != 1)
+            windows.append(window);
+    if (style == 0) {
+        for (frmMdiChild* window : windows)
+            window->showNormal();
+        area_->cascadeSubWindows();
+    } else {
+        Tile(windows, area_->viewport()->size(), style == 1);
+    }
+}
+
+// --- commands and bars
+
+void frmMdiParent::RunCommand(int id)
+{
+    MenuTool tool;
+    tool.key = id;
+    tool.action = u"[#%1]"_s.arg(id);
+    logic_->ToolClick({}, tool);
+}
+
+void frmMdiParent::ApplyBar(Bar bar, bool visible)
+{
+    struct BarBand
+    {
+        Bar bar;
+        const char16_t* band;
+    };
+    constexpr BarBand bands[] = {
+        {Bar::ToolBar, u"Toolbar"}, {Bar::StatusLine, u"StatusBar"}, {Bar::SessionBar, u"SessionBar"}};
+    for (const BarBand& row : bands)
+        if (row.bar == bar) {
+            const QString band = QString::fromUtf16(row.band);
+            menu_.SetBandVisible(band, visible);
+            for (const frmMdiChild* window : Windows())
+                window->Menu().SetBandVisible(band, visible);
+        }
+    RefreshSessionBar();
+}
+
+void frmMdiParent::ApplyLargeIcons(bool on)
+{
+    menu_.SetLargeIcons(on);
+    for (const frmMdiChild* window : Windows())
+        window->Menu().SetLargeIcons(on);
+}
+
+void frmMdiParent::ShowNotice(const QString& line)
+{
+    notice_->setText(line);
+    notice_->setToolTip(line);
+    notice_->show();
+    noticeTime_->start(kNoticeTime);
+}
+
+bool frmMdiParent::RenameTab(clsSession& session)
+{
+    const SessionWindow* window = session.frmSession();
+    if (window == nullptr)
+        return false;
+    const QRect tab = sessionBar_->TabPlace(window->Handle());
+    if (tab.isEmpty())
+        return false;
+    auto* frmRename = new QLineEdit(window->Title(), sessionBar_);
+    frmRename->setFrame(false);
+    frmRename->setGeometry(QRect(tab.topLeft(), QSize(qMax(tab.width(), 134), tab.height())));
+    frmRename->selectAll();
+    frmRename->show();
+    frmRename->setFocus();
+    connect(frmRename, &QLineEdit::returnPressed, this, [this, frmRename, tag = window->Tag()] {
+        const auto renamed = application_.Sessions().Find(tag);
+        if (renamed != nullptr && renamed->frmSession() != nullptr) {
+            renamed->frmSession()->ChangeCaption(frmRename->text());
+            RefreshSessionBar();
+            logic_->RefreshCaption();
+        }
+        frmRename->clearFocus();
+    });
+    connect(frmRename, &QLineEdit::editingFinished, frmRename, &QObject::deleteLater); // also when the focus goes
+    return true;
+}
+
+void frmMdiParent::ShowAbout()
+{
+    auto* box = new QMessageBox(QMessageBox::NoIcon, tr("About Kestrune"),
+                                tr("<h2>Kestrune 7</h2><p>Release %1</p><p>A terminal for MultiValue and Unix "
+                                   "hosts. Free software under the GNU General Public License, version 3 or "
+                                   "later.</p>")
+                                    .arg(application_.ProductRelease()),
+                                QMessageBox::Ok, this);
+    box->setIconPixmap(ProgramIcon().pixmap(64, 64));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void frmMdiParent::RecentFilesChanged()
+{
+    QStringList names;
+    for (int i = 1; i <= application_.RecentList().ListCount(); ++i)
+        names.append(application_.RecentList().ListItem(i));
+    emptyPage_->SetRecentFiles(application_.Menu().RecentFiles(), names);
+}
+
+// --- the window itself
+
+void frmMdiParent::TakeFocus() { activateWindow(); }
+
+bool frmMdiParent::ClipboardHasText() const
+{
+    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
+    return content != nullptr && content->hasText();
+}
+
+QStringList frmMdiParent::FontNames() const { return QFontDatabase::families(); }
+
+WindowPlace frmMdiParent::Place() const
+{
+    const int state = State();
+    if (state == 0)
+        return {x(), y(), width(), height(), state};
+    const QRect restored = normalGeometry();
+    return {restored.left(), restored.top(), restored.width(), restored.height(), state};
+}
+
+void frmMdiParent::Move(int left, int top, int width, int height)
+{
+    move(left, top);
+    resize(width, height);
+}
+
+void frmMdiParent::SetState(int state)
+{
+    constexpr Qt::WindowState states[] = {Qt::WindowNoState, Qt::WindowMinimized, Qt::WindowMaximized};
+    if (state >= 0 && state <= 2)
+        setWindowState((windowState() & Qt::WindowActive) | states[state]);
+}
+
+int frmMdiParent::State() const
+{
+    if (isMinimized())
+        return 1;
+    return isMaximized() ? 2 : 0;
+}
+
+void frmMdiParent::Activate()
+{
+    if (isMinimized())
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+}
+
+void frmMdiParent::RunEventsOnce() { QCoreApplication::processEvents(); }
+
+bool frmMdiParent::ChangeIcon(const QString& path)
+{
+    const QPixmap picture = path.isEmpty() ? QPixmap() : QPixmap(path);
+    setWindowIcon(picture.isNull() ? ProgramIcon() : QIcon(picture));
+    return !picture.isNull();
+}
+
+ScreenArea frmMdiParent::PrimaryScreen() const { return AreaOf(QGuiApplication::primaryScreen()->geometry()); }
+
+ScreenArea frmMdiParent::VirtualScreen() const { return AreaOf(QGuiApplication::primaryScreen()->virtualGeometry()); }
+
+bool frmMdiParent::IsForeground() const { return QApplication::activeWindow() != nullptr; }
+
+void frmMdiParent::SetTitleText(const QString& text) { setWindowTitle(text); }
+
+bool frmMdiParent::FocusIsOnFrame() const
+{
+    const QWidget* focus = QApplication::focusWidget();
+    return focus == nullptr || focus == this || focus == area_ || focus == area_->viewport();
+}
+
+bool frmMdiParent::FocusActiveChild()
+{
+    if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr)
+        return false;
+    if (SessionWindow* child = ActiveChild())
+        child->TakeFocus();
+    return true;
+}
+
+void frmMdiParent::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        logic_->Activated();
+    else if (event->type() == QEvent::WindowStateChange)
+        logic_->PlaceChanged();
+}
+
+void frmMdiParent::closeEvent(QCloseEvent* event)
+{
+    event->ignore(); // closing goes the way of the exit command; once it has begun, the window is only hidden
+    if (closeEnabled_)
+        logic_->CloseBox();
+}
+
+void frmMdiParent::moveEvent(QMoveEvent* event)
+{
+    QMainWindow::moveEvent(event);
+    logic_->PlaceChanged();
+}
+
+void frmMdiParent::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    logic_->PlaceChanged();
+}
+
+} // namespace kestrune
