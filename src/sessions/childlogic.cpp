@@ -106,8 +106,10 @@ void ChildLogic::RefreshMenu()
 {
     MenuTools& tools = window_.Tools();
     EmulatorSettings& settings = window_.Emulator().Settings();
-    if (std::exchange(menuDirty_, false))
+    if (std::exchange(menuDirty_, false)) {
         window_.Emulator().RefreshMenu();
+        events_->TellAgain();
+    }
     const auto enable = [&tools](int tool, bool on) { tools.SetToolProperty(tool, ToolProperty::Enabled, on); };
     enable(Tool::Paste, application_.Frame()->ClipboardHasText());
     enable(Tool::PrinterStatus, settings.Text(Setting("SlavePrinterName")) != NoPrinter);

@@ -59,6 +59,18 @@ TEST(ChildLogic, EmulatorEventsBecomeStatusTexts)
     EXPECT_EQ(bench.Property(1108, ToolProperty::ToolTipText).toString(), u"Keyboard unlocked"_s);
 }
 
+TEST(ChildLogic, StatusSurvivesAMenuThatIsLoadedAnew)
+{
+    ChildBench bench;
+    EXPECT_EQ(bench.window->tools.Caption(1101), u"VT220"_s);
+    bench.lines.Current().Connect();
+    bench.window->tools.SetToolProperty(1101, ToolProperty::Caption, u"Emulation"_s);
+    bench.window->tools.SetToolProperty(1102, ToolProperty::Caption, QString());
+    bench.session->ApplySessionMenu();
+    EXPECT_EQ(bench.window->tools.Caption(1101), u"VT220"_s);
+    EXPECT_EQ(bench.window->tools.Caption(1102), u"Connected"_s);
+}
+
 TEST(ChildLogic, TerminalTypesHaveNames)
 {
     ChildBench bench;
