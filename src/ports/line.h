@@ -125,7 +125,7 @@ public:
 class Line
 {
 public:
-    static constexpr qsizetype MaxUnsent = 8 * 1024 * 1024;
+    static constexpr qsizetype MaxUnsent = qsizetype{8} * 1024 * 1024;
 
     virtual ~Line() = default; // closes without notices
     virtual void Open() = 0;   // once; the outcome comes through the listener. Another connection: another line

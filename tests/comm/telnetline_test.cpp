@@ -262,7 +262,7 @@ TEST(TelnetLine, BoundsWhatAHostThatReadsNothingLeavesUnsent)
     LineRig rig(options);
     ASSERT_TRUE(host.Takes(rig));
     host.Caller().setReadBufferSize(1);
-    const QByteArray block(1024 * 1024, 'x');
+    const QByteArray block(1'000'000, 'x');
     for (int i = 0; i < 40; ++i)
         rig.Type(block);
     EXPECT_LE(rig.line->Unsent(), Line::MaxUnsent);

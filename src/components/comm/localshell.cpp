@@ -17,12 +17,12 @@ namespace kestrune::comm {
 namespace {
 
 // One wake-up takes so much at most, by amount or time; the window is drawn between wake-ups.
-constexpr qsizetype WakeUpBytes = 256 * 1024;
+constexpr qsizetype WakeUpBytes = qsizetype{256} * 1024;
 constexpr qint64 WakeUpNanoseconds = 3'000'000;
-constexpr std::size_t PieceBytes = 64 * 1024;
+constexpr std::size_t PieceBytes = std::size_t{64} * 1024;
 // Once the program has ended the system holds at most some 64 KiB of its output. What comes beyond this amount
 // is a background process's that has kept the terminal, and is not waited for.
-constexpr qsizetype AfterEndBytes = 1024 * 1024;
+constexpr qsizetype AfterEndBytes = qsizetype{1024} * 1024;
 constexpr Clock::Duration QuietAfterEnd{50};
 // Nobody had the terminal open, yet the program runs: it may open it again.
 constexpr Clock::Duration ReopenTime{100};
@@ -58,7 +58,9 @@ std::vector<std::string> ChildEnvironment(const QString& terminalName)
 void UseLoginShell(ProgramStart& start)
 {
     start.file = LoginShell();
-    start.arguments = {"-" + start.file.substr(start.file.rfind('/') + 1)};
+    std::string name(1, '-'); // argument 0 of a login shell
+    name.append(start.file, start.file.rfind('/') + 1);
+    start.arguments = {name};
     start.workingFolder = QFile::encodeName(QDir::homePath()).toStdString();
 }
 

@@ -48,7 +48,7 @@ constexpr char EnvUserVar = 3;
 // The longest honest sub-negotiation, a list of environment names, has some hundred bytes.
 constexpr std::size_t MaxSub = 1024;
 // One without an end would swallow the session; after this much it is given up and text shows again.
-constexpr std::size_t AbandonSub = 65536;
+constexpr std::size_t AbandonSub = std::size_t{64} * 1024;
 
 bool Always(const TelnetSettings&) { return true; }
 bool Never(const TelnetSettings&) { return false; }

@@ -17,8 +17,8 @@ namespace {
 constexpr int DefaultConnectTimeout = 30; // seconds
 // What the socket may hold unread, and so what one wake-up takes at most: the engine parses it in about 3 ms,
 // and the window is drawn between wake-ups.
-constexpr qint64 ReadAhead = 256 * 1024;
-constexpr qint64 ReadPiece = 64 * 1024;
+constexpr qint64 ReadAhead = qint64{256} * 1024;
+constexpr qint64 ReadPiece = qint64{64} * 1024;
 
 // What a host that does not know a terminal's own name is told next: each of these types can do what those
 // after it can.
