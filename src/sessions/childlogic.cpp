@@ -193,10 +193,10 @@ bool ChildLogic::CloseQuery(UnloadMode mode)
     if (session->Busy()) {
         application_.Ask().Beep();
     } else {
-        const int prompt = mode == UnloadMode::MainWindow    ? application_.PendingPrompt()
-                           : mode == UnloadMode::TaskManager ? int(TerminatePrompt::None)
-                                                             : TerminatePrompt::UnsavedChanges |
-                                                                   TerminatePrompt::LiveConnection;
+        const int prompt = mode == UnloadMode::MainWindow ? application_.PendingPrompt()
+                           : mode == UnloadMode::TaskManager
+                               ? int(TerminatePrompt::None)
+                               : TerminatePrompt::UnsavedChanges | TerminatePrompt::LiveConnection;
         ReportFailure(application_, [&] { mayClose = session->QueryTerminate(prompt); });
     }
     if (!mayClose) {

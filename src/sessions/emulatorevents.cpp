@@ -116,9 +116,8 @@ void EmulatorEvents::ConnectStatus(ctlEmulator& emulator)
         SetCaption(Tool::PrinterStatus, state < 0 ? tr("Off") : state == 0 ? tr("Idle") : tr("On"));
         Tell(Tool::PrinterOn, ToolProperty::Checked, state == 1);
     });
-    connect(&emulator, &ctlEmulator::CaptureChange, this, [this](int state) {
-        SetCaption(Tool::CaptureStatus, state != 0 ? tr("Capture On") : tr("Capture Off"));
-    });
+    connect(&emulator, &ctlEmulator::CaptureChange, this,
+            [this](int state) { SetCaption(Tool::CaptureStatus, state != 0 ? tr("Capture On") : tr("Capture Off")); });
     connect(&emulator, &ctlEmulator::ScreenSizeChange, this, [this](int cols, int rows, int pages, bool extended) {
         SetCaption(Tool::ScreenSize, CommaText({cols, rows, pages}));
         Tell(Tool::ScreenMode, ToolProperty::Checked, extended);
@@ -128,8 +127,7 @@ void EmulatorEvents::ConnectStatus(ctlEmulator& emulator)
     });
     connect(&emulator, &ctlEmulator::KeyboardLock, this, [this](bool locked) {
         Tell(Tool::KeyboardLock, ToolProperty::Checked, locked);
-        Tell(Tool::KeyboardLock, ToolProperty::ToolTipText,
-             locked ? tr("Keyboard locked") : tr("Keyboard unlocked"));
+        Tell(Tool::KeyboardLock, ToolProperty::ToolTipText, locked ? tr("Keyboard locked") : tr("Keyboard unlocked"));
     });
 }
 
@@ -212,8 +210,10 @@ void EmulatorEvents::CommError(quint32& word, const QString& description, bool f
         return;
     const quint32 number = word & ErrorNumberMask;
     word = 0; // dealt with below
-    const bool saidByDisconnect = session->AutoClose() || IsNetworkDevice(session->Settings().Integer(Setting("Device")));
-    if (saidByDisconnect && std::find(ErrorsOfDisconnect.begin(), ErrorsOfDisconnect.end(), number) != ErrorsOfDisconnect.end())
+    const bool saidByDisconnect =
+        session->AutoClose() || IsNetworkDevice(session->Settings().Integer(Setting("Device")));
+    if (saidByDisconnect &&
+        std::find(ErrorsOfDisconnect.begin(), ErrorsOfDisconnect.end(), number) != ErrorsOfDisconnect.end())
         return;
     if (number != 0 && (fatal || session->ShowErrs()))
         SayLoss(description, session->ShowErrs() || number >= FirstGeneralError);

@@ -21,7 +21,7 @@ class EmulatorEvents : public QObject
 public:
     // Listens to the window's emulator from now on. Both outlive it.
     EmulatorEvents(ApplicationPort& application, SessionWindow& window);
-    void Stop(); // nothing is handled any more
+    void Stop();      // nothing is handled any more
     void TellAgain(); // puts every status into the window's tools again, which have been loaded anew
 
 private:
@@ -41,8 +41,8 @@ private:
     ApplicationPort& application_;
     SessionWindow& window_;
     std::map<std::pair<int, ToolProperty>, QVariant> told_; // events say a status only when it changes
-    quint32 lastError_ = 0;  // error word of the last CommError; 0: none
-    bool lossTold_ = false; // the user has been told why this connection is gone
+    quint32 lastError_ = 0;                                 // error word of the last CommError; 0: none
+    bool lossTold_ = false;                                 // the user has been told why this connection is gone
 };
 
 } // namespace kestrune
