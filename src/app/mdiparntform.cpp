@@ -52,12 +52,7 @@ void Tile(const QList<frmMdiChild*>& windows, QSize room, bool stacked)
 frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     : application_(application), parts_(std::move(parts)),
       logic_(std::make_unique<MdiParent>(application, *this, parts_.shutDown)), bars_(new MenuBarView(*this)),
-<<<<<<< HEAD
-      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new SessionArea), sessionBar_(new SessionBar),
-      notice_(new QLabel), noticeTime_(new QTimer(this))
-=======
-      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new QMdiArea), sessionBar_(new SessionBar)
->>>>>>> shell
+      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new SessionArea), sessionBar_(new SessionBar)
 {
     setWindowIcon(ProgramIcon());
     setContextMenuPolicy(Qt::NoContextMenu);
