@@ -7,8 +7,7 @@
 
 #include <dispatch/failure.h>
 
-#include <QMap>
-
+#include <map>
 #include <set>
 #include <utility>
 #include <vector>
@@ -83,20 +82,21 @@ private:
 class MemoryKeyFiles : public KeyFiles
 {
 public:
-    using Sections = QMap<QString, MemoryKeyFile>;
+    using Sections = std::map<QString, MemoryKeyFile>;
 
     void Read(const QString& path, const QString& section, const std::function<void(const KeyFile&)>& use) override
     {
-        if (!files.contains(path))
+        const auto file = files.find(path);
+        if (file == files.end())
             throw Failure(ErrorNumber::FileNotFound, QStringLiteral("Cannot find ") + path);
-        use(files.value(path).value(section));
+        use(file->second[section]);
     }
 
     void Change(const QString& path, const QString& section, const std::function<void(KeyFile&)>& use) override
     {
         const bool outermost = open_.insert(path).second;
-        const Sections before = files.value(path);
         const bool existed = files.contains(path);
+        const Sections before = existed ? files[path] : Sections();
         try {
             if (readOnly.contains(path))
                 throw Failure(ErrorNumber::PathAccess, path + QStringLiteral(" is read-only"));
@@ -104,7 +104,9 @@ public:
         } catch (...) {
             if (outermost) {
                 open_.erase(path);
-                existed ? void(files.insert(path, before)) : void(files.remove(path));
+                files[path] = before;
+                if (!existed)
+                    files.erase(path);
             }
             throw;
         }
@@ -119,7 +121,7 @@ public:
         return files[path][section];
     }
 
-    QMap<QString, Sections> files;
+    std::map<QString, Sections> files;
     std::set<QString> readOnly;
     int writes = 0; // files put in place
 

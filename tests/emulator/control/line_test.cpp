@@ -1,7 +1,7 @@
 // The control and its line: opening, ending, typing, pasting.
 
-#include <dispatch/failure.h>
 #include <fakes/emulatorbench.h>
+#include <fakes/failures.h>
 
 #include <gtest/gtest.h>
 
@@ -26,17 +26,6 @@ struct LineDiary : QStringList
         QObject::connect(&control, &ctlEmulator::Disconnect, [this] { *this << u"disconnect"_s; });
     }
 };
-
-int FailureNumber(auto run)
-{
-    try {
-        run();
-    } catch (const Failure& failure) {
-        EXPECT_FALSE(failure.Text().isEmpty());
-        return int(failure.Number());
-    }
-    return 0;
-}
 
 TEST(EmulatorLine, OpensWhatTheSettingsDescribe)
 {
@@ -132,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(All, EmulatorLineEnd,
                                                 },
                                                 {u"status 0"_s, u"status 0 Disconnected"_s},
                                                 u"[Disconnected]"_s}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& test) { return test.param.name; });
 
 TEST(EmulatorLine, ADeviceThatIsNotThereIsAnErrorInWords)
 {
@@ -142,7 +131,7 @@ TEST(EmulatorLine, ADeviceThatIsNotThereIsAnErrorInWords)
     bench.control.SetOnLine(true);
     EXPECT_TRUE(diary.isEmpty()) << "nothing is told from inside the call";
     bench.clock.RunPosted();
-    EXPECT_EQ(diary.value(0), u"error 5271e The Device 5 connection has not been implemented at this time. 1"_s);
+    EXPECT_EQ(diary.value(0), u"error 52726 The Device 5 connection has not been implemented at this time. 1"_s);
     EXPECT_EQ(diary.value(2), u"disconnect"_s);
     EXPECT_TRUE(bench.RowText(0).startsWith(u"[The Device 5 connection"_s));
 }
@@ -232,7 +221,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Typing{"ControlC", "", 0, {emu::Key::Text, emu::Modifier::Control, "c"}, "\x03", {}},
                     Typing{"BackspaceAsDel", "BkspSendsDel", -1, {emu::Key::Backspace, 0, {}}, "\x7f", {}},
                     Typing{"AppCursor", "AnsiAppCursor", -1, {emu::Key::Up, 0, {}}, "\x1bOA", {}}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& test) { return test.param.name; });
 
 TEST(EmulatorLine, AHostThatNeverOffersEchoIsEchoedHere)
 {
@@ -341,7 +330,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PasteCase{"ControlCharacter", u"a\x1b[201~b"_s, Cause::User, true, u"a␛[201~b"_s},
                     PasteCase{"ManyLines", u"x\n"_s.repeated(40), Cause::User, true, u"... and 32 more"_s},
                     PasteCase{"ByAScript", u"a\nb\n"_s, Cause::Script, false, {}}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& test) { return test.param.name; });
 
 TEST(EmulatorLine, ALongPasteKeepsThePaceOfTheLineAndCanBeStopped)
 {

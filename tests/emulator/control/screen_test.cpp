@@ -1,7 +1,7 @@
 // The control and its screen: text, selection, history, events, settings that take effect live.
 
-#include <dispatch/failure.h>
 #include <fakes/emulatorbench.h>
+#include <fakes/failures.h>
 
 #include <gtest/gtest.h>
 
@@ -12,17 +12,6 @@ namespace kestrune {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-int FailureNumber(auto run)
-{
-    try {
-        run();
-    } catch (const Failure& failure) {
-        EXPECT_FALSE(failure.Text().isEmpty());
-        return int(failure.Number());
-    }
-    return 0;
-}
 
 TEST(EmulatorScreen, TextIsReadAndWrittenByPlace)
 {
@@ -93,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(All, EmulatorSelection,
                                          SelectionCase{"WideOnce", {0, 3, 9, 3, false}, u"中文 x"_s},
                                          SelectionCase{"BlockKeepsRows", {2, 1, 3, 2, true}, u"cd\nm"_s},
                                          SelectionCase{"FromTheHistory", {2, -1, 3, 0, false}, u"ne\nleft"_s}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& test) { return test.param.name; });
 
 TEST(EmulatorScreen, SelectionStaysOnItsTextAndGoesWithIt)
 {

@@ -1,7 +1,5 @@
-#include <dispatch/failure.h>
 #include <emulator/control/emulatorsettings.h>
-#include <fakes/fakeclipboard.h>
-#include <fakes/fakeline.h>
+#include <fakes/failures.h>
 #include <fakes/memorykeyfile.h>
 
 #include <gtest/gtest.h>
@@ -52,17 +50,6 @@ void ExpectSame(const EmulatorSettings& a, const EmulatorSettings& b)
         EXPECT_EQ(a.Palette(i), b.Palette(i)) << i;
     for (int i = 0; i < AttributeCount; ++i)
         EXPECT_EQ(a.Colors(i), b.Colors(i)) << i;
-}
-
-int FailureNumber(auto run)
-{
-    try {
-        run();
-    } catch (const Failure& failure) {
-        EXPECT_FALSE(failure.Text().isEmpty());
-        return int(failure.Number());
-    }
-    return 0;
 }
 
 TEST(Settings, SavedAndLoadedEverythingComesBack)

@@ -38,6 +38,10 @@ public:
     void SetOptions(const TerminalOptions& options);
     void SelectPersonality(const Personality& personality);
     void HardReset(); // RIS
+    void PutText(Position at, std::string_view utf8, const Style& style);
+    void EraseArea(Position from, Position to, const Style& style);
+    void MoveCursor(Position to);
+    void PrintNotice(std::string_view utf8);
     ModesView View() const;
     uint32_t PaletteOverride(int index) const;
 

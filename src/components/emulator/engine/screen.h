@@ -119,6 +119,13 @@ public:
     void ClearPage(); // blank and home, in the pen's background
     void HardReset();
     void SoftReset();
+
+    // --- from a program on this side; all places lie inside the screen
+    void PlaceText(Position at, std::u32string_view points, const Style& style); // stops at the end of the row
+    void PlaceBlanks(Position from, Position to, const Style& style);            // both corners in it
+    void PlaceCursor(Position to);
+    bool IsBlankRow(int row) const;
+
     void SetWrapStyle(WrapStyle style) { wrapStyle_ = style; }
     void SetWatcher(LineWatcher* watcher) { watcher_ = watcher; }
 

@@ -31,6 +31,14 @@ void Terminal::SelectPersonality(const Personality& personality) { impl_->machin
 void Terminal::Reset() { impl_->machine.HardReset(); }
 void Terminal::ClearHistory() { impl_->machine.Display().EraseHistory(); }
 
+void Terminal::PutText(Position at, std::string_view utf8, const Style& style)
+{
+    impl_->machine.PutText(at, utf8, style);
+}
+void Terminal::EraseArea(Position from, Position to, const Style& style) { impl_->machine.EraseArea(from, to, style); }
+void Terminal::MoveCursor(Position to) { impl_->machine.MoveCursor(to); }
+void Terminal::PrintNotice(std::string_view utf8) { impl_->machine.PrintNotice(utf8); }
+
 Size Terminal::ScreenSize() const { return impl_->machine.Display().Extent(); }
 
 Position Terminal::Cursor() const
