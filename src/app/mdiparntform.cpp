@@ -14,7 +14,6 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QFontDatabase>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMessageBox>
@@ -22,7 +21,6 @@
 #include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
-#include <QTimer>
 #include <QToolBar>
 
 namespace kestrune {
@@ -53,8 +51,7 @@ void Tile(const QList<frmMdiChild*>& windows, QSize room, bool stacked)
 frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     : application_(application), parts_(std::move(parts)),
       logic_(std::make_unique<MdiParent>(application, *this, parts_.shutDown)), bars_(new MenuBarView(*this)),
-      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new QMdiArea), sessionBar_(new SessionBar),
-      notice_(new QLabel), noticeTime_(new QTimer(this))
+      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new QMdiArea), sessionBar_(new SessionBar)
 {
     setWindowIcon(ProgramIcon());
     setContextMenuPolicy(Qt::NoContextMenu);
@@ -66,14 +63,6 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     pages_->addWidget(area_);
     setCentralWidget(pages_);
     BuildSessionBar();
-
-    // A notice takes room of its own in the status line, so that the panels beside it go on being read.
-    notice_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    notice_->setTextFormat(Qt::PlainText);
-    notice_->hide();
-    statusBar()->insertWidget(0, notice_, 4);
-    noticeTime_->setSingleShot(true);
-    connect(noticeTime_, &QTimer::timeout, notice_, &QLabel::hide);
 
     connect(area_, &QMdiArea::subWindowActivated, this, &frmMdiParent::ActiveWindowChanged);
     connect(emptyPage_, &EmptyPage::CommandWanted, this, &frmMdiParent::RunCommand);
@@ -101,7 +90,7 @@ void frmMdiParent::BuildSessionBar()
     bar->setObjectName(u"SessionBar"_s);
     bar->setMovable(false);
     bar->setContextMenuPolicy(Qt::PreventContextMenu);
-    bar->setContentsMargins(0, 0, 0, 0);
+    bar->setStyleSheet(u"QToolBar { border: none; padding: 0; margin: 0; spacing: 0; }"_s);
     sessionBar_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     bar->addWidget(sessionBar_);
     bar->hide();
@@ -293,10 +282,7 @@ void frmMdiParent::ApplyLargeIcons(bool on)
 
 void frmMdiParent::ShowNotice(const QString& line)
 {
-    notice_->setText(line);
-    notice_->setToolTip(line);
-    notice_->show();
-    noticeTime_->start(kNoticeTime);
+    statusBar()->showMessage(line, static_cast<int>(std::chrono::milliseconds(kNoticeTime).count()));
 }
 
 bool frmMdiParent::RenameTab(clsSession& session)

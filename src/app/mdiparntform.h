@@ -12,10 +12,8 @@
 #include <functional>
 #include <memory>
 
-class QLabel;
 class QMdiArea;
 class QStackedWidget;
-class QTimer;
 
 namespace kestrune {
 
@@ -109,8 +107,6 @@ private:
     EmptyPage* emptyPage_;
     QMdiArea* area_;
     SessionBar* sessionBar_;
-    QLabel* notice_;
-    QTimer* noticeTime_;
     bool closeEnabled_ = true;
     bool barPending_ = false; // the tabs are filled again at the end of the turn
 };

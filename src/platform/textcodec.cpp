@@ -68,20 +68,21 @@ int Utf8Sequence(QByteArrayView bytes, qsizetype at)
     return length;
 }
 
-// A sequence cut off by the end of the file does no harm when others before it were whole.
-bool LooksLikeUtf8(QByteArrayView bytes)
+// Sequences of more than one byte in well-formed UTF-8; -1 when it is not that. One cut off by the end of the file
+// does no harm when others before it were whole.
+qsizetype LongSequences(QByteArrayView bytes)
 {
-    qsizetype longOnes = 0;
+    qsizetype count = 0;
     for (qsizetype at = 0; at < bytes.size();) {
         const int length = Utf8Sequence(bytes, at);
-        if (length == 0)
-            return false;
-        if (length < 0)
-            return longOnes > 0;
-        longOnes += length > 1 ? 1 : 0;
+        if (length < 0 && count > 0)
+            return count;
+        if (length <= 0)
+            return -1;
+        count += length > 1 ? 1 : 0;
         at += length;
     }
-    return longOnes > 0;
+    return count;
 }
 
 // UTF-16 without a mark gives itself away by the zero halves of its line ends, blanks and Latin letters. They are
@@ -105,8 +106,7 @@ bool LooksLikeUtf16(QByteArrayView bytes, bool littleEndian)
         latin += high == 0 ? 1 : 0;
     }
     const qsizetype units = bytes.size() / 2;
-    const bool sevenBit = std::ranges::all_of(bytes, [](char c) { return c >= 0; }); // plain text with a stray NUL
-    return !highBefore && latin > 0 && (latin * 3 >= units || (!sevenBit && !LooksLikeUtf8(bytes)));
+    return !highBefore && latin > 0 && (latin * 3 >= units || LongSequences(bytes) < 0);
 }
 
 bool IsAscii(QByteArrayView bytes)
@@ -135,7 +135,7 @@ TextEncoding DetectEncoding(QByteArrayView content)
         if (LooksLikeUtf16(content, false))
             return TextEncoding::Utf16Be;
     }
-    return LooksLikeUtf8(content) ? TextEncoding::Utf8 : TextEncoding::Ansi;
+    return LongSequences(content) > 0 ? TextEncoding::Utf8 : TextEncoding::Ansi;
 }
 
 QString DecodeText(QByteArrayView content, TextEncoding encoding)

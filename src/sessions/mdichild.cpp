@@ -31,6 +31,8 @@ int StateNumber(Qt::WindowStates states)
     return states & Qt::WindowMaximized ? WindowMaximised : WindowNormal;
 }
 
+constexpr int TabKeyCode = 9, ControlKeyCode = 17; // the platform's numbers
+
 struct PlatformKey
 {
     int key = 0;   // the platform's code
@@ -41,9 +43,9 @@ PlatformKey FromKeyEvent(const QKeyEvent& event)
 {
     PlatformKey key;
     if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab)
-        key.key = 9;
+        key.key = TabKeyCode;
     else if (event.key() == Qt::Key_Control)
-        key.key = 17;
+        key.key = ControlKeyCode;
     const Qt::KeyboardModifiers modifiers = event.modifiers();
     key.shift = (modifiers & Qt::ShiftModifier ? 1 : 0) | (modifiers & Qt::ControlModifier ? 2 : 0) |
                 (modifiers & Qt::AltModifier ? 4 : 0);
@@ -68,6 +70,8 @@ frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulat
 
 frmMdiChild::~frmMdiChild()
 {
+    disconnect(this, nullptr, this, nullptr); // the base class still reports states while it goes
+    view_->removeEventFilter(this);
     logic_.reset();
     delete view_;
 }
@@ -226,7 +230,13 @@ bool frmMdiChild::event(QEvent* event)
 bool frmMdiChild::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == view_ && !unloaded_) {
-        if (event->type() == QEvent::KeyPress) {
+        if (event->type() == QEvent::ShortcutOverride) {
+            // The area of windows has a walk of its own on Ctrl+Tab: the key is to come here instead.
+            if (FromKeyEvent(*static_cast<QKeyEvent*>(event)).key == TabKeyCode) {
+                event->accept();
+                return true;
+            }
+        } else if (event->type() == QEvent::KeyPress) {
             const PlatformKey key = FromKeyEvent(*static_cast<QKeyEvent*>(event));
             if (key.key != 0 && logic_->KeyDown(key.key, key.shift))
                 return true;

@@ -19,6 +19,8 @@ using Qt::StringLiterals::operator""_s;
 
 namespace {
 
+constexpr int kMessageTime = 10'000; // milliseconds
+
 // The actions made of one model's tools, in whatever menus and bars they stand.
 class ToolActions : public QObject
 {
@@ -212,9 +214,14 @@ private:
             if (!tool.widest.isEmpty())
                 label->setMinimumWidth(label->fontMetrics().horizontalAdvance(tool.widest) + 12);
             panels_.push_back({label, tool.key});
-            line->addPermanentWidget(label, tool.spring ? 1 : 0);
+            if (tool.image.isEmpty())
+                line->addWidget(label, tool.spring ? 1 : 0);
+            else
+                line->addPermanentWidget(label); // stays beside a message
             RefreshPanel(*label, tool);
         }
+        if (!line->currentMessage().isEmpty())
+            line->showMessage(line->currentMessage(), kMessageTime); // the new panels give way to it as well
     }
 
     void RefreshPanels(int key)
@@ -224,7 +231,7 @@ private:
                 RefreshPanel(*panel.label, *tool);
     }
 
-    static void RefreshPanel(QLabel& label, const MenuTool& tool)
+    void RefreshPanel(QLabel& label, const MenuTool& tool) const
     {
         if (tool.image.isEmpty()) {
             label.setText(tool.caption);
@@ -234,7 +241,9 @@ private:
             label.setAccessibleName(tool.toolTipText);
         }
         label.setEnabled(tool.enabled);
-        label.setVisible(tool.visible);
+        // The status line itself hides its panels while it shows a message, and brings them back.
+        if (!tool.visible || window_.statusBar()->currentMessage().isEmpty())
+            label.setVisible(tool.visible);
         label.setToolTip(tool.toolTipText);
     }
 

@@ -1,8 +1,11 @@
 #include <menubar/sessionbar.h>
 
+#include <menubar/icons.h>
+
 #include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
+#include <QToolButton>
 
 namespace kestrune {
 
@@ -11,7 +14,6 @@ SessionBar::SessionBar(QWidget* parent) : QTabBar(parent)
     setDocumentMode(true);
     setDrawBase(false);
     setExpanding(false);
-    setTabsClosable(true);
     setElideMode(Qt::ElideMiddle);
     setUsesScrollButtons(true);
     setFocusPolicy(Qt::NoFocus); // the keyboard stays with the session
@@ -20,7 +22,6 @@ SessionBar::SessionBar(QWidget* parent) : QTabBar(parent)
         if (!filling_ && HandleAt(index) != 0)
             emit TabChosen(HandleAt(index));
     });
-    connect(this, &QTabBar::tabCloseRequested, this, [this](int index) { emit SessionTabClose(HandleAt(index)); });
 }
 
 void SessionBar::SetTabs(const QList<Tab>& tabs, quintptr active)
@@ -33,7 +34,7 @@ void SessionBar::SetTabs(const QList<Tab>& tabs, quintptr active)
         // In a caption an ampersand would be an access key.
         const QString text = QString(tab.caption).replace(QLatin1Char('&'), QLatin1String("&&"));
         if (i >= count())
-            addTab(text);
+            AddCloseMark(addTab(text));
         else if (tabText(i) != text)
             setTabText(i, text);
         setTabData(i, static_cast<qulonglong>(tab.handle));
@@ -42,6 +43,23 @@ void SessionBar::SetTabs(const QList<Tab>& tabs, quintptr active)
         if (tab.handle == active)
             setCurrentIndex(i);
     }
+}
+
+// The mark that the style draws shouts; this one is as quiet as the other pictures.
+void SessionBar::AddCloseMark(int index)
+{
+    auto* mark = new QToolButton(this);
+    mark->setIcon(LineIcon(QStringLiteral("close")));
+    mark->setIconSize(QSize(12, 12));
+    mark->setAutoRaise(true);
+    mark->setFocusPolicy(Qt::NoFocus);
+    mark->setToolTip(tr("Close session"));
+    connect(mark, &QToolButton::clicked, this, [this, mark] {
+        for (int i = 0; i < count(); ++i)
+            if (tabButton(i, QTabBar::RightSide) == mark)
+                emit SessionTabClose(HandleAt(i));
+    });
+    setTabButton(index, QTabBar::RightSide, mark);
 }
 
 quintptr SessionBar::HandleAt(int index) const { return static_cast<quintptr>(tabData(index).toULongLong()); }

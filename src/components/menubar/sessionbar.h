@@ -34,6 +34,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
+    void AddCloseMark(int index);
+
     bool filling_ = false;
 };
 
