@@ -21,7 +21,7 @@ constexpr std::u16string_view kWindows1252 = u"€␦‚ƒ„…†‡ˆ‰Š‹
 static_assert(kCp437.size() == 128 && kCp850.size() == 128 && kWindows1252.size() == 128);
 
 constexpr std::u16string_view kControlPictures = // what a PC's ROM draws for 0x01 to 0x1F
-    u"\0☺☻♥♦♣♠•◘○◙♂♀♪♫☼►◄↕‼¶§▬↨↑↓→←∟↔▲▼";
+    u"☺☻♥♦♣♠•◘○◙♂♀♪♫☼►◄↕‼¶§▬↨↑↓→←∟↔▲▼";
 
 constexpr Glyphs AsciiGlyphs()
 {
@@ -102,6 +102,8 @@ constexpr std::array kSets = {
     CharacterSet{"K", Set94, Dialect::Linux, AsciiGlyphs()}, // user map: nobody loads one here
 };
 
+static_assert(kControlPictures.size() == 31);
+
 consteval bool Distinct()
 {
     for (size_t i = 0; i < kSets.size(); ++i)
@@ -153,8 +155,8 @@ char32_t HostPoint(HostCharset charset, uint8_t byte)
 
 char32_t RomGlyph(uint8_t byte)
 {
-    if (byte < kControlPictures.size() && byte != 0)
-        return kControlPictures[byte];
+    if (byte != 0 && byte <= kControlPictures.size())
+        return kControlPictures[byte - 1u];
     return byte == 0x7F ? U'\u2302' : HostPoint(HostCharset::Cp437, byte);
 }
 

@@ -50,6 +50,12 @@ constexpr CharacterRow kCharacters[] = {
     {0x0F, "SI", [](Machine& m) { m.LockingShift(0); }},
 };
 
+void Identify(Machine& m)
+{
+    const bool loweredToVt100 = m.Level() == 1 && m.Type().level > 1;
+    m.ReplyControl(loweredToVt100 ? "?1;2c" : m.Type().primaryAttributes);
+}
+
 void KeypadMode(Machine& m, bool on) { m.Switches().Set(Mode::NumericKeypad, on); }
 
 void LeaveVt52(Machine& m)
@@ -73,7 +79,7 @@ constexpr EscapeRow kEscapes[] = {
     {"E", "NEL", Common, NextLine},
     {"H", "HTS", Common, [](Machine& m) { m.Display().SetTab(); }},
     {"M", "RI", Common, [](Machine& m) { m.Display().ReverseIndex(); }},
-    {"Z", "DECID", Common, [](Machine& m) { m.ReplyControl(m.Type().primaryAttributes); }},
+    {"Z", "DECID", Common, Identify},
     {"c", "RIS", Common, [](Machine& m) { m.HardReset(); }},
     {"N", "SS2", Vt220, [](Machine& m) { m.SingleShift(2); }},
     {"O", "SS3", Vt220, [](Machine& m) { m.SingleShift(3); }},
@@ -183,13 +189,13 @@ void TerminalParameters(Machine& m, const ControlSequence& s)
 
 void PrimaryAttributes(Machine& m, const ControlSequence& s)
 {
-    if (s.params.At(0) == 0 && !m.Type().primaryAttributes.empty())
-        m.ReplyControl(m.Type().primaryAttributes);
+    if (s.params.At(0) == 0)
+        Identify(m);
 }
 
 void SecondaryAttributes(Machine& m, const ControlSequence& s)
 {
-    if (s.params.At(0) == 0 && !m.Type().secondaryAttributes.empty())
+    if (s.params.At(0) == 0)
         m.ReplyControl(m.Type().secondaryAttributes);
 }
 

@@ -299,6 +299,27 @@ void History::DropNewest()
         look.serial = kNone;
 }
 
+void History::VisitStyles(const std::function<void(const Style&)>& visit) const
+{
+    for (const Block& block : blocks_) {
+        std::vector<bool> seen(block.styles.size(), false);
+        for (size_t line = size_t(std::max(first_, block.first) - block.first); line < block.offsets.size(); ++line) {
+            const uint8_t* from = block.bytes.get() + block.offsets[line];
+            Head head;
+            std::memcpy(&head, from, sizeof head);
+            from += sizeof head + size_t(head.characters) * head.unit;
+            for (int i = 0; i < head.runs; ++i, from += sizeof(Run)) {
+                Run run;
+                std::memcpy(&run, from, sizeof run);
+                seen[run.style] = true;
+            }
+        }
+        for (size_t id = 1; id < seen.size(); ++id)
+            if (seen[id])
+                visit(block.styles[id]);
+    }
+}
+
 size_t History::Bytes() const
 {
     size_t bytes = 0;

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <span>
 #include <unordered_map>
@@ -51,13 +52,8 @@ public:
             if (look.serial != kNone)
                 visit(look.row);
     }
-    template <typename Visit>
-    void VisitStyles(Visit&& visit) const
-    {
-        for (const Block& block : blocks_)
-            for (const Style& style : block.styles)
-                visit(style);
-    }
+    // The styles that lines still kept were written in, once or more each.
+    void VisitStyles(const std::function<void(const Style&)>& visit) const;
     void ForgetNumbers(); // style and cluster numbers were given up by a sweep
     size_t Bytes() const; // memory in use, for measuring
 

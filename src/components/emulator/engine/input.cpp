@@ -161,8 +161,10 @@ bool IsReported(const Modes& modes, const MouseAction& action)
 std::u32string WithoutPasteMarks(std::u32string text)
 {
     for (const std::u32string_view mark : {std::u32string_view(U"\x1b[201~"), std::u32string_view(U"\u009b201~")})
-        for (size_t at = text.find(mark); at != text.npos; at = text.find(mark, at))
+        for (size_t at = text.find(mark); at != text.npos;) {
             text.erase(at, mark.size());
+            at = text.find(mark, at - std::min(at, mark.size())); // one may have closed up round another
+        }
     return text;
 }
 

@@ -45,6 +45,7 @@ public:
     uint32_t Intern(std::u32string_view points); // with Cell::ClusterBit, or Full
     std::u32string_view At(uint32_t text) const;
     size_t Size() const { return texts_.size(); }
+    size_t Live() const { return texts_.size() - free_.size(); }
     void Keep(const std::vector<bool>& inUse);
 
 private:
@@ -62,6 +63,7 @@ public:
     // Cells with the same target and the same id given by the host are one link. 0: none to be had.
     uint16_t Intern(std::string_view target, std::string_view hostId);
     std::string_view At(uint16_t link) const; // empty for 0
+    size_t Live() const { return targets_.size() - free_.size(); }
     bool IsFull() const { return free_.empty() && targets_.size() >= Max; }
     void Keep(const std::vector<bool>& inUse); // sized Max + 1, by link
 

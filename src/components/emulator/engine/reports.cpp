@@ -77,10 +77,10 @@ void Machine::Reply(std::string_view sevenBit)
 void Machine::ReplyControl(std::string_view afterCsi)
 {
     if (!afterCsi.empty())
-        Reply("\x1b[" + std::string(afterCsi));
+        Reply(std::string("\x1b[").append(afterCsi));
 }
 
-void Machine::ReplyDcs(std::string_view body) { Reply("\x1bP" + std::string(body) + "\x1b\\"); }
+void Machine::ReplyDcs(std::string_view body) { Reply(std::string("\x1bP").append(body).append("\x1b\\")); }
 
 void Machine::SendAnswerBack()
 {
@@ -119,7 +119,8 @@ void Machine::ReportMode(const ControlSequence& sequence)
     const char* state = IsPermanentlyReset(number, isPrivate) ? "4" : "0";
     if (row != nullptr)
         state = modes_.Has(row->mode) ? "1" : "2";
-    ReplyControl((isPrivate ? "?" : "") + std::to_string(number) + ';' + state + "$y");
+    ReplyControl(
+        std::string(isPrivate ? "?" : "").append(std::to_string(number)).append(";").append(state).append("$y"));
 }
 
 void Machine::RequestSetting(std::string_view request)
@@ -128,7 +129,7 @@ void Machine::RequestSetting(std::string_view request)
         return;
     for (const SettingRow& row : kSettings)
         if (row.request == request) {
-            ReplyDcs("1$r" + row.value(*this) + std::string(row.request));
+            ReplyDcs(std::string("1$r").append(row.value(*this)).append(row.request));
             return;
         }
     ReplyDcs("0$r"); // unknown; what was asked is not repeated

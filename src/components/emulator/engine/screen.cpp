@@ -89,7 +89,9 @@ void Screen::Sweep()
     clusters_.Keep(clusters);
     links_.Keep(links);
     history_.ForgetNumbers();
-    refusalsUntilSweep_ = styles_.Live() > StyleTable::Max / 8 * 7 ? kSweepPause : 0;
+    const bool crowded = styles_.Live() > StyleTable::Max / 8 * 7 || clusters_.Live() > ClusterTable::Max / 8 * 7 ||
+                         links_.Live() > LinkTable::Max / 8 * 7;
+    refusalsUntilSweep_ = crowded ? kSweepPause : 0;
 }
 
 Style& Screen::Pen()

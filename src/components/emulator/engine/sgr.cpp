@@ -97,24 +97,28 @@ bool PaletteCode(Style& pen, int code)
     return false;
 }
 
+void AppendNumber(std::string& out, int number)
+{
+    out += ';';
+    out += std::to_string(number);
+}
+
 void AppendColor(std::string& out, Color color, int base)
 {
-    const int index = color.Index();
-    switch (color.What()) {
-    case Color::Kind::Default:
+    const bool isPalette = color.What() == Color::Kind::Palette;
+    if (color.What() == Color::Kind::Default)
         return;
-    case Color::Kind::Palette:
-        out += ';';
-        if (index < 8 && base != 58)
-            out += std::to_string(base - 8 + index);
-        else
-            out += std::to_string(base) + ";5;" + std::to_string(index);
-        return;
-    case Color::Kind::Direct:
-        out += ';' + std::to_string(base) + ";2;" + std::to_string(color.Red()) + ';' + std::to_string(color.Green()) +
-               ';' + std::to_string(color.Blue());
+    if (isPalette && color.Index() < 8 && base != 58) {
+        AppendNumber(out, base - 8 + color.Index());
         return;
     }
+    AppendNumber(out, base);
+    AppendNumber(out, isPalette ? 5 : 2);
+    if (isPalette)
+        AppendNumber(out, color.Index());
+    else
+        for (const uint8_t channel : {color.Red(), color.Green(), color.Blue()})
+            AppendNumber(out, channel);
 }
 
 } // namespace
@@ -184,7 +188,7 @@ std::string Machine::SgrSetting() const
     std::string out = "0";
     for (const SgrRow& row : kAttributes)
         if (row.set != 0 && row.code != 6 && (pen.attributes & row.set))
-            out += ';' + std::to_string(row.code);
+            AppendNumber(out, row.code);
     if (pen.underline == Underline::Single)
         out += ";4";
     else if (pen.underline != Underline::None)

@@ -33,6 +33,9 @@ uint8_t Compute(char32_t point)
         if (width != 0)
             return uint8_t(width | Trait::SkinTone);
         return Trait::Joins;
+    case UTF8PROC_BOUNDCLASS_V: // the second and third part of a Korean syllable
+    case UTF8PROC_BOUNDCLASS_T:
+        return Trait::Joins;
     case UTF8PROC_BOUNDCLASS_CONTROL:
         return width == 0 ? Trait::Dropped : width;
     default:

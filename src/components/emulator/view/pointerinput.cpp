@@ -75,7 +75,7 @@ bool PointerInput::Report(emu::MouseKind kind, emu::MouseButton button, const QP
 
 void PointerInput::CountClick(const QMouseEvent& event)
 {
-    const bool again = sinceClick_.isValid() && sinceClick_.elapsed() < QApplication::doubleClickInterval() &&
+    const bool again = clicks_ > 0 && sinceClick_.isValid() && sinceClick_.elapsed() < QApplication::doubleClickInterval() &&
                        (event.position() - lastClick_).manhattanLength() < QApplication::startDragDistance();
     clicks_ = again ? clicks_ + 1 : 1;
     lastClick_ = event.position();
@@ -96,11 +96,13 @@ void PointerInput::Press(const QMouseEvent& event)
     }
     switch (event.button()) {
     case Qt::LeftButton:
-        CountClick(event);
-        if (event.modifiers().testFlag(Qt::ShiftModifier))
+        if (event.modifiers().testFlag(Qt::ShiftModifier)) {
+            clicks_ = 0;
             gesture_.Extend(PlaceAt(event.position()));
-        else
-            gesture_.Press(PlaceAt(event.position()), clicks_, event.modifiers().testFlag(Qt::AltModifier));
+            return;
+        }
+        CountClick(event);
+        gesture_.Press(PlaceAt(event.position()), clicks_, event.modifiers().testFlag(Qt::AltModifier));
         return;
     case Qt::MiddleButton:
         emulator_.PastePrimary();

@@ -13,6 +13,8 @@ namespace kestrune {
 
 namespace {
 
+constexpr double kLeastScale = 0.7;
+
 int VariantOf(const emu::Style& style)
 {
     return ((style.attributes & emu::Attr::Bold) != 0 ? GridFont::Bold : 0) |
@@ -195,12 +197,13 @@ void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, const QR
     if (!line.isValid())
         return;
     const double natural = line.naturalTextWidth();
-    const double scale = natural > where.width() + 0.5 ? where.width() / natural : 1.0;
+    // Marks that a font cannot place stand beside their letter: better cut than too small to read.
+    const double scale = std::clamp(where.width() / std::max(1.0, natural), kLeastScale, 1.0);
+    const double left = std::max(0.0, (where.width() - natural * scale) / 2);
     painter.save();
     painter.setPen(QColor(color));
     painter.setClipRect(where, Qt::IntersectClip);
-    painter.translate(where.left() + (where.width() - natural * scale) / 2,
-                      where.top() + font_.Ascent() - line.ascent() * scale);
+    painter.translate(where.left() + left, where.top() + font_.Ascent() - line.ascent() * scale);
     painter.scale(scale, scale);
     layout.draw(&painter, QPointF(0, 0));
     painter.restore();

@@ -276,6 +276,8 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     if (host_.devicePixelRatioF() != ratio_)
         LookChanged(); // moved to a screen of another resolution
     const emu::Terminal& screen = emulator_.Screen();
+    if (scheme_.Follow(screen))
+        Invalidate(); // this part is painted in the new colours already
     const int rows = screen.ScreenSize().rows;
     painted_.resize(size_t(rows));
 

@@ -57,7 +57,6 @@ public:
     QScrollBar bar;
     QTimer settle;
     QElapsedTimer sinceBell;
-    bool sized = false; // the grid has been given to the control once
 };
 
 TerminalView::TerminalView(ctlEmulator& emulator, QWidget* parent) : QWidget(parent), emulator_(emulator)
@@ -125,24 +124,23 @@ void TerminalView::Zoom(int steps)
 void TerminalView::ApplyGrid()
 {
     parts_->settle.stop();
+    if (!isVisible())
+        return; // the size is settled when it is shown
     const emu::Size grid = parts_->canvas.FitInto(size() - QSize(kBarWidth, 0));
     const QSize pixels = parts_->canvas.GridPixels(grid);
-    parts_->sized = true;
     emulator_.Resize(grid.cols, grid.rows, pixels.width(), pixels.height());
 }
 
 void TerminalView::resizeEvent(QResizeEvent*)
 {
     parts_->bar.setGeometry(width() - kBarWidth, 0, kBarWidth, height());
-    if (parts_->sized)
-        parts_->settle.start();
+    parts_->settle.start();
 }
 
 void TerminalView::showEvent(QShowEvent*)
 {
     emulator_.SetHwnd(effectiveWinId());
-    if (!parts_->sized)
-        ApplyGrid();
+    ApplyGrid();
     UpdateScrollBar();
 }
 

@@ -1,0 +1,47 @@
+#pragma once
+
+// Streams that hosts send or could send, of every form that the parser has. Finds of the fuzzer stand at the end.
+
+#include <string>
+#include <vector>
+
+namespace kestrune::emu {
+
+inline std::vector<std::string> Corpus()
+{
+    using namespace std::string_literals;
+    return {
+        "plain text\r\nwith lines\r\n\tand tabs\b\bx",
+        "\x1b[1;1H\x1b[2J\x1b[3;4r\x1b[4;1H\n\n\x1bM\x1b[r\x1b[5;10Hx\x1b[K\x1b[1J\x1b[2@\x1b[3P\x1b[L\x1b[M\x1b[X",
+        "\x1b[1;4:3;38;2;1;2;3;48:5:9;58:2::1:2:3mstyled\x1b[0m plain \x1b[7mreverse\x1b[27m\x1b[38;5;1m!",
+        "0123456789012345678901234567890123456789中文wrap over the edge of the row 日本語\xe2\x80\x8d",
+        "e\xcc\x81\xcc\x82 👩‍👧‍👦 👍🏽 🇩🇪🇫🇷 ❤️ 한글 \xe1\x84\x92\xe1\x85\xa1\xe1\x86\xab "
+        "नि "
+        "\xc2\xad\xe2\x80\xae",
+        "\xc0\xaf\xed\xa0\x80\xf4\x90\x80\x80\xe4\xb8\xf0\x9f\x98 broken \x80\xff\xfe",
+        "\x1b(0lqqk\x1b(B\x1b)0\x0ex\x0f\x1b*<\x1bNd\x1b+0\x1bOq\x1b(%5d\x1b(B\x1b~\x1b}\x1b|\x1bn\x1bo\x0f",
+        "\x1b]0;title\x07\x1b]2;other\x1b\\\x1b]4;1;#123\x07\x1b]8;id=a;http://x/"
+        "\x07link\x1b]8;;\x07\x1b]52;c;aGk=\x07",
+        "\x1bP$qm\x1b\\\x1bP1;2|junk\x1b\\\x1b_apc\x1b\\\x1b^pm\x1b\\\x1bXsos\x1b\\\x1b]P1aabbcc\x1b]Rdone",
+        "\x1b[?1049h\x1b[?1;6;25;1000;1006;2004;2026h\x1b[6n\x1b[c\x1b[?1049l\x1b[!p\x1b[?7$p\x1b[5n\x05",
+        "\x1b[?2l\x1bY\x21\x22x\x1b"
+        "A\x1b"
+        "F\x1b"
+        "G\x1bI\x1b<\x1b[2;2Hy\x1b[62;1\"p\x1b[1\"qp\x1b[0\"q\x1b[?2J",
+        "\x1b[5iprinted\x1b[4\x1b[4i\x1b[?5iline\r\n\x1b[?4i\x1b[i",
+        "a\x1b[1\b;2\rHb\x1b[1;\x18"
+        "c\x1b]x\x1a"
+        "d\x1bP\x1b[3;3He\x1b[\x1b[\x1b[[Af",
+        "\x1b[99999999999;4294967297H\x1b[2147483647@\x1b[65535P\x1b[;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;;m"
+        "\x1b[-5A\x1b[9999S\x1b[9999T\x1b[9999L\x1b[9999M\x1b[9999Xx\x1b[9999b\x1b[9999I\x1b[9999Z\x1b[0;0r\x1b[9;2r",
+        "\x1b#3big\r\n\x1b#4big\r\n\x1b#6wide\x1b#5\x1b#8\x1b[?3hcols\x1b[?3l\x1b[?5h\x1b[?5l\x1b[4hins\x1b[4l\x1b"
+        "c",
+        "\x1b[?42h\x1b(K[\\]\x1b[?42l\x1b%@\xe4\xf6\x1b%G\xc3\xa4\x1b[11m\x01\x1b[12mM\x1b[10m\x1b[?2c",
+        "text\x9b"
+        "2Dx\x9d"
+        "0;t\x9c\x90$qr\x9c\x84\x85\x88\x8d\x8e"
+        "d\x8fq",
+    };
+}
+
+} // namespace kestrune::emu

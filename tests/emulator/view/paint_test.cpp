@@ -1,0 +1,208 @@
+// What the view paints, and how often.
+
+#include "viewbench.h"
+
+#include <gtest/gtest.h>
+
+namespace kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QColor PaletteColor(int index)
+{
+    const qint32 bgr = EmulatorSettings::DefaultPalette(index);
+    return {bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF};
+}
+
+const QColor kText = PaletteColor(PaletteRole::Foreground);
+const QColor kPaper = PaletteColor(PaletteRole::Background);
+
+struct LookCase
+{
+    const char* name;
+    const char* sequence; // then a full block, which shows the foreground, and a blank, which shows the background
+    QColor foreground;
+    QColor background;
+};
+
+class ViewLook : public testing::TestWithParam<LookCase>
+{};
+
+TEST_P(ViewLook, IsPainted)
+{
+    ViewBench bench(40, 10, EmulatorBench::LinuxConsole);
+    bench.HostSays(std::string(GetParam().sequence) + "█ \x1b[m\x1b[3;1H");
+    EXPECT_EQ(bench.ColorAt(0, 0).name(), GetParam().foreground.name());
+    EXPECT_EQ(bench.ColorAt(1, 0).name(), GetParam().background.name());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, ViewLook,
+    testing::Values(LookCase{"Plain", "", kText, kPaper}, LookCase{"Reverse", "\x1b[7m", kPaper, kText},
+                    LookCase{"Colors", "\x1b[31;44m", PaletteColor(1), PaletteColor(4)},
+                    LookCase{"ReversedColors", "\x1b[31;44;7m", PaletteColor(4), PaletteColor(1)},
+                    LookCase{"BoldIsBright", "\x1b[1;32m", PaletteColor(10), kPaper},
+                    LookCase{"Cube", "\x1b[38;5;196;48;5;240m", QColor(255, 0, 0), QColor(88, 88, 88)},
+                    LookCase{"Direct", "\x1b[38;2;1;2;3;48;2;4;5;6m", QColor(1, 2, 3), QColor(4, 5, 6)},
+                    LookCase{"Invisible", "\x1b[8;41m", PaletteColor(1), PaletteColor(1)},
+                    LookCase{"ReverseScreen", "\x1b[?5h", kPaper, kText},
+                    LookCase{"HostSetsPalette", "\x1b]4;1;#102030\x1b\\\x1b[31m", QColor(0x10, 0x20, 0x30), kPaper}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(ViewPaint, ColoursOfTheSettingsAreFollowedLive)
+{
+    ViewBench bench;
+    bench.HostSays("█ \x1b[4m█ \x1b[m\x1b[3;1H");
+    auto& settings = bench.control.Settings();
+    settings.SetPalette(PaletteRole::Background, 0x332211);
+    EXPECT_EQ(bench.ColorAt(1, 0).name(), u"#112233"_s);
+    settings.SetColors(8, AttributeColor(2, 3)); // underlined text in green on yellow
+    EXPECT_EQ(bench.ColorAt(2, 0).name(), PaletteColor(2).name());
+    EXPECT_EQ(bench.ColorAt(3, 0).name(), PaletteColor(3).name());
+    EXPECT_EQ(bench.ColorAt(0, 0).name(), kText.name());
+}
+
+TEST(ViewPaint, SelectionCursorAndSignsAreSeen)
+{
+    ViewBench bench;
+    bench.HostSays("abc\x1b[3;5H");
+    EXPECT_EQ(bench.ColorAt(4, 2).name(), PaletteColor(PaletteRole::Cursor).name());
+    bench.view.clearFocus();
+    EXPECT_EQ(bench.ColorAt(4, 2).name(), kPaper.name()) << "an outline without the focus";
+    bench.HostSays("\x1b[?25l");
+    bench.control.SetSelection(5, 0, 6, 0);
+    EXPECT_EQ(bench.ColorAt(5, 0).name(), PaletteColor(PaletteRole::Selection).name());
+    EXPECT_EQ(bench.ColorAt(7, 0).name(), kPaper.name());
+
+    const QImage before = bench.Picture();
+    bench.Host().Drop();
+    bench.control.ClearSelection();
+    const QImage quiet = bench.Picture();
+    QTest::keyClick(&bench.view, Qt::Key_A);
+    EXPECT_NE(bench.Picture(), quiet) << "a key without a line leaves a sign";
+    EXPECT_NE(before, quiet);
+}
+
+// Neighbours whose arms have the same weight must meet without a gap or a step.
+struct JoinCase
+{
+    const char* name;
+    const char* first; // the second stands to the right, or below
+    const char* second;
+    bool below;
+};
+
+class ViewBoxes : public testing::TestWithParam<JoinCase>
+{};
+
+TEST_P(ViewBoxes, Join)
+{
+    const JoinCase& c = GetParam();
+    ViewBench bench;
+    bench.HostSays(std::string("\x1b[?25l") + c.first + (c.below ? "\r\n" : "") + c.second);
+    const QImage picture = bench.Picture();
+    const QRect first = bench.view.CellRect(0, 0);
+    int inked = 0;
+    for (int i = 0; i < (c.below ? first.width() : first.height()); ++i) {
+        const QPoint in = c.below ? QPoint(first.left() + i, first.bottom()) : QPoint(first.right(), first.top() + i);
+        const QPoint out = in + (c.below ? QPoint(0, 1) : QPoint(1, 0));
+        EXPECT_EQ(picture.pixel(in), picture.pixel(out)) << i;
+        inked += picture.pixelColor(in) == kText ? 1 : 0;
+    }
+    EXPECT_GT(inked, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ViewBoxes,
+                         testing::Values(JoinCase{"Light", "─", "┼", false}, JoinCase{"LightEnds", "╶", "┤", false},
+                                         JoinCase{"Heavy", "━", "╋", false}, JoinCase{"MixedHeavy", "┝", "┥", false},
+                                         JoinCase{"Double", "╔", "╗", false},
+                                         JoinCase{"DoubleToMixed", "╞", "╡", false},
+                                         JoinCase{"LightDown", "┬", "│", true}, JoinCase{"HeavyDown", "┳", "┃", true},
+                                         JoinCase{"DoubleDown", "╦", "╬", true},
+                                         JoinCase{"DoubleDownMixed", "╥", "╨", true},
+                                         JoinCase{"Blocks", "█", "▌", false}, JoinCase{"Halves", "▄", "▀", true}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(ViewPaint, WideCharactersTakeTwoCellsAndNoMore)
+{
+    ViewBench bench;
+    bench.HostSays("中|\x1b[?25l");
+    const QImage with = bench.Picture();
+    bench.HostSays("\r  ");
+    const QImage without = bench.Picture();
+    const QRect bar = bench.view.CellRect(2, 0);
+    EXPECT_EQ(with.copy(bar), without.copy(bar));
+    const QRect both = bench.view.CellRect(0, 0) | bench.view.CellRect(1, 0);
+    EXPECT_NE(with.copy(both), without.copy(both));
+}
+
+// --- how often
+
+struct PaintWatch : QObject
+{
+    explicit PaintWatch(QWidget& watched) { watched.installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            ++paints;
+            region += static_cast<QPaintEvent*>(event)->region();
+        }
+        return false;
+    }
+    int paints = 0;
+    QRegion region;
+};
+
+TEST(ViewPaint, OnlyChangedRowsArePainted)
+{
+    ViewBench bench;
+    bench.HostSays("\x1b[?25l1\r\n2\r\n3\r\n4");
+    bench.Picture();
+    PaintWatch watch(bench.view);
+    bench.HostSays("\x1b[3;1Hnew");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return watch.paints > 0; }));
+    const QRect row = bench.view.CellRect(0, 2);
+    EXPECT_EQ(watch.region.boundingRect().top(), row.top());
+    EXPECT_EQ(watch.region.boundingRect().bottom(), row.bottom());
+
+    watch.region = {};
+    watch.paints = 0;
+    bench.control.SetSelection(0, 0, 0, 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return watch.paints > 0; }));
+    EXPECT_EQ(watch.region.boundingRect().bottom(), bench.view.CellRect(0, 0).bottom());
+}
+
+TEST(ViewPaint, AFloodIsPaintedFrameByFrame)
+{
+    ViewBench bench;
+    bench.Picture();
+    PaintWatch watch(bench.view);
+    QElapsedTimer time;
+    time.start();
+    int pieces = 0;
+    for (; time.elapsed() < 200; ++pieces) {
+        bench.HostSays("some text\r\n");
+        QCoreApplication::processEvents();
+    }
+    EXPECT_GT(watch.paints, 0);
+    EXPECT_LE(watch.paints, time.elapsed() / 16 + 2);
+    EXPECT_GT(pieces, watch.paints * 2) << "the rig must be able to see a flood";
+}
+
+TEST(ViewPaint, ASynchronisedUpdateIsNotShownHalf)
+{
+    ViewBench bench;
+    bench.Picture();
+    PaintWatch watch(bench.view);
+    bench.HostSays("\x1b[?2026hhalf");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(watch.paints, 0);
+    bench.HostSays(" whole\x1b[?2026l");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return watch.paints > 0; }));
+}
+
+} // namespace
+
+} // namespace kestrune
