@@ -83,10 +83,7 @@ void clsSession::SetId(const QString& id)
         frmSession_->SetTag(id);
 }
 
-int clsSession::Index() const
-{
-    return application_.Sessions().Find(id_).get() == this ? 0 : -1;
-}
+int clsSession::Index() const { return application_.Sessions().Find(id_).get() == this ? 0 : -1; }
 
 bool clsSession::Busy() const { return frmSession_ && frmSession_->Emulator().Busy() > 0; }
 

@@ -39,10 +39,10 @@ public:
     ~clsSession() override;
 
     // --- identity
-    QString Id() const { return id_; }       // decimal text, never reused in a run
-    int Number() const { return number_; }   // the same as a number
-    void SetId(const QString& id);           // also the window's Tag
-    int Index() const;                       // 0: in the collection, -1: not; it gives no position, deliberately
+    QString Id() const { return id_; }     // decimal text, never reused in a run
+    int Number() const { return number_; } // the same as a number
+    void SetId(const QString& id);         // also the window's Tag
+    int Index() const;                     // 0: in the collection, -1: not; it gives no position, deliberately
     bool Terminated() const { return terminated_; }
     void SetTerminated(bool on) { terminated_ = on; }
     bool Busy() const; // false when the window is gone
@@ -69,7 +69,7 @@ public:
     void SetHeight(int height);
     bool Visible() const { return shown_; }
     void SetVisible(bool on);
-    int WindowState() const; // 0 normal, 1 minimised (also: not visible), 2 maximised
+    int WindowState() const;        // 0 normal, 1 minimised (also: not visible), 2 maximised
     void SetWindowState(int state); // outside 0 to 2: ignored
 
     // --- file

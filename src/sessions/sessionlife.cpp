@@ -49,7 +49,7 @@ void clsSession::LoadSession(const QString& fileName)
         Settings().SetValue(Setting("FontName"), DefaultFontName());
     } else {
         application_.Layer().keyFiles.Read(fileName, SessionSection.toString(),
-                                  [this](const KeyFile& file) { ReadSessionKeys(file, *this); });
+                                           [this](const KeyFile& file) { ReadSessionKeys(file, *this); });
         Settings().Load(fileName);
         if (const QString folder = application_.Layer().spec.GetDirPart(fileName); !folder.isEmpty())
             saveDir_ = application_.Layer().folders.SessionDir = folder;
@@ -166,9 +166,9 @@ bool clsSession::ConfirmDisconnect(const QString& title)
         return true;
     const bool modem = device == Device::Modem;
     const bool several = !modem && application_.Sessions().Count() > 1 && application_.CloseSweep();
-    const QString text =
-        modem ? tr("Do you want to disconnect dial-up\r\nconnection for \"%1\" ?").arg(title)
-              : tr("Do you want to disconnect session\r\n\"%1\" from %2 ?").arg(title, Settings().Text(Setting("HostName")));
+    const QString text = modem ? tr("Do you want to disconnect dial-up\r\nconnection for \"%1\" ?").arg(title)
+                               : tr("Do you want to disconnect session\r\n\"%1\" from %2 ?")
+                                     .arg(title, Settings().Text(Setting("HostName")));
     const int buttons = several ? MsgFlag::YesNoYesToAll : MsgFlag::YesNo;
     const int result = MsgBox(application_.Ask(), text, buttons | MsgFlag::Question | MsgFlag::CheckBox);
     if (result & MsgResult::Checked)
@@ -197,7 +197,8 @@ bool clsSession::ConfirmSave(const QString& title)
         Save();
         return true;
     } catch (const Failure& failure) {
-        if (const QString words = SaveFailureWords(failure, SavedThing::Session, application_.Layer().spec, fileName_); !words.isEmpty())
+        if (const QString words = SaveFailureWords(failure, SavedThing::Session, application_.Layer().spec, fileName_);
+            !words.isEmpty())
             MsgBox(application_.Ask(), words, MsgFlag::Exclamation);
     }
     return SaveAs();

@@ -108,8 +108,8 @@ std::shared_ptr<clsSession> clsSessions::Item(const QString& key) const
 
 std::shared_ptr<clsSession> clsSessions::Find(const QString& key) const
 {
-    const auto found = std::find_if(sessions_.begin(), sessions_.end(),
-                                    [&key](const auto& session) { return session->Id() == key; });
+    const auto found =
+        std::find_if(sessions_.begin(), sessions_.end(), [&key](const auto& session) { return session->Id() == key; });
     return found == sessions_.end() ? nullptr : *found;
 }
 

@@ -68,8 +68,8 @@ TEST(SessionFile, DefaultsDoNotStandInIt)
 
 TEST(SessionFile, AutoCloseIsANumberOrAWordAndMasked)
 {
-    const std::pair<const char*, bool> cases[] = {{"1", true},   {"True", true}, {"true", true}, {"-1", true},
-                                                  {"2", false},  {"0", false},   {"Yes", false}, {"", false}};
+    const std::pair<const char*, bool> cases[] = {{"1", true},  {"True", true}, {"true", true}, {"-1", true},
+                                                  {"2", false}, {"0", false},   {"Yes", false}, {"", false}};
     for (const auto& [text, on] : cases) {
         SCOPED_TRACE(text);
         SessionBench bench;
@@ -149,7 +149,8 @@ std::vector<BadFile> BadFiles()
         {"LF only", "[Kestrune]\nTermType=8\nNote=x\n", "Note=x\n"},
         {"10 MB line", head + "Note=" + longLine + "\r\n", "Note=" + longLine + "\r\n"},
         {"1 MB title", head + "SessionTitle=" + longLine.left(1024 * 1024) + "\r\nNote=x\r\n", "Note=x\r\n"},
-        {"numbers out of range", head + "NormCols=99999999999\r\nBaud=-7\r\nHistoryRows=lots\r\nNote=x\r\n", "Note=x\r\n"},
+        {"numbers out of range", head + "NormCols=99999999999\r\nBaud=-7\r\nHistoryRows=lots\r\nNote=x\r\n",
+         "Note=x\r\n"},
         {"NUL inside", head + QByteArray("Note=a\0b\r\n", 10), QByteArray("Note=a\0b\r\n", 10)},
         {"no line end at the end", head + "Note=x", "Note=x"},
     };
