@@ -56,11 +56,7 @@ public:
     // --- the line
     void LineReceived(std::string_view bytes) override { c_.Received(bytes); }
     void LineStateChanged(LineState state, const QString& text) override { c_.SetStatus(state, text); }
-    void LineDeviceStatus(const QString& text) override
-    {
-        c_.deviceText_ = text;
-        emit c_.DeviceStatus(text);
-    }
+    void LineDeviceStatus(const QString& text) override { emit c_.DeviceStatus(text); }
     void LineError(quint32 word, const QString& description, bool fatal) override
     {
         c_.LineFailed(word, description, fatal);
@@ -220,7 +216,6 @@ void ctlEmulator::SetStatus(LineState state, const QString& text)
     wasConnected_ = wasConnected_ || state == LineState::Connected;
     // A line that has closed says why by other notices; the reason is what the status shows.
     QString shown = state == LineState::Closed && text.isEmpty() ? endText_ : text;
-    statusText_ = shown;
     emit ConnectionStatus(qint16(state), &shown);
 }
 
@@ -337,17 +332,6 @@ void ctlEmulator::SendBytes(std::string_view bytes)
         return;
     bytesOut_ += bytes.size();
     line_->Send(bytes);
-}
-
-void ctlEmulator::RefreshMenu()
-{
-    emit TermTypeChange(settings_.Integer(Setting("TermType")));
-    QString status = statusText_;
-    emit ConnectionStatus(qint16(lineState_), &status);
-    emit DeviceStatus(deviceText_);
-    told_ = {};
-    emit KeyboardLock(LockKeyboard());
-    ScheduleEvents();
 }
 
 void ctlEmulator::Notice(const QString& text)

@@ -189,7 +189,7 @@ public:
     void SetRecordingKeys(bool on) { recordingKeys_ = on; }
     quintptr hwnd() const { return hwnd_; } // of the view; 0 while there is none
     void SetHwnd(quintptr handle) { hwnd_ = handle; }
-    void RefreshMenu(); // the menu was made anew: tells again all that its status panels show
+    void RefreshMenu() {} // the control draws no menu of its own
     void MouseTableReset() { mouseTable_.clear(); }
     void MouseTableAdd(int button, const QString& pattern, const QString& rClick, const QString& rDblClk);
     const std::vector<MousePattern>& MouseTable() const { return mouseTable_; }
@@ -325,8 +325,6 @@ private:
     bool reopen_ = false;  // and want it opened again
     bool wasConnected_ = false;
     bool hostEchoes_ = true;
-    QString statusText_; // last told by ConnectionStatus and DeviceStatus
-    QString deviceText_;
     QString endText_; // why the line ended, in the user's words
     TerminalSize size_;
     quint64 bytesIn_ = 0;
