@@ -195,7 +195,7 @@ def hive(home):
 
 
 # Heights of the bars above and below the session, in pixels, with room to spare for the frame.
-TOP_OF_SESSION = 100
+TOP_OF_SESSION = 86
 BOTTOM_OF_SESSION = 40
 
 
