@@ -104,8 +104,8 @@ class Kestrune:
         def found():
             if self.process.poll() is not None:
                 raise AssertionError(f"the program ended with {self.process.returncode}: {self.output()}")
-            return [w for w in self.windows() if "Kestrune" in self.title(w)]
-        window = until(found, "the main window", seconds)[0]
+            return [w for w in self.windows() if self.title(w).startswith("Kestrune 7")]
+        window = self.main = until(found, "the main window", seconds)[0]
         self.desktop.run("xdotool", "windowactivate", "--sync", window)
         return window
 
@@ -129,7 +129,8 @@ class Kestrune:
             if index:
                 self.key("Return")
             if line:
-                self.desktop.run("xdotool", "type", "--delay", "8", "--", line)
+                # A character that the keyboard lacks is put on a key for the moment; programs need time to see it.
+                self.desktop.run("xdotool", "type", "--delay", "8" if line.isascii() else "120", "--", line)
 
     def key(self, *keys):
         self.desktop.run("xdotool", "key", "--delay", "20", *keys)
@@ -142,14 +143,15 @@ class Kestrune:
     def screen_text(self):
         """The session's visible text: selected with the mouse from corner to corner of the active session, and
         read as any other program would read the selection."""
-        window = self.windows()[0]
-        x, y, width, height = self.geometry(window)
+        x, y, width, height = self.geometry(self.main)
         text = ""
         middle_x, middle_y = x + width // 2, y + height // 2
         for end_x, end_y in ((x + 2, y + TOP_OF_SESSION), (x + width - 4, y + height - BOTTOM_OF_SESSION)):
-            self.desktop.run("xdotool", "mousemove", str(middle_x), str(middle_y), "mousedown", "1",
-                             "mousemove", str((middle_x + end_x) // 2), str((middle_y + end_y) // 2),
-                             "mousemove", str(end_x), str(end_y), "mouseup", "1")
+            # Shift keeps the mouse from a program that asked for it.
+            self.desktop.run("xdotool", "mousemove", str(middle_x), str(middle_y), "click", "1", "keydown", "shift",
+                             "mousedown", "1", "mousemove", str((middle_x + end_x) // 2),
+                             str((middle_y + end_y) // 2), "mousemove", str(end_x), str(end_y), "mouseup", "1",
+                             "keyup", "shift")
             part = self.desktop.run("timeout", "5", "xclip", "-o", "-selection", "primary", check=False)
             text += part
         self.click(middle_x, middle_y)
@@ -162,6 +164,7 @@ class Kestrune:
         try:
             until(there, needle, seconds, every=0.2)
         except TimeOut:
+            self.desktop.picture("failure")
             raise AssertionError(f"not on the screen: {needle!r}; there is:\n{self.last_text}") from None
         return self.last_text
 
