@@ -78,6 +78,12 @@ class Desktop:
 class Kestrune:
     """One run of the program, with settings folders of its own unless `home` is given."""
 
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.kill()
+
     def __init__(self, desktop, *arguments, home, cwd=None, extra_env=None):
         self.desktop = desktop
         self.home = home
@@ -138,6 +144,12 @@ class Kestrune:
     def click(self, x, y, button=1, repeat=1):
         self.desktop.run("xdotool", "mousemove", str(x), str(y), "click", "--repeat", str(repeat), "--delay", "40",
                          str(button))
+
+    def save(self):
+        """File, Save. Keys in a session belong to the host, so the menu is opened with the mouse."""
+        x, y, _, _ = self.geometry(self.main)
+        self.click(x + 20, y + 10)
+        self.key("s")
 
     # --- eyes
     def screen_text(self):

@@ -19,7 +19,7 @@ class Killed(desktop.Journey):
             program = self.start(file)
             program.window()
             program.key("ctrl+plus")  # a setting changes: there is something to save
-            program.key("ctrl+s")
+            program.save()
             time.sleep(seed.random() * 0.06)  # the moment is the point here, any of them
             program.kill()
             content = file.read_bytes()
