@@ -56,7 +56,6 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
 {
     setWindowIcon(ProgramIcon());
     setContextMenuPolicy(Qt::NoContextMenu);
-    area_->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
     area_->setFrameShape(QFrame::NoFrame);
     area_->setBackground(palette().brush(QPalette::Mid));
     area_->setActivationOrder(QMdiArea::ActivationHistoryOrder);
