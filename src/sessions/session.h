@@ -5,6 +5,7 @@
 // Settings(). Made only by clsSessions. After TerminateSession the object lives on only while somebody holds a
 // reference: what guards on Terminated() then does nothing, the rest raises Failure ObjectNotSet.
 
+#include <dispatch/failure.h>
 #include <dispatch/substitutename.h>
 #include <sessions/sessionsettings.h>
 
@@ -166,6 +167,8 @@ private:
 
     explicit clsSession(ApplicationPort& application);
     void LoadSession(const QString& fileName);
+    void TakeDefaults();
+    std::optional<Failure> ReadFile();                    // a file it names that is missing
     bool SaveSession(const QString& name, Dialog dialog); // false: cancelled
     std::optional<QString> AskForFileName() const;
     void WriteFile();

@@ -36,29 +36,53 @@ void clsSession::SetSessionFilename(const QString& name)
 
 void clsSession::LoadSession(const QString& fileName)
 {
-    const Hourglass hourglass(application_.Ask());
-    fileName_ = fileName;
-    saveDir_ = application_.Layer().folders.HomeDir;
-    caption_.clear();
-    icon_.clear();
-    customMouseTable_.clear();
-    autoClose_ = showErrs_ = capsLock_ = false;
-    copyPasteShortcut_ = 0;
-    if (fileName.isEmpty()) {
-        Settings().ResetToDefaults();
-        Settings().SetValue(Setting("FontName"), DefaultFontName());
-    } else {
-        application_.Layer().keyFiles.Read(fileName, SessionSection.toString(),
-                                           [this](const KeyFile& file) { ReadSessionKeys(file, *this); });
-        Settings().Load(fileName);
-        if (const QString folder = application_.Layer().spec.GetDirPart(fileName); !folder.isEmpty())
-            saveDir_ = application_.Layer().folders.SessionDir = folder;
+    const std::shared_ptr<clsSession> self = shared_from_this();
+    Window(); // raises when the session has ended
+    std::optional<Failure> missing;
+    {
+        const Hourglass hourglass(application_.Ask());
+        fileName_ = fileName;
+        saveDir_ = application_.Layer().folders.HomeDir;
+        caption_.clear();
+        icon_.clear();
+        customMouseTable_.clear();
+        autoClose_ = showErrs_ = capsLock_ = false;
+        copyPasteShortcut_ = 0;
+        if (fileName.isEmpty())
+            TakeDefaults();
+        else
+            missing = ReadFile();
+        ApplySessionMenu();
+        SetChanged(false);
+        Window().SetMenuDirty();
+        SetSessionTitle();
+        SetSessionIcon();
     }
-    ApplySessionMenu();
-    SetChanged(false);
-    Window().SetMenuDirty();
-    SetSessionTitle();
-    SetSessionIcon();
+    if (missing) // a mouse table that is not there does not keep the session from opening
+        MsgBox(application_.Ask(), missing->Text(), MsgFlag::Exclamation);
+}
+
+void clsSession::TakeDefaults()
+{
+    Settings().ResetToDefaults();
+    Settings().SetValue(Setting("FontName"), DefaultFontName());
+}
+
+std::optional<Failure> clsSession::ReadFile()
+{
+    SettingsLayer& layer = application_.Layer();
+    std::optional<Failure> missing;
+    try {
+        layer.keyFiles.Read(fileName_, SessionSection.toString(),
+                            [&](const KeyFile& file) { missing = ReadSessionKeys(file, *this); });
+        Settings().Load(fileName_);
+    } catch (...) {
+        fileName_.clear(); // a save must not put what was not read in the place of what stands there
+        throw;
+    }
+    if (const QString folder = layer.spec.GetDirPart(fileName_); !folder.isEmpty())
+        saveDir_ = layer.folders.SessionDir = folder;
+    return missing;
 }
 
 // --- save

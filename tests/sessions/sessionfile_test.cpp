@@ -174,6 +174,30 @@ TEST(SessionFile, WhateverStandsInItOpensAndKeepsWhatIsNotOurs)
     }
 }
 
+TEST(SessionFile, MissingMouseTableIsToldAndTheSessionOpens)
+{
+    SessionBench bench;
+    const QString path = bench.SessionFile(u"a.orcf"_s, "CustomMouseTable=gone.txt\r\nShowErrs=True\r\n");
+    const auto session = bench.sessions.Add(path, -1, 0, AddHidden::NotOnLine);
+    EXPECT_EQ(bench.ask.boxes.size(), 1u);
+    EXPECT_TRUE(session->ShowErrs()) << "the keys behind it count too";
+    EXPECT_EQ(session->Settings().Text(Setting("HostName")), u"host.example"_s);
+    session->Save();
+    EXPECT_EQ(bench.Key(path, u"CustomMouseTable"_s), u"gone.txt"_s);
+    EXPECT_NO_THROW(bench.sessions.AddClone(session.get()));
+}
+
+TEST(SessionFile, FileThatCannotBeReadIsNotWrittenOver)
+{
+    SessionBench bench;
+    const auto session = bench.sessions.Add(bench.SessionFile(u"a.orcf"_s), -1, 0, AddHidden::NotOnLine);
+    const QString unreadable = u"/proc/self/mem"_s; // is there, and fails at the first byte
+    EXPECT_THROW(session->SetFileName(unreadable), Failure);
+    EXPECT_EQ(session->FileName(), QString());
+    EXPECT_THROW(bench.sessions.Add(unreadable), Failure);
+    EXPECT_EQ(bench.sessions.Count(), 1) << "no invisible session is left behind";
+}
+
 TEST(SessionFile, FailedSaveChangesNothing)
 {
     struct Full : SessionBench
