@@ -185,9 +185,13 @@ Parser::Bytes Parser::Ground(Bytes at, Bytes end)
             if (byte >= 0x20 && byte != kDelete)
                 continue; // a run again
             ++at;
-            if (byte == kEscape)
+            if (byte == kEscape) {
+                if (at != end && *at == '[' && !rules_.vt52) { // by far the most common
+                    StartControl();
+                    return Csi(at + 1, end);
+                }
                 Anywhere(byte);
-            else if (byte != kDelete)
+            } else if (byte != kDelete)
                 sink_.Execute(byte);
         }
         if (state_ != State::Ground)
@@ -201,11 +205,20 @@ Parser::Bytes Parser::Utf8Run(Bytes at, Bytes end)
     constexpr size_t kBatch = 256;
     char32_t points[kBatch + 2]; // one byte gives at most two points
     size_t count = 0;
-    while (at != end && *at >= 0x80 && count < kBatch)
+    while (at != end && *at >= 0x80 && count < kBatch) {
+        if (!decoder_.Pending() && (*at & 0xF0) == 0xE0 && end - at >= 3) { // three bytes, plainly sound
+            const char32_t point = (char32_t(at[0] & 0x0F) << 12) | (char32_t(at[1] & 0x3F) << 6) | (at[2] & 0x3Fu);
+            if ((at[1] & 0xC0) == 0x80 && (at[2] & 0xC0) == 0x80 && point >= 0x800 && (point >> 11) != 0x1B) {
+                points[count++] = point;
+                at += 3;
+                continue;
+            }
+        }
         decoder_.Put(*at++, [&](char32_t point) {
             if (point >= 0xA0) // controls in two bytes are no controls: U+0080 to U+009F are dropped
                 points[count++] = point;
         });
+    }
     if (count != 0)
         sink_.Points({points, count});
     return at;
@@ -240,16 +253,21 @@ void Parser::EscapeByte(uint8_t byte)
         escapeIntermediate_ = char(byte);
         state_ = State::EscapeIntermediate;
     } else if (byte == '[') {
-        sequence_.marker = 0;
-        sequence_.intermediate = 0;
-        sequence_.params.Clear();
-        tooManyIntermediates_ = false;
-        state_ = State::Csi;
+        StartControl();
     } else if (kStringStarts.find(char(byte)) != std::string_view::npos) {
         StartString(KindOf(byte));
     } else {
         sink_.Escape(0, char(byte));
     }
+}
+
+void Parser::StartControl()
+{
+    sequence_.marker = 0;
+    sequence_.intermediate = 0;
+    sequence_.params.Clear();
+    tooManyIntermediates_ = false;
+    state_ = State::Csi;
 }
 
 void Parser::EscapeIntermediateByte(uint8_t byte)
@@ -276,10 +294,13 @@ void Parser::EscapeFinal(char final)
 Parser::Bytes Parser::Csi(Bytes at, Bytes end)
 {
     for (; at != end; ++at) {
+        if (*at >= '0' && *at <= '9') {
+            at = sequence_.params.Digits(at, end);
+            if (at == end)
+                return at;
+        }
         const uint8_t byte = *at;
-        if (byte >= '0' && byte <= '9') {
-            sequence_.params.Digit(byte - '0');
-        } else if (byte == ';' || byte == ':') {
+        if (byte == ';' || byte == ':') {
             sequence_.params.Next(byte == ':');
         } else if (IsFinal(byte)) {
             CsiFinal(char(byte));

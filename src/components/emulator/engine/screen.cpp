@@ -26,6 +26,10 @@ Screen::Screen(Size size, Modes& modes)
 StyleId Screen::StyleIdFor(const Style& style)
 {
     uint32_t id = styles_.Intern(style);
+    if (styles_.WantsSweep() && id != StyleTable::Full) {
+        newestStyle_ = StyleId(id);
+        Sweep();
+    }
     if (id == StyleTable::Full && refusalsUntilSweep_-- == 0) {
         Sweep();
         id = styles_.Intern(style);
@@ -77,6 +81,7 @@ void Screen::Sweep()
     history_.VisitLooks([&](const Row& row) { MarkRow(row, styles, clusters); });
     styles[penId_] = true;
     styles[blankId_] = true;
+    styles[newestStyle_] = true;
 
     for (size_t id = 0; id < styles.size(); ++id)
         if (styles[id])
@@ -146,8 +151,20 @@ void Screen::WriteBytes(std::span<const uint8_t> run)
 
 void Screen::WritePoints(std::span<const char32_t> run)
 {
-    for (const char32_t point : run)
-        WritePoint(point);
+    while (!run.empty()) {
+        if (!cursor_.pendingWrap && !modes_.Has(Mode::Insert)) {
+            const StyleId style = PenId();
+            const Page::Placed placed = P().PutPoints(cursor_.row, cursor_.col, Columns(), run, style);
+            if (placed.points != 0) {
+                lastPoint_ = run[placed.points - 1];
+                run = run.subspan(placed.points);
+                Advance(placed.columns);
+                continue;
+            }
+        }
+        WritePoint(run.front());
+        run = run.subspan(1);
+    }
 }
 
 void Screen::WritePoint(char32_t point)

@@ -180,6 +180,7 @@ private:
     std::array<CursorState, 2> saved_; // main, alternate
     StyleId penId_ = 0;
     StyleId blankId_ = 0;
+    StyleId newestStyle_ = 0; // given out, but perhaps in no cell yet
     bool penChanged_ = false;
     int top_ = 0;
     int bottom_ = 0; // past the last row of the region
