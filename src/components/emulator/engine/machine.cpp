@@ -17,10 +17,10 @@ Size Clamped(Size size)
     return {std::clamp(size.cols, kLeast.cols, kMost.cols), std::clamp(size.rows, kLeast.rows, kMost.rows)};
 }
 
-// Which slot an intermediate designates into, ISO 2022: ( ) * + for sets of 94, - . / for sets of 96.
+// Which of G0 to G3 an intermediate designates into, ISO 2022: ( ) * + for sets of 94, - . / for sets of 96.
 struct Designator
 {
-    int slot;
+    int which;
     char intermediate;
     bool wide96;
 };
@@ -284,14 +284,14 @@ void Machine::SwitchAlternate(bool on, Mode how)
 
 // --- character sets
 
-void Machine::Designate(int slot, bool wide96, std::string_view designator)
+void Machine::Designate(int which, bool wide96, std::string_view designator)
 {
     const CharacterSet* set = FindCharacterSet(designator, wide96, speaks_);
-    if (set == nullptr || (slot >= 2 && !Speaks(Dialect::Vt220)))
+    if (set == nullptr || (which >= 2 && !Speaks(Dialect::Vt220)))
         return;
     if (set->kind == CharacterSet::Kind::National && !modes_.Has(Mode::NationalSets))
         set = &AsciiSet();
-    screen_.Charsets().g[size_t(slot)] = set;
+    screen_.Charsets().g[size_t(which)] = set;
 }
 
 void Machine::WriteThrough(const CharacterSet& set, std::span<const uint8_t> run)
@@ -368,7 +368,7 @@ void Machine::Escape(char intermediate, char final)
         if ((intermediate & 0x7F) == designator.intermediate) {
             const char name[] = {'%', final};
             const bool withPercent = intermediate != designator.intermediate;
-            Designate(designator.slot, designator.wide96, {withPercent ? name : name + 1, withPercent ? 2u : 1u});
+            Designate(designator.which, designator.wide96, {withPercent ? name : name + 1, withPercent ? 2u : 1u});
             return;
         }
     if (intermediate < 0 || final < 0x30)

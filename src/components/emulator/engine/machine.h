@@ -71,10 +71,10 @@ public:
     void SoftReset();
     void SetLevel(int level, bool eightBit); // DECSCL
     void SetEightBitReplies(bool on) { eightBitReplies_ = on; }
-    void Designate(int slot, bool wide96, std::string_view designator);
-    void LockingShift(int slot) { screen_.Charsets().gl = slot; }
-    void LockingShiftRight(int slot) { screen_.Charsets().gr = slot; }
-    void SingleShift(int slot) { singleShift_ = slot; }
+    void Designate(int which, bool wide96, std::string_view designator);
+    void LockingShift(int which) { screen_.Charsets().gl = which; }
+    void LockingShiftRight(int which) { screen_.Charsets().gr = which; }
+    void SingleShift(int which) { singleShift_ = which; }
     void SetRomFont(RomFont font) { romFont_ = font; }
     void SelectUtf8(bool on); // ESC % G, ESC % @
     void SetCursorShape(CursorShape shape) { cursorShape_ = shape; }
