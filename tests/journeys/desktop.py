@@ -141,32 +141,32 @@ class Kestrune:
     def key(self, *keys):
         self.desktop.run("xdotool", "key", "--delay", "20", *keys)
 
-    def click(self, x, y, button=1, repeat=1):
-        self.desktop.run("xdotool", "mousemove", str(x), str(y), "click", "--repeat", str(repeat), "--delay", "40",
-                         str(button))
+    def click(self, x, y, button=1):
+        """At a place counted from the corner of the main window's inside."""
+        self.desktop.run("xdotool", "mousemove", "--window", self.main, str(x), str(y), "click", str(button))
 
     def save(self):
         """File, Save. Keys in a session belong to the host, so the menu is opened with the mouse."""
-        x, y, _, _ = self.geometry(self.main)
-        self.click(x + 20, y + 10)
+        self.click(28, 10)
         self.key("s")
 
     # --- eyes
     def screen_text(self):
         """The session's visible text: selected with the mouse from corner to corner of the active session, and
         read as any other program would read the selection."""
-        x, y, width, height = self.geometry(self.main)
+        _, _, width, height = self.geometry(self.main)
         text = ""
-        middle_x, middle_y = x + width // 2, y + height // 2
-        for end_x, end_y in ((x + 2, y + TOP_OF_SESSION), (x + width - 4, y + height - BOTTOM_OF_SESSION)):
+        middle = str(width // 2), str(height // 2)
+        for end in ((2, TOP_OF_SESSION), (width - 4, height - BOTTOM_OF_SESSION)):
             # Shift keeps the mouse from a program that asked for it.
-            self.desktop.run("xdotool", "mousemove", str(middle_x), str(middle_y), "click", "1", "keydown", "shift",
-                             "mousedown", "1", "mousemove", str((middle_x + end_x) // 2),
-                             str((middle_y + end_y) // 2), "mousemove", str(end_x), str(end_y), "mouseup", "1",
+            self.click(*middle)
+            self.desktop.run("xdotool", "keydown", "shift", "mousedown", "1",
+                             "mousemove", "--window", self.main, str((width // 2 + end[0]) // 2),
+                             str((height // 2 + end[1]) // 2),
+                             "mousemove", "--window", self.main, str(end[0]), str(end[1]), "mouseup", "1",
                              "keyup", "shift")
-            part = self.desktop.run("timeout", "5", "xclip", "-o", "-selection", "primary", check=False)
-            text += part
-        self.click(middle_x, middle_y)
+            text += self.desktop.run("timeout", "5", "xclip", "-o", "-selection", "primary", check=False)
+        self.click(*middle)
         return text
 
     def shows(self, needle, seconds=20):
@@ -210,7 +210,7 @@ def hive(home):
 
 
 # Heights of the bars above and below the session, in pixels, with room to spare for the frame.
-TOP_OF_SESSION = 86
+TOP_OF_SESSION = 104
 BOTTOM_OF_SESSION = 40
 
 
