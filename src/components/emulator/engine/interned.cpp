@@ -71,6 +71,7 @@ void StyleTable::Keep(const std::vector<bool>& inUse)
     for (size_t id = styles_.size(); id-- > 1;)
         if (!inUse[id])
             free_.push_back(StyleId(id));
+    sweepAt_ = std::max(kFirstSweep, Live() * 2);
     Rehash(slots_.size());
 }
 

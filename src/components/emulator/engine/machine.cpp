@@ -20,12 +20,12 @@ Size Clamped(Size size)
 // Which slot an intermediate designates into, ISO 2022: ( ) * + for sets of 94, - . / for sets of 96.
 struct Designator
 {
-    char intermediate;
     int slot;
+    char intermediate;
     bool wide96;
 };
 constexpr Designator kDesignators[] = {
-    {'(', 0, false}, {')', 1, false}, {'*', 2, false}, {'+', 3, false}, {'-', 1, true}, {'.', 2, true}, {'/', 3, true},
+    {0, '(', false}, {1, ')', false}, {2, '*', false}, {3, '+', false}, {1, '-', true}, {2, '.', true}, {3, '/', true},
 };
 
 // The controls that a PC console still obeys while it shows the others (Linux console: CTRL_ALWAYS).
@@ -129,6 +129,8 @@ void Machine::PowerUp()
     cursorShape_ = CursorShape::BlinkBlock;
     charset_ = options_.charset;
     palette_.fill(0);
+    parser_.Reset(); // also ends a printer controller mode that the host has forgotten
+    printing_ = false;
     screen_.SetWatcher(nullptr);
     screen_.SetWrapStyle(personality_->wrap);
     screen_.HardReset();
