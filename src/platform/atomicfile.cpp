@@ -16,7 +16,7 @@ namespace kestrune {
 
 namespace {
 
-constexpr off_t kMostContent = 512 * 1024 * 1024; // bytes: no file of settings or text comes near it
+constexpr off_t kMostContent = off_t(512) * 1024 * 1024; // bytes: no file of settings or text comes near it
 constexpr int kReadAttempts = 3;
 
 bool SameState(const struct stat& a, const struct stat& b)

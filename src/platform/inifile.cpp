@@ -64,7 +64,7 @@ std::vector<QByteArray> SplitLines(QByteArrayView content, int unit, bool little
 
 QString CheckedName(const QString& name, bool isKey)
 {
-    const QString trimmed = name.trimmed();
+    QString trimmed = name.trimmed();
     const bool broken = std::ranges::any_of(trimmed, EndsValue);
     const bool misread =
         isKey && (trimmed.isEmpty() || trimmed.contains(u'=') || trimmed.startsWith(u';') || trimmed.startsWith(u'['));

@@ -85,7 +85,7 @@ bool NativeFileSystem::IsReadOnly(const QString& path) const
 
 QString NativeFileSystem::Identity(const QString& path) const
 {
-    const QString canonical = QFileInfo(path).canonicalFilePath();
+    QString canonical = QFileInfo(path).canonicalFilePath();
     if (!canonical.isEmpty())
         return canonical;
     try {

@@ -175,7 +175,7 @@ QString FileSpec::ContractPath(const QString& path, const QString& home, const Q
         return RemoveBackslash(ExpandPath(portable, home, documents)) == RemoveBackslash(path);
     };
     for (const QString& tried : {Contracted(path, home, documents), Contracted(path, {}, documents)}) {
-        const QString portable = QString(tried).replace(style_.separator, u'\\');
+        QString portable = QString(tried).replace(style_.separator, u'\\');
         if (tried != path && leadsBack(portable))
             return portable;
     }
@@ -330,7 +330,7 @@ QString FileSpec::TempFileName(const QString& folder) const
 {
     constexpr int kLast = 999;
     for (int i = 1; i <= kLast; ++i) {
-        const QString name = AddBackslash(folder) + u"Work%1.tmp"_s.arg(i);
+        QString name = AddBackslash(folder) + u"Work%1.tmp"_s.arg(i);
         if (!PathExists(name))
             return name;
     }

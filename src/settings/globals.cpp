@@ -106,9 +106,9 @@ QString GlobalValues::Text(GlobalId id) const
 {
     const auto& row = GlobalSettingOf(id);
     const QString key = row.key.toString(), defaultValue = row.defaultValue.toString();
-    const QString stored = row.place == kStore
-                               ? store_.StoreGetString(StoreKey::Settings, key, defaultValue)
-                               : profile_.ProfileGetString(SectionName(row.place), key, defaultValue, iniFile_);
+    QString stored = row.place == kStore
+                         ? store_.StoreGetString(StoreKey::Settings, key, defaultValue)
+                         : profile_.ProfileGetString(SectionName(row.place), key, defaultValue, iniFile_);
     if (!row.base || !IsPath(row, stored))
         return stored;
     return spec_.ExpandPath(stored, folders_.*row.base, row.documents ? folders_.DocumentsDir : QString());

@@ -277,6 +277,7 @@ TEST_F(SavingTest, NoProcessLosesAnothersChange)
     constexpr int kProcesses = 4, kEach = 25;
     files.Replace(path, "");
     std::vector<pid_t> children;
+    children.reserve(kProcesses);
     for (int i = 0; i < kProcesses; ++i)
         children.push_back(StartChild([&] {
             for (int n = 0; n < kEach; ++n)

@@ -127,7 +127,7 @@ QString OrxFile::ReadText(qsizetype length)
 {
     while (Unread().size() < length && Fill()) {
     }
-    const QString text = Unread().left(length).toString();
+    QString text = Unread().left(length).toString();
     next_ += text.size();
     return text;
 }

@@ -107,7 +107,7 @@ QString ReadTextFile(const QString& path, TextCode& code)
         orxSetFileEncoding(file, RowOf(code).library);
     }
     orxSetTransferCharset(file, OrxCharsetUtf16);
-    const QString text = ReadAll(file, code == TextCode::Binary);
+    QString text = ReadAll(file, code == TextCode::Binary);
     orxCloseFile(file);
     return text;
 }

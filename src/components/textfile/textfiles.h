@@ -37,8 +37,8 @@ void EnsureUnicodeFile(FileSystem& files, const QString& path, const QString& te
 bool HasWideChars(const QString& text, bool exemptMarkers);
 bool IsWideText(const QString& text);
 
-// A safe update: the old file steps aside first, comes back when the new one cannot be written, and goes or becomes
-// the file's backup (backupName; empty: no backup is kept) when it was. False: nothing has changed.
+// A safe update: the new text goes in whole, and the old file becomes the backup (backupName; empty: none is kept),
+// in place of an older backup. False: it could not be written, and file and backup are as they were.
 bool ReplaceFile(FileSystem& files, const QString& path, const QString& text, TextCode code, const QString& backupName);
 
 // --- Thin file helpers. quiet: a failure gives false; otherwise it is raised with the system's text.
