@@ -8,6 +8,7 @@
 #include <menubar/sessionbar.h>
 #include <sessions/mdichild.h>
 #include <sessions/session.h>
+#include <sessions/sessionarea.h>
 #include <sessions/sessions.h>
 
 #include <QApplication>
@@ -51,11 +52,10 @@ void Tile(const QList<frmMdiChild*>& windows, QSize room, bool stacked)
 frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     : application_(application), parts_(std::move(parts)),
       logic_(std::make_unique<MdiParent>(application, *this, parts_.shutDown)), bars_(new MenuBarView(*this)),
-      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new QMdiArea), sessionBar_(new SessionBar)
+      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new SessionArea), sessionBar_(new SessionBar)
 {
     setWindowIcon(ProgramIcon());
     setContextMenuPolicy(Qt::NoContextMenu);
-    area_->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
     area_->setFrameShape(QFrame::NoFrame);
     area_->setBackground(palette().brush(QPalette::Mid));
     area_->setActivationOrder(QMdiArea::ActivationHistoryOrder);

@@ -289,13 +289,12 @@ void Kestrune::LoadRecentList()
 
 void Kestrune::RewriteRecentList()
 {
-    parts_.layer.store.StoreDeleteKey(StoreKey::RecentFiles);
+    const Folders& folders = parts_.layer.folders;
+    QList<std::pair<QString, QString>> values;
     for (int i = 1; i <= recent_.ListCount(); ++i)
-        parts_.layer.store.StoreSetString(StoreKey::RecentFiles, u"File_%1"_s.arg(i),
-                                          parts_.layer.spec.ContractPath(recent_.ListItem(i),
-                                                                         parts_.layer.folders.HomeDir,
-                                                                         parts_.layer.folders.DocumentsDir),
-                                          {});
+        values.emplace_back(u"File_%1"_s.arg(i),
+                            parts_.layer.spec.ContractPath(recent_.ListItem(i), folders.HomeDir, folders.DocumentsDir));
+    parts_.layer.store.StoreReplaceKey(StoreKey::RecentFiles, values);
     if (frame_ != nullptr)
         frame_->RecentFilesChanged();
 }

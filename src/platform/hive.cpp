@@ -69,6 +69,18 @@ void FileHive::Write(const QString& key, const QString& name, const HiveValue& v
     });
 }
 
+void FileHive::Replace(const QString& key, const std::vector<std::pair<QString, HiveValue>>& values)
+{
+    MakeFolders(files_, path_.left(path_.lastIndexOf(u'/')));
+    files_.Edit(path_, [&](const std::optional<QByteArray>& old) {
+        auto file = HiveFile::Parse(old.value_or(HiveFile::Heading()));
+        file.RemoveKey(CheckedKey(key));
+        for (const auto& [name, value] : values)
+            file.Set(key, name, value);
+        return std::optional(file.Serialise());
+    });
+}
+
 void FileHive::DeleteValue(const QString& key, const QString& name)
 {
     EditExisting([&](HiveFile& file) { file.Remove(key, name); });

@@ -10,6 +10,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace kestrune {
 
@@ -43,6 +45,8 @@ public:
     virtual void DeleteValue(const QString& key, const QString& name) = 0;                   // none there: nothing
     // With its values. A key that has keys below it stays, and the call raises: the caller sees what it would lose.
     virtual void DeleteKey(const QString& key) = 0;
+    // Afterwards the key has these values and no others, whatever happens on the way: the old ones or the new ones.
+    virtual void Replace(const QString& key, const std::vector<std::pair<QString, HiveValue>>& values) = 0;
 };
 
 // A hive in one file that a person can read and edit:
@@ -63,6 +67,7 @@ public:
     void Write(const QString& key, const QString& name, const HiveValue& value) override;
     void DeleteValue(const QString& key, const QString& name) override;
     void DeleteKey(const QString& key) override;
+    void Replace(const QString& key, const std::vector<std::pair<QString, HiveValue>>& values) override;
 
     const QString& Path() const { return path_; }
 

@@ -106,8 +106,10 @@ void ChildLogic::RefreshMenu()
 {
     MenuTools& tools = window_.Tools();
     EmulatorSettings& settings = window_.Emulator().Settings();
-    if (std::exchange(menuDirty_, false))
+    if (std::exchange(menuDirty_, false)) {
         window_.Emulator().RefreshMenu();
+        events_->TellAgain();
+    }
     const auto enable = [&tools](int tool, bool on) { tools.SetToolProperty(tool, ToolProperty::Enabled, on); };
     enable(Tool::Paste, application_.Frame()->ClipboardHasText());
     enable(Tool::PrinterStatus, settings.Text(Setting("SlavePrinterName")) != NoPrinter);
@@ -191,10 +193,10 @@ bool ChildLogic::CloseQuery(UnloadMode mode)
     if (session->Busy()) {
         application_.Ask().Beep();
     } else {
-        const int prompt = mode == UnloadMode::MainWindow    ? application_.PendingPrompt()
-                           : mode == UnloadMode::TaskManager ? int(TerminatePrompt::None)
-                                                             : TerminatePrompt::UnsavedChanges |
-                                                                   TerminatePrompt::LiveConnection;
+        const int prompt = mode == UnloadMode::MainWindow ? application_.PendingPrompt()
+                           : mode == UnloadMode::TaskManager
+                               ? int(TerminatePrompt::None)
+                               : TerminatePrompt::UnsavedChanges | TerminatePrompt::LiveConnection;
         ReportFailure(application_, [&] { mayClose = session->QueryTerminate(prompt); });
     }
     if (!mayClose) {

@@ -39,13 +39,13 @@ public:
     std::shared_ptr<clsSession> Session() const; // null: none, or it has ended
 
     // --- what happened to the window
-    void FrameActivated();         // its frame became active: the focus follows 250 ms later
-    bool FrameDeactivated();       // true: swallow it, the frame is not repainted as inactive
-    void MdiActivated();           // it became the active one of the main window's windows
-    void Activated();              // the same, once all is in place
-    void Resized();                // moved, resized, or another state
+    void FrameActivated();            // its frame became active: the focus follows 250 ms later
+    bool FrameDeactivated();          // true: swallow it, the frame is not repainted as inactive
+    void MdiActivated();              // it became the active one of the main window's windows
+    void Activated();                 // the same, once all is in place
+    void Resized();                   // moved, resized, or another state
     bool CloseQuery(UnloadMode mode); // true: it may close
-    void Unloaded();               // the last thing told
+    void Unloaded();                  // the last thing told
     // key: the platform's key code; shift: 1 shift, 2 control, 4 alt. True: eaten.
     bool KeyDown(int key, int shift);
     void KeyUp(int key);

@@ -2,7 +2,6 @@
 
 #include <emulator/control/ctlemulator.h>
 #include <ports/line.h>
-#include <ports/menutools.h>
 #include <ports/questions.h>
 #include <ports/recorder.h>
 #include <ports/scriptengine.h>
@@ -81,6 +80,7 @@ EmulatorEvents::EmulatorEvents(ApplicationPort& application, SessionWindow& wind
     : application_(application), window_(window)
 {
     ctlEmulator& emulator = window.Emulator();
+    SetCaption(Tool::TermType, TermTypeName(emulator.Settings().Integer(Setting("TermType"))));
     ConnectStatus(emulator);
     ConnectSession(emulator);
     ConnectLine(emulator);
@@ -90,9 +90,16 @@ EmulatorEvents::EmulatorEvents(ApplicationPort& application, SessionWindow& wind
 
 void EmulatorEvents::Stop() { disconnect(&window_.Emulator(), nullptr, this, nullptr); }
 
-void EmulatorEvents::SetCaption(int tool, const QString& text)
+void EmulatorEvents::Tell(int tool, ToolProperty property, const QVariant& value)
 {
-    window_.Tools().SetToolProperty(tool, ToolProperty::Caption, text);
+    told_[{tool, property}] = value;
+    window_.Tools().SetToolProperty(tool, property, value);
+}
+
+void EmulatorEvents::TellAgain()
+{
+    for (const auto& [what, value] : told_)
+        window_.Tools().SetToolProperty(what.first, what.second, value);
 }
 
 // --- status line
@@ -107,22 +114,20 @@ void EmulatorEvents::ConnectStatus(ctlEmulator& emulator)
             [this](int type) { SetCaption(Tool::TermType, TermTypeName(type)); });
     connect(&emulator, &ctlEmulator::PrinterChange, this, [this](int state) {
         SetCaption(Tool::PrinterStatus, state < 0 ? tr("Off") : state == 0 ? tr("Idle") : tr("On"));
-        window_.Tools().SetToolProperty(Tool::PrinterOn, ToolProperty::Checked, state == 1);
+        Tell(Tool::PrinterOn, ToolProperty::Checked, state == 1);
     });
-    connect(&emulator, &ctlEmulator::CaptureChange, this, [this](int state) {
-        SetCaption(Tool::CaptureStatus, state != 0 ? tr("Capture On") : tr("Capture Off"));
-    });
+    connect(&emulator, &ctlEmulator::CaptureChange, this,
+            [this](int state) { SetCaption(Tool::CaptureStatus, state != 0 ? tr("Capture On") : tr("Capture Off")); });
     connect(&emulator, &ctlEmulator::ScreenSizeChange, this, [this](int cols, int rows, int pages, bool extended) {
         SetCaption(Tool::ScreenSize, CommaText({cols, rows, pages}));
-        window_.Tools().SetToolProperty(Tool::ScreenMode, ToolProperty::Checked, extended);
+        Tell(Tool::ScreenMode, ToolProperty::Checked, extended);
     });
     connect(&emulator, &ctlEmulator::CursorMove, this, [this](int column, int row, int page) {
         SetCaption(Tool::CursorPlace, CommaText({column, row, page}));
     });
     connect(&emulator, &ctlEmulator::KeyboardLock, this, [this](bool locked) {
-        window_.Tools().SetToolProperty(Tool::KeyboardLock, ToolProperty::Checked, locked);
-        window_.Tools().SetToolProperty(Tool::KeyboardLock, ToolProperty::ToolTipText,
-                                        locked ? tr("Keyboard locked") : tr("Keyboard unlocked"));
+        Tell(Tool::KeyboardLock, ToolProperty::Checked, locked);
+        Tell(Tool::KeyboardLock, ToolProperty::ToolTipText, locked ? tr("Keyboard locked") : tr("Keyboard unlocked"));
     });
 }
 
@@ -135,7 +140,7 @@ void EmulatorEvents::StatusChanged(qint16 status, QString& text)
         lossTold_ = false;
         lastError_ = 0;
     }
-    window_.Tools().SetToolProperty(Tool::AutoDial, ToolProperty::Enabled, connected);
+    Tell(Tool::AutoDial, ToolProperty::Enabled, connected);
     SetCaption(Tool::ConnectionStatus, text.left(StatusTextLength));
 }
 
@@ -205,8 +210,10 @@ void EmulatorEvents::CommError(quint32& word, const QString& description, bool f
         return;
     const quint32 number = word & ErrorNumberMask;
     word = 0; // dealt with below
-    const bool saidByDisconnect = session->AutoClose() || IsNetworkDevice(session->Settings().Integer(Setting("Device")));
-    if (saidByDisconnect && std::find(ErrorsOfDisconnect.begin(), ErrorsOfDisconnect.end(), number) != ErrorsOfDisconnect.end())
+    const bool saidByDisconnect =
+        session->AutoClose() || IsNetworkDevice(session->Settings().Integer(Setting("Device")));
+    if (saidByDisconnect &&
+        std::find(ErrorsOfDisconnect.begin(), ErrorsOfDisconnect.end(), number) != ErrorsOfDisconnect.end())
         return;
     if (number != 0 && (fatal || session->ShowErrs()))
         SayLoss(description, session->ShowErrs() || number >= FirstGeneralError);

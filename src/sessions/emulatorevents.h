@@ -2,7 +2,12 @@
 
 // What an emulator control reports, turned into status texts, session calls, messages and recorder notices.
 
+#include <ports/menutools.h>
+
 #include <QObject>
+
+#include <map>
+#include <utility>
 
 namespace kestrune {
 
@@ -16,7 +21,8 @@ class EmulatorEvents : public QObject
 public:
     // Listens to the window's emulator from now on. Both outlive it.
     EmulatorEvents(ApplicationPort& application, SessionWindow& window);
-    void Stop(); // nothing is handled any more
+    void Stop();      // nothing is handled any more
+    void TellAgain(); // puts every status into the window's tools again, which have been loaded anew
 
 private:
     void ConnectStatus(ctlEmulator& emulator);
@@ -24,7 +30,8 @@ private:
     void ConnectLine(ctlEmulator& emulator);
     void ConnectRecorder(ctlEmulator& emulator);
     void ConnectUser(ctlEmulator& emulator);
-    void SetCaption(int tool, const QString& text);
+    void Tell(int tool, ToolProperty property, const QVariant& value);
+    void SetCaption(int tool, const QString& text) { Tell(tool, ToolProperty::Caption, text); }
     void StatusChanged(qint16 status, QString& text);
     void CommError(quint32& word, const QString& description, bool fatal);
     void Disconnected();
@@ -33,8 +40,9 @@ private:
 
     ApplicationPort& application_;
     SessionWindow& window_;
-    quint32 lastError_ = 0;  // error word of the last CommError; 0: none
-    bool lossTold_ = false; // the user has been told why this connection is gone
+    std::map<std::pair<int, ToolProperty>, QVariant> told_; // events say a status only when it changes
+    quint32 lastError_ = 0;                                 // error word of the last CommError; 0: none
+    bool lossTold_ = false;                                 // the user has been told why this connection is gone
 };
 
 } // namespace kestrune

@@ -17,7 +17,7 @@ namespace {
 
 // How a line of a script begins, in lower case. "rem" has no blank behind it, deliberately: "remark" counts too.
 constexpr std::array<QStringView, 13> ScriptWords = {
-    u"sub ",   u"function ", u"dim ",    u"global ", u"static ",      u"public ",           u"private ",
+    u"sub ",   u"function ", u"dim ",  u"global ",      u"static ",           u"public ", u"private ",
     u"begin ", u"option ",   u"type ", u"declare sub ", u"declare function ", u"rem"};
 
 bool LooksLikeScript(const QString& line)

@@ -27,7 +27,8 @@ enum class FileType : int
 FileType FileKind(const SettingsLayer& layer, const QString& name);
 
 // These answer false for a file that is not there or cannot be read.
-bool IsConfigFile(const SettingsLayer& layer, const QString& name); // TermType is not empty; the extension plays no part
+bool IsConfigFile(const SettingsLayer& layer,
+                  const QString& name); // TermType is not empty; the extension plays no part
 bool IsLayoutFile(const SettingsLayer& layer, const QString& name); // the layout section holds a key
 bool IsScriptFile(const SettingsLayer& layer, const QString& name); // a line begins like a script's
 

@@ -215,8 +215,7 @@ void WriteLayout(ApplicationPort& application, const QString& file)
             continue;
         LayoutPart part(layer.profile, file, FileSection(++count));
         const bool besideLayout = layer.spec.GetDirPart(session->FileName()) == folder;
-        part.SetText(u"FileName",
-                     besideLayout ? layer.spec.GetFileNameExt(session->FileName()) : session->FileName());
+        part.SetText(u"FileName", besideLayout ? layer.spec.GetFileNameExt(session->FileName()) : session->FileName());
         const SessionWindow& window = *session->frmSession();
         const WindowPlace place = window.Place();
         part.SetPlace(place);
@@ -253,8 +252,8 @@ void SaveLayout(ApplicationPort& application)
 bool SaveLayoutAs(ApplicationPort& application)
 {
     const QString oldName = application.LayoutFileName();
-    const auto name = application.Ask().SaveFile(
-        SaveAsDialog(SavedThing::Layout, application.Layer().folders.SessionDir, oldName));
+    const auto name =
+        application.Ask().SaveFile(SaveAsDialog(SavedThing::Layout, application.Layer().folders.SessionDir, oldName));
     if (!name || name->isEmpty())
         return false;
     application.SetLayoutFileName(*name);
@@ -275,8 +274,8 @@ bool SaveLayoutByCommand(ApplicationPort& application)
         SaveLayout(application);
         return true;
     } catch (const Failure& failure) {
-        const QString words = SaveFailureWords(failure, SavedThing::Layout, application.Layer().spec,
-                                               application.LayoutFileName());
+        const QString words =
+            SaveFailureWords(failure, SavedThing::Layout, application.Layer().spec, application.LayoutFileName());
         if (words.isEmpty())
             throw;
         MsgBox(application.Ask(), words, MsgFlag::Exclamation);

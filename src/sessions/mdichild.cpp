@@ -230,13 +230,7 @@ bool frmMdiChild::event(QEvent* event)
 bool frmMdiChild::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == view_ && !unloaded_) {
-        if (event->type() == QEvent::ShortcutOverride) {
-            // The area of windows has a walk of its own on Ctrl+Tab: the key is to come here instead.
-            if (FromKeyEvent(*static_cast<QKeyEvent*>(event)).key == TabKeyCode) {
-                event->accept();
-                return true;
-            }
-        } else if (event->type() == QEvent::KeyPress) {
+        if (event->type() == QEvent::KeyPress) {
             const PlatformKey key = FromKeyEvent(*static_cast<QKeyEvent*>(event));
             if (key.key != 0 && logic_->KeyDown(key.key, key.shift))
                 return true;

@@ -94,7 +94,7 @@ private:
     QPointer<QAction> closeAction_; // of the system menu
     QString tag_;
     QString title_;
-    QRect normalPlace_;  // the restored position, kept while maximised or minimised
+    QRect normalPlace_;   // the restored position, kept while maximised or minimised
     int hiddenState_ = 0; // the state that the first show brings
     bool unloaded_ = false;
 };

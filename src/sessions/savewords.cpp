@@ -44,8 +44,7 @@ Failure SaveFailure(const Failure& failure)
     }
 }
 
-QString SaveFailureWords(const Failure& failure, SavedThing thing, const FileSpec& spec,
-                         const QString& path)
+QString SaveFailureWords(const Failure& failure, SavedThing thing, const FileSpec& spec, const QString& path)
 {
     const QString name = thing == SavedThing::Session ? SaveTr("session") : SaveTr("layout");
     QString reason;

@@ -25,7 +25,6 @@ FileDialogRequest SaveAsDialog(SavedThing thing, const QString& folder, const QS
 Failure SaveFailure(const Failure& failure);
 
 // The message for 53 and 75, which leads to the Save As dialog; empty for every other number.
-QString SaveFailureWords(const Failure& failure, SavedThing thing, const FileSpec& spec,
-                         const QString& path);
+QString SaveFailureWords(const Failure& failure, SavedThing thing, const FileSpec& spec, const QString& path);
 
 } // namespace kestrune

@@ -61,7 +61,7 @@ std::shared_ptr<clsSession> clsSession::Create(ApplicationPort& application)
     MainWindow* frame = application.Frame();
     if (!frame)
         throw Failure(ErrorNumber::ObjectNotSet, tr("A session needs the main window."), u"clsSession"_s);
-    const std::shared_ptr<clsSession> session(new clsSession(application));
+    std::shared_ptr<clsSession> session(new clsSession(application));
     session->number_ = application.NextSessionNumber();
     session->frmSession_ = frame->NewSessionWindow(*session);
     session->SetId(QString::number(session->number_));
@@ -83,10 +83,7 @@ void clsSession::SetId(const QString& id)
         frmSession_->SetTag(id);
 }
 
-int clsSession::Index() const
-{
-    return application_.Sessions().Find(id_).get() == this ? 0 : -1;
-}
+int clsSession::Index() const { return application_.Sessions().Find(id_).get() == this ? 0 : -1; }
 
 bool clsSession::Busy() const { return frmSession_ && frmSession_->Emulator().Busy() > 0; }
 
@@ -239,7 +236,12 @@ void clsSession::SetMousePatterns(const QString&) { NotServed(u"MousePatterns"_s
 QString clsSession::Script() const { NotServed(u"Script"_s); }
 void clsSession::SetScript(const QString&) { NotServed(u"Script"_s); }
 
-void clsSession::ReadProperties(const PropertyBag& bag) { ReadSessionBag(bag, *this); }
+void clsSession::ReadProperties(const PropertyBag& bag)
+{
+    if (const auto failure = ReadSessionBag(bag, *this))
+        throw *failure;
+}
+
 void clsSession::WriteProperties(PropertyBag& bag) const { WriteSessionBag(bag, *this); }
 
 // --- title, icon, menu

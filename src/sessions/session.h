@@ -5,6 +5,7 @@
 // Settings(). Made only by clsSessions. After TerminateSession the object lives on only while somebody holds a
 // reference: what guards on Terminated() then does nothing, the rest raises Failure ObjectNotSet.
 
+#include <dispatch/failure.h>
 #include <dispatch/substitutename.h>
 #include <sessions/sessionsettings.h>
 
@@ -39,10 +40,10 @@ public:
     ~clsSession() override;
 
     // --- identity
-    QString Id() const { return id_; }       // decimal text, never reused in a run
-    int Number() const { return number_; }   // the same as a number
-    void SetId(const QString& id);           // also the window's Tag
-    int Index() const;                       // 0: in the collection, -1: not; it gives no position, deliberately
+    QString Id() const { return id_; }     // decimal text, never reused in a run
+    int Number() const { return number_; } // the same as a number
+    void SetId(const QString& id);         // also the window's Tag
+    int Index() const;                     // 0: in the collection, -1: not; it gives no position, deliberately
     bool Terminated() const { return terminated_; }
     void SetTerminated(bool on) { terminated_ = on; }
     bool Busy() const; // false when the window is gone
@@ -69,7 +70,7 @@ public:
     void SetHeight(int height);
     bool Visible() const { return shown_; }
     void SetVisible(bool on);
-    int WindowState() const; // 0 normal, 1 minimised (also: not visible), 2 maximised
+    int WindowState() const;        // 0 normal, 1 minimised (also: not visible), 2 maximised
     void SetWindowState(int state); // outside 0 to 2: ignored
 
     // --- file
@@ -166,6 +167,8 @@ private:
 
     explicit clsSession(ApplicationPort& application);
     void LoadSession(const QString& fileName);
+    void TakeDefaults();
+    std::optional<Failure> ReadFile();                    // a file it names that is missing
     bool SaveSession(const QString& name, Dialog dialog); // false: cancelled
     std::optional<QString> AskForFileName() const;
     void WriteFile();

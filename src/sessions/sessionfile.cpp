@@ -91,12 +91,26 @@ Variant EmptyValue(const SessionKey& key)
     return {};
 }
 
+template <typename ValueOf>
+std::optional<Failure> AssignAll(SessionSettings& settings, ValueOf&& valueOf)
+{
+    std::optional<Failure> first;
+    for (const SessionKey& key : SessionKeys) {
+        try {
+            key.set(settings, valueOf(key));
+        } catch (const Failure& failure) {
+            if (!first)
+                first.emplace(failure);
+        }
+    }
+    return first;
+}
+
 } // namespace
 
-void ReadSessionKeys(const KeyFile& file, SessionSettings& settings)
+std::optional<Failure> ReadSessionKeys(const KeyFile& file, SessionSettings& settings)
 {
-    for (const SessionKey& key : SessionKeys)
-        key.set(settings, ValueFromFile(key, file));
+    return AssignAll(settings, [&file](const SessionKey& key) { return ValueFromFile(key, file); });
 }
 
 void WriteSessionKeys(KeyFile& file, const SessionSettings& settings, const FileSpec& spec, const QString& programDir)
@@ -115,10 +129,10 @@ void WriteSessionKeys(KeyFile& file, const SessionSettings& settings, const File
     }
 }
 
-void ReadSessionBag(const PropertyBag& bag, SessionSettings& settings)
+std::optional<Failure> ReadSessionBag(const PropertyBag& bag, SessionSettings& settings)
 {
-    for (const SessionKey& key : SessionKeys)
-        key.set(settings, bag.ReadProperty(key.bagKey.toString(), EmptyValue(key)));
+    return AssignAll(
+        settings, [&bag](const SessionKey& key) { return bag.ReadProperty(key.bagKey.toString(), EmptyValue(key)); });
 }
 
 void WriteSessionBag(PropertyBag& bag, const SessionSettings& settings)

@@ -36,29 +36,53 @@ void clsSession::SetSessionFilename(const QString& name)
 
 void clsSession::LoadSession(const QString& fileName)
 {
-    const Hourglass hourglass(application_.Ask());
-    fileName_ = fileName;
-    saveDir_ = application_.Layer().folders.HomeDir;
-    caption_.clear();
-    icon_.clear();
-    customMouseTable_.clear();
-    autoClose_ = showErrs_ = capsLock_ = false;
-    copyPasteShortcut_ = 0;
-    if (fileName.isEmpty()) {
-        Settings().ResetToDefaults();
-        Settings().SetValue(Setting("FontName"), DefaultFontName());
-    } else {
-        application_.Layer().keyFiles.Read(fileName, SessionSection.toString(),
-                                  [this](const KeyFile& file) { ReadSessionKeys(file, *this); });
-        Settings().Load(fileName);
-        if (const QString folder = application_.Layer().spec.GetDirPart(fileName); !folder.isEmpty())
-            saveDir_ = application_.Layer().folders.SessionDir = folder;
+    const std::shared_ptr<clsSession> self = shared_from_this();
+    Window(); // raises when the session has ended
+    std::optional<Failure> missing;
+    {
+        const Hourglass hourglass(application_.Ask());
+        fileName_ = fileName;
+        saveDir_ = application_.Layer().folders.HomeDir;
+        caption_.clear();
+        icon_.clear();
+        customMouseTable_.clear();
+        autoClose_ = showErrs_ = capsLock_ = false;
+        copyPasteShortcut_ = 0;
+        if (fileName.isEmpty())
+            TakeDefaults();
+        else
+            missing = ReadFile();
+        ApplySessionMenu();
+        SetChanged(false);
+        Window().SetMenuDirty();
+        SetSessionTitle();
+        SetSessionIcon();
     }
-    ApplySessionMenu();
-    SetChanged(false);
-    Window().SetMenuDirty();
-    SetSessionTitle();
-    SetSessionIcon();
+    if (missing) // a mouse table that is not there does not keep the session from opening
+        MsgBox(application_.Ask(), missing->Text(), MsgFlag::Exclamation);
+}
+
+void clsSession::TakeDefaults()
+{
+    Settings().ResetToDefaults();
+    Settings().SetValue(Setting("FontName"), DefaultFontName());
+}
+
+std::optional<Failure> clsSession::ReadFile()
+{
+    SettingsLayer& layer = application_.Layer();
+    std::optional<Failure> missing;
+    try {
+        layer.keyFiles.Read(fileName_, SessionSection.toString(),
+                            [&](const KeyFile& file) { missing = ReadSessionKeys(file, *this); });
+        Settings().Load(fileName_);
+    } catch (...) {
+        fileName_.clear(); // a save must not put what was not read in the place of what stands there
+        throw;
+    }
+    if (const QString folder = layer.spec.GetDirPart(fileName_); !folder.isEmpty())
+        saveDir_ = layer.folders.SessionDir = folder;
+    return missing;
 }
 
 // --- save
@@ -166,9 +190,9 @@ bool clsSession::ConfirmDisconnect(const QString& title)
         return true;
     const bool modem = device == Device::Modem;
     const bool several = !modem && application_.Sessions().Count() > 1 && application_.CloseSweep();
-    const QString text =
-        modem ? tr("Do you want to disconnect dial-up\r\nconnection for \"%1\" ?").arg(title)
-              : tr("Do you want to disconnect session\r\n\"%1\" from %2 ?").arg(title, Settings().Text(Setting("HostName")));
+    const QString text = modem ? tr("Do you want to disconnect dial-up\r\nconnection for \"%1\" ?").arg(title)
+                               : tr("Do you want to disconnect session\r\n\"%1\" from %2 ?")
+                                     .arg(title, Settings().Text(Setting("HostName")));
     const int buttons = several ? MsgFlag::YesNoYesToAll : MsgFlag::YesNo;
     const int result = MsgBox(application_.Ask(), text, buttons | MsgFlag::Question | MsgFlag::CheckBox);
     if (result & MsgResult::Checked)
@@ -197,7 +221,8 @@ bool clsSession::ConfirmSave(const QString& title)
         Save();
         return true;
     } catch (const Failure& failure) {
-        if (const QString words = SaveFailureWords(failure, SavedThing::Session, application_.Layer().spec, fileName_); !words.isEmpty())
+        if (const QString words = SaveFailureWords(failure, SavedThing::Session, application_.Layer().spec, fileName_);
+            !words.isEmpty())
             MsgBox(application_.Ask(), words, MsgFlag::Exclamation);
     }
     return SaveAs();

@@ -20,11 +20,11 @@ namespace {
 
 constexpr int FirstNumberedFormat = 4; // title formats from here on show a number that depends on the others
 
+QString SessionsTr(const char* text) { return QCoreApplication::translate("kestrune::clsSessions", text); }
+
 [[noreturn]] void NoSuchSession(const QString& index)
 {
-    throw Failure(ErrorNumber::InvalidCall,
-                  QCoreApplication::translate("kestrune::clsSessions", "There is no session \"%1\".").arg(index),
-                  u"clsSessions"_s);
+    throw Failure(ErrorNumber::InvalidCall, SessionsTr("There is no session \"%1\".").arg(index), u"clsSessions"_s);
 }
 
 bool IsShown(int hidden) { return hidden != AddHidden::OnlyNotShown && !(hidden & AddHidden::NotShown); }
@@ -41,7 +41,7 @@ std::shared_ptr<clsSession> clsSessions::Add(const QString& fileName, int state,
 {
     if (state < 0)
         state = application_.InitChildWindowState();
-    const auto session = clsSession::Create(application_);
+    auto session = clsSession::Create(application_);
     try {
         session->SetWindowState(state);
         session->Emulator().SetInputMode(mode);
@@ -67,8 +67,8 @@ std::shared_ptr<clsSession> clsSessions::AddClone(clsSession* session, int state
     const bool changed = session->Changed();
     const QString fileName = session->FileName();
 
-    const auto clone = Add({}, state, mode, AddHidden::NotShown | AddHidden::NotOnLine | AddHidden::NoTitles);
-    clone->ReadProperties(bag);
+    auto clone = Add({}, state, mode, AddHidden::NotShown | AddHidden::NotOnLine | AddHidden::NoTitles);
+    Silently([&] { clone->ReadProperties(bag); }); // what is missing was told when the source was opened
     clone->Settings().ReadProperties(bag);
     clone->SetChanged(changed);
     clone->SetSessionFilename(fileName);
@@ -108,8 +108,8 @@ std::shared_ptr<clsSession> clsSessions::Item(const QString& key) const
 
 std::shared_ptr<clsSession> clsSessions::Find(const QString& key) const
 {
-    const auto found = std::find_if(sessions_.begin(), sessions_.end(),
-                                    [&key](const auto& session) { return session->Id() == key; });
+    const auto found =
+        std::find_if(sessions_.begin(), sessions_.end(), [&key](const auto& session) { return session->Id() == key; });
     return found == sessions_.end() ? nullptr : *found;
 }
 
@@ -138,9 +138,14 @@ void clsSessions::RemoveSession(const std::shared_ptr<clsSession>& session)
         frame->UpdateNoActiveSession();
 }
 
-void clsSessions::clsAdd(std::shared_ptr<clsSession> session)
+void clsSessions::clsAdd(const std::shared_ptr<clsSession>& session)
 {
-    Guarded(application_.Ask(), u"clsAdd"_s, u"clsSessions"_s, [&] { sessions_.push_back(std::move(session)); });
+    Guarded(application_.Ask(), u"clsAdd"_s, u"clsSessions"_s, [&] {
+        if (Find(session->Id()))
+            throw Failure(ErrorNumber::InvalidCall, SessionsTr("There is a session \"%1\" already.").arg(session->Id()),
+                          u"clsSessions"_s);
+        sessions_.push_back(session);
+    });
 }
 
 void clsSessions::RefreshTitles()

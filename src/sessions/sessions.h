@@ -43,8 +43,8 @@ public:
     void Remove(int position);
     void Remove(const QString& key);
 
-    void clsAdd(std::shared_ptr<clsSession> session); // the session's creation calls it
-    void RefreshTitles();                             // when they show numbers that depend on the others
+    void clsAdd(const std::shared_ptr<clsSession>& session); // the session's creation calls it
+    void RefreshTitles();                                    // when they show numbers that depend on the others
 
     // A walk through the sessions with Ctrl held down: their order of use stands still until Ctrl goes up.
     bool Walking() const { return walking_; }

@@ -68,4 +68,13 @@ void RegFuncs::RegDeleteKey(quint32 hive, const QString& key)
         Quietly([&] { from->DeleteKey(key); });
 }
 
+void RegFuncs::RegReplaceKey(quint32 hive, const QString& key, const QList<std::pair<QString, QString>>& values)
+{
+    std::vector<std::pair<QString, HiveValue>> stored;
+    for (const auto& [name, value] : values)
+        stored.emplace_back(name, HiveValue{HiveValueType::String, value});
+    if (auto* to = Of(hive))
+        Quietly([&] { to->Replace(key, stored); });
+}
+
 } // namespace kestrune

@@ -25,6 +25,8 @@ public:
     void RegSetString(quint32 hive, const QString& key, const QString& name, const QString& value,
                       const QString& defaultValue);
     void RegDeleteKey(quint32 hive, const QString& key);
+    // Deletes the key and writes these values, in one step: name and value.
+    void RegReplaceKey(quint32 hive, const QString& key, const QList<std::pair<QString, QString>>& values);
 
 private:
     Hive* Of(quint32 hive) const;

@@ -68,6 +68,27 @@ void Store::StoreDeleteKey(const QString& key)
     }
 }
 
+void Store::StoreReplaceKey(const QString& key, const QList<std::pair<QString, QString>>& values)
+{
+    switch (isolation_.PersistSettings()) {
+    case Isolation::ToRegistry:
+        registry_.RegReplaceKey(RegFuncs::CurrentUser, key, values);
+        return;
+    case Isolation::ToFile:
+        MakeAppStateFile();
+        Quietly([&] {
+            ProfileGroup group(profile_, isolation_.AppStateFile());
+            StoreDeleteKey(key);
+            for (const auto& [name, value] : values)
+                StoreSetString(key, name, value, {});
+            group.Commit();
+        });
+        return;
+    default:
+        return;
+    }
+}
+
 // Empty, in UTF-16 with its mark. Looked for under the file's lock: another process may have just made and filled it.
 void Store::MakeAppStateFile()
 {

@@ -30,6 +30,9 @@ public:
     QString StoreGetString(const QString& key, const QString& name, const QString& defaultValue) const;
     void StoreSetString(const QString& key, const QString& name, const QString& value, const QString& defaultValue);
     void StoreDeleteKey(const QString& key);
+    // Deletes the key and stores these values, name and value, in one step: killed at any instant, the old list or
+    // the new one is there.
+    void StoreReplaceKey(const QString& key, const QList<std::pair<QString, QString>>& values);
 
     bool IsolationActive() const; // the store is anything other than the hive
     QString IsolationAppDataDir() const;

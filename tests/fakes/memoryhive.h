@@ -23,6 +23,10 @@ public:
     }
     void DeleteValue(const QString& key, const QString& name) override { hive_.DeleteValue(key, name); }
     void DeleteKey(const QString& key) override { hive_.DeleteKey(key); }
+    void Replace(const QString& key, const std::vector<std::pair<QString, HiveValue>>& values) override
+    {
+        hive_.Replace(key, values);
+    }
 
     // Text of a value, "<none>" when there is none.
     QString Text(const QString& key, const QString& name) const

@@ -59,13 +59,29 @@ TEST(ChildLogic, EmulatorEventsBecomeStatusTexts)
     EXPECT_EQ(bench.Property(1108, ToolProperty::ToolTipText).toString(), u"Keyboard unlocked"_s);
 }
 
+TEST(ChildLogic, StatusSurvivesAMenuThatIsLoadedAnew)
+{
+    ChildBench bench;
+    EXPECT_EQ(bench.window->tools.Caption(1101), u"VT220"_s);
+    bench.lines.Current().Connect();
+    bench.window->tools.SetToolProperty(1101, ToolProperty::Caption, u"Emulation"_s);
+    bench.window->tools.SetToolProperty(1102, ToolProperty::Caption, QString());
+    bench.session->ApplySessionMenu();
+    EXPECT_EQ(bench.window->tools.Caption(1101), u"VT220"_s);
+    EXPECT_EQ(bench.window->tools.Caption(1102), u"Connected"_s);
+}
+
 TEST(ChildLogic, TerminalTypesHaveNames)
 {
     ChildBench bench;
     bench.Write(InstallationIniFile(bench.layer.folders), "[Custom]\nTT51=a,b,My Type,c\n");
-    for (const auto& [type, name] :
-         {std::pair{0, u"TTY"_s}, {8, u"VT220"_s}, {16, u"Linux Console"_s}, {19, u"MDIS P8"_s},
-          {77, u"VT220 Lanpar"_s}, {50, u"Unk"_s}, {51, u"My Type"_s}}) {
+    for (const auto& [type, name] : {std::pair{0, u"TTY"_s},
+                                     {8, u"VT220"_s},
+                                     {16, u"Linux Console"_s},
+                                     {19, u"MDIS P8"_s},
+                                     {77, u"VT220 Lanpar"_s},
+                                     {50, u"Unk"_s},
+                                     {51, u"My Type"_s}}) {
         emit bench.window->emulator->TermTypeChange(type);
         EXPECT_EQ(bench.window->tools.Caption(1101), name);
     }

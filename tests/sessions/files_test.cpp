@@ -59,7 +59,7 @@ TEST(Files, NamesAreLookedUpInTheHomeFolderThenInTheCurrentOne)
         {u"both"_s, u"orcf"_s, both},
         {both, u"orcf"_s, both},
         {u"here"_s, u"orcf;cfg"_s, current.filePath(u"here.cfg"_s)},
-        {u"here.orcf"_s, u"orcf;cfg"_s, {}}, // a name with a dot gets no extension
+        {u"here.orcf"_s, u"orcf;cfg"_s, {}},           // a name with a dot gets no extension
         {u"both"_s, SessionExtensions.toString(), {}}, // two dots: a script names its file in full
         {u"none"_s, u"orcf"_s, {}},
         {{}, u"orcf"_s, {}},

@@ -72,7 +72,8 @@ TEST(Layout, SaveEmptiesTheOldFileAndKeepsAbsoluteNames)
     bench.layoutFileName =
         bench.Write(u"l.lyt"_s, "[Kestrune Main]\nFiles=9\nScript=old\n[File9]\nFileName=x\n[Junk]\na=b\n");
     SaveLayout(bench);
-    EXPECT_EQ(bench.layer.profile.ProfileGetSections(bench.layoutFileName), (QStringList{u"Kestrune Main"_s, u"File1"_s}));
+    EXPECT_EQ(bench.layer.profile.ProfileGetSections(bench.layoutFileName),
+              (QStringList{u"Kestrune Main"_s, u"File1"_s}));
     EXPECT_EQ(bench.LayoutKey(u"Kestrune Main"_s, u"Script"_s), u"(none)"_s);
     EXPECT_EQ(bench.LayoutKey(u"File1"_s, u"FileName"_s), file);
 }
@@ -110,7 +111,8 @@ TEST(Layout, OddOnesOpenAsFarAsTheyGo)
         EXPECT_EQ(bench.sessions.Count(), row.sessions);
         EXPECT_EQ(bench.ask.boxes.size(), std::size_t(row.messages));
         for (const auto& box : bench.ask.boxes) {
-            EXPECT_TRUE(box.text.startsWith(u"Unable to open "_s + bench.layer.folders.HomeDir)) << box.text.toStdString();
+            EXPECT_TRUE(box.text.startsWith(u"Unable to open "_s + bench.layer.folders.HomeDir))
+                << box.text.toStdString();
             EXPECT_EQ(box.flags, MsgFlag::Exclamation);
         }
         EXPECT_EQ(bench.frame.place, before) << "a layout without sizes leaves the window's own";

@@ -5,11 +5,11 @@
 #include <emulator/view/terminalview.h>
 #include <menubar/tamenubar.h>
 #include <sessions/mdichild.h>
+#include <sessions/sessionarea.h>
 
 #include <QAction>
 #include <QApplication>
 #include <QMainWindow>
-#include <QMdiArea>
 #include <QMenu>
 #include <QPointer>
 #include <QTest>
@@ -56,7 +56,7 @@ private:
 
 public:
     QMainWindow main;
-    QMdiArea area;
+    SessionArea area;
 };
 
 struct WindowBench : SessionBench

@@ -204,12 +204,11 @@ TEST(Session, MouseTableReadsPatternsAndDecodesControls)
 {
     SessionBench bench;
     const auto session = bench.sessions.Add();
-    const QString path = bench.Write(bench.layer.folders.ProgramDir + u"mouse.txt"_s,
-                                     "; comment\r\n"
-                                     "   ;another\r\n"
-                                     "\r\n"
-                                     "1\t[0-9]+\t^M\t\\^?\r\n"
-                                     "2\tonly a pattern\n");
+    const QString path = bench.Write(bench.layer.folders.ProgramDir + u"mouse.txt"_s, "; comment\r\n"
+                                                                                      "   ;another\r\n"
+                                                                                      "\r\n"
+                                                                                      "1\t[0-9]+\t^M\t\\^?\r\n"
+                                                                                      "2\tonly a pattern\n");
     session->MouseTableLoad(u"mouse.txt"_s); // relative to the program
     const auto& table = session->Emulator().MouseTable();
     ASSERT_EQ(table.size(), 2u);

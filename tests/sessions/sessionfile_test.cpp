@@ -68,8 +68,8 @@ TEST(SessionFile, DefaultsDoNotStandInIt)
 
 TEST(SessionFile, AutoCloseIsANumberOrAWordAndMasked)
 {
-    const std::pair<const char*, bool> cases[] = {{"1", true},   {"True", true}, {"true", true}, {"-1", true},
-                                                  {"2", false},  {"0", false},   {"Yes", false}, {"", false}};
+    const std::pair<const char*, bool> cases[] = {{"1", true},  {"True", true}, {"true", true}, {"-1", true},
+                                                  {"2", false}, {"0", false},   {"Yes", false}, {"", false}};
     for (const auto& [text, on] : cases) {
         SCOPED_TRACE(text);
         SessionBench bench;
@@ -149,7 +149,8 @@ std::vector<BadFile> BadFiles()
         {"LF only", "[Kestrune]\nTermType=8\nNote=x\n", "Note=x\n"},
         {"10 MB line", head + "Note=" + longLine + "\r\n", "Note=" + longLine + "\r\n"},
         {"1 MB title", head + "SessionTitle=" + longLine.left(1024 * 1024) + "\r\nNote=x\r\n", "Note=x\r\n"},
-        {"numbers out of range", head + "NormCols=99999999999\r\nBaud=-7\r\nHistoryRows=lots\r\nNote=x\r\n", "Note=x\r\n"},
+        {"numbers out of range", head + "NormCols=99999999999\r\nBaud=-7\r\nHistoryRows=lots\r\nNote=x\r\n",
+         "Note=x\r\n"},
         {"NUL inside", head + QByteArray("Note=a\0b\r\n", 10), QByteArray("Note=a\0b\r\n", 10)},
         {"no line end at the end", head + "Note=x", "Note=x"},
     };
@@ -171,6 +172,30 @@ TEST(SessionFile, WhateverStandsInItOpensAndKeepsWhatIsNotOurs)
         EXPECT_EQ(bench.Key(path, u"ShowErrs"_s), u"True"_s);
         EXPECT_EQ(bench.sessions.Add(path, -1, 0, AddHidden::NotOnLine)->ShowErrs(), true);
     }
+}
+
+TEST(SessionFile, MissingMouseTableIsToldAndTheSessionOpens)
+{
+    SessionBench bench;
+    const QString path = bench.SessionFile(u"a.orcf"_s, "CustomMouseTable=gone.txt\r\nShowErrs=True\r\n");
+    const auto session = bench.sessions.Add(path, -1, 0, AddHidden::NotOnLine);
+    EXPECT_EQ(bench.ask.boxes.size(), 1u);
+    EXPECT_TRUE(session->ShowErrs()) << "the keys behind it count too";
+    EXPECT_EQ(session->Settings().Text(Setting("HostName")), u"host.example"_s);
+    session->Save();
+    EXPECT_EQ(bench.Key(path, u"CustomMouseTable"_s), u"gone.txt"_s);
+    EXPECT_NO_THROW(bench.sessions.AddClone(session.get()));
+}
+
+TEST(SessionFile, FileThatCannotBeReadIsNotWrittenOver)
+{
+    SessionBench bench;
+    const auto session = bench.sessions.Add(bench.SessionFile(u"a.orcf"_s), -1, 0, AddHidden::NotOnLine);
+    const QString unreadable = u"/proc/self/mem"_s; // is there, and fails at the first byte
+    EXPECT_THROW(session->SetFileName(unreadable), Failure);
+    EXPECT_EQ(session->FileName(), QString());
+    EXPECT_THROW(bench.sessions.Add(unreadable), Failure);
+    EXPECT_EQ(bench.sessions.Count(), 1) << "no invisible session is left behind";
 }
 
 TEST(SessionFile, FailedSaveChangesNothing)

@@ -13,8 +13,9 @@ TEST(Sessions, HiddenIsABitSetWithOneSpecialValue)
         bool shown, onLine, titles;
     };
     const Case cases[] = {
-        {0, true, true, true},       {1, false, true, true},   {2, true, false, true},    {3, false, false, true},
-        {-1, false, true, true},     {0x4000, true, true, false}, {0x4001, false, true, false}, {0x4003, false, false, false},
+        {0, true, true, true},        {1, false, true, true},        {2, true, false, true},
+        {3, false, false, true},      {-1, false, true, true},       {0x4000, true, true, false},
+        {0x4001, false, true, false}, {0x4003, false, false, false},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.hidden);

@@ -101,6 +101,21 @@ TEST(Store, IsolatedInAFileOfItsOwn)
     EXPECT_FALSE(m.user.KeyExists(u"Software"_s)) << "nothing in the hive";
 }
 
+TEST(Store, AKeyIsReplacedInOneStepWhereverItIsKept)
+{
+    for (const bool isolated : {false, true}) {
+        Machine m;
+        if (isolated)
+            m.Isolate("PersistSettings=2\r\nAppDataDirectory=C:\\T\r\n");
+        auto& store = m.Start().store;
+        store.StoreReplaceKey(StoreKey::RecentFiles, {{u"File_1"_s, u"a"_s}, {u"File_2"_s, u"b"_s}});
+        store.StoreReplaceKey(StoreKey::RecentFiles, {{u"File_1"_s, u"b"_s}});
+        EXPECT_EQ(store.StoreGetString(StoreKey::RecentFiles, u"File_1"_s, u"-"_s), u"b"_s) << isolated;
+        EXPECT_EQ(store.StoreGetString(StoreKey::RecentFiles, u"File_2"_s, u"-"_s), u"-"_s) << isolated;
+        EXPECT_EQ(m.user.KeyExists(StoreKey::RecentFiles), !isolated);
+    }
+}
+
 TEST(Store, IsolationModes)
 {
     struct Case

@@ -19,8 +19,6 @@ using Qt::StringLiterals::operator""_s;
 
 namespace {
 
-constexpr int kMessageTime = 10'000; // milliseconds
-
 // The actions made of one model's tools, in whatever menus and bars they stand.
 class ToolActions : public QObject
 {
@@ -121,6 +119,10 @@ public:
     {
         connect(&model, &taMenuBar::BandsChanged, this, &Drawing::RebuildSoon);
         connect(&model, &taMenuBar::ToolChanged, this, &Drawing::RefreshPanels);
+        connect(window.statusBar(), &QStatusBar::messageChanged, this, [this] {
+            for (const Panel& panel : panels_)
+                RefreshPanels(panel.key);
+        });
         Rebuild();
     }
 
@@ -220,8 +222,6 @@ private:
                 line->addPermanentWidget(label); // stays beside a message
             RefreshPanel(*label, tool);
         }
-        if (!line->currentMessage().isEmpty())
-            line->showMessage(line->currentMessage(), kMessageTime); // the new panels give way to it as well
     }
 
     void RefreshPanels(int key)
@@ -241,9 +241,9 @@ private:
             label.setAccessibleName(tool.toolTipText);
         }
         label.setEnabled(tool.enabled);
-        // The status line itself hides its panels while it shows a message, and brings them back.
-        if (!tool.visible || window_.statusBar()->currentMessage().isEmpty())
-            label.setVisible(tool.visible);
+        // Panels give way to a message, but for a picture, which stands at the far end.
+        const bool room = !tool.image.isEmpty() || window_.statusBar()->currentMessage().isEmpty();
+        label.setVisible(tool.visible && room);
         label.setToolTip(tool.toolTipText);
     }
 

@@ -1,0 +1,196 @@
+#include <fakes/print.h>
+#include <fakes/shellbench.h>
+#include <menus/defaultmenu.h>
+
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace kestrune {
+
+using Qt::StringLiterals::operator""_s;
+
+namespace {
+
+class MenuCmdTest : public testing::Test
+{
+protected:
+    ShellBench bench_;
+    Kestrune& application_ = bench_.Run();
+    MenuCmd& menu_ = application_.Menu();
+
+    std::shared_ptr<clsSession> Open(const QString& name = u"a.orcf"_s)
+    {
+        const auto session = application_.Sessions().Add(bench_.SessionFile(name), 0);
+        bench_.lines.Current().Connect();
+        return session;
+    }
+    void Do(const QString& action, clsSession* session = nullptr)
+    {
+        menu_.MenuToolAction(action, false, session, Cause::User);
+    }
+    QStringList Captions(const MenuTool& tool) const
+    {
+        QStringList captions;
+        for (const MenuTool& each : tool.tools)
+            if (each.visible)
+                captions.append((each.checked ? u"*"_s : QString()) + each.caption);
+        return captions;
+    }
+};
+
+TEST_F(MenuCmdTest, ActionsOfEachForm)
+{
+    const auto session = Open();
+    bench_.lines.Current().sent.clear();
+    Do(u"^C^M^"_s, session.get());
+    EXPECT_EQ(bench_.lines.Current().sent, "\x03\r");
+    Do(u"^C"_s); // no session: dropped
+    Do(QString(), session.get());
+    Do(u"[#9999]"_s, session.get());
+    EXPECT_TRUE(bench_.ask.boxes.empty());
+
+    Do(u"[MsgBox 1]"_s); // runs without a session too
+    Do(u"[#abc]"_s, session.get());
+    EXPECT_EQ(bench_.engine->texts, (QStringList{u"0:MsgBox 1\r\n"_s, u"1:#abc\r\n"_s}));
+}
+
+TEST_F(MenuCmdTest, CommandsWithoutTheirSessionDoNothing)
+{
+    for (const int id : {104, 105, 106, 303, 305, 308, 506, 599, 707, 708, 712, 1301, 1302, 1305})
+        Do(u"[#%1]"_s.arg(id));
+    EXPECT_TRUE(bench_.ask.boxes.empty());
+    EXPECT_EQ(application_.Sessions().Count(), 0);
+}
+
+TEST_F(MenuCmdTest, PiecesThatAreNotThereSaySo)
+{
+    const auto session = Open();
+    for (const int id : {601, 603, 704, 711, 804, 2001})
+        Do(u"[#%1]"_s.arg(id), session.get());
+    ASSERT_EQ(bench_.ask.boxes.size(), 6u);
+    for (const MsgBoxRequest& box : bench_.ask.boxes)
+        EXPECT_TRUE(box.text.contains(u"has not been implemented at this time."_s)) << box.text.toStdString();
+}
+
+TEST_F(MenuCmdTest, MacroWhileAScriptRunsBeeps)
+{
+    application_.ScriptEngine(false);
+    bench_.engine->running = true;
+    Do(u"[#2001#Foo]"_s);
+    EXPECT_EQ(bench_.ask.beeps, 1);
+    EXPECT_TRUE(bench_.ask.boxes.empty());
+}
+
+TEST_F(MenuCmdTest, SessionCommands)
+{
+    const auto session = Open();
+    Do(u"[#1302]"_s, session.get());
+    EXPECT_EQ(session->WindowState(), 2);
+    Do(u"[#599]"_s, session.get());
+    EXPECT_EQ(session->WindowState(), 0);
+    Do(u"[#1304]"_s, session.get());
+    ASSERT_EQ(application_.Sessions().Count(), 2);
+    EXPECT_EQ(application_.Sessions().Item(1)->FileName(), session->FileName());
+    Do(u"[#515]"_s); // the first of the window list
+    EXPECT_EQ(application_.ActiveSession(), session);
+    Do(u"[#549]"_s);
+
+    bench_.ask.answers = {MsgResult::No, MsgResult::Yes};
+    Do(u"[#104]"_s, session.get()); // connected: asked
+    EXPECT_EQ(application_.Sessions().Count(), 2);
+    Do(u"[#104]"_s, session.get());
+    EXPECT_EQ(application_.Sessions().Count(), 1);
+}
+
+TEST_F(MenuCmdTest, BarsAreFlippedAndStored)
+{
+    Do(u"[#1201]"_s);
+    EXPECT_FALSE(application_.Boolean(GlobalId::ToolbarVisible));
+    EXPECT_EQ(bench_.Stored(u"ToolBar"_s), u"0"_s);
+    Do(u"[#1201]"_s);
+    EXPECT_TRUE(application_.Boolean(GlobalId::ToolbarVisible));
+}
+
+TEST_F(MenuCmdTest, SaveOfAFileThatCannotBeWrittenLeadsToSaveAs)
+{
+    const auto session = Open();
+    const QString file = session->FileName();
+    session->Settings().SetValue(Setting("HistoryRows"), 77);
+    std::filesystem::remove(file.toStdString());
+    std::filesystem::create_directory(file.toStdString()); // nothing can be put there
+    bench_.ask.files = {bench_.Home(u"b.orcf"_s)};
+    Do(u"[#105]"_s, session.get());
+    ASSERT_EQ(bench_.ask.boxes.size() + static_cast<std::size_t>(bench_.Frame().notices.size()), 1u);
+    if (!bench_.ask.boxes.empty()) {
+        EXPECT_TRUE(bench_.ask.boxes[0].text.endsWith(
+            u"To save a copy, click OK, then give the session a new name in the Save As dialog box."_s));
+        EXPECT_EQ(bench_.ask.boxes[0].flags, MsgFlag::Exclamation);
+        EXPECT_EQ(session->FileName(), bench_.Home(u"b.orcf"_s));
+    }
+}
+
+TEST_F(MenuCmdTest, RecentFilesAndWindowsFillTheirMenus)
+{
+    taMenuBar& bars = bench_.Frame().menu;
+    QObject::connect(&bars, &taMenuBar::BandOpen, &bars, [&](MenuTool& tool) { menu_.BandOpen(tool, nullptr); });
+    application_.AddRecent(u"/x/b&c.orcf"_s);
+    application_.AddRecent(bench_.Home(u"a.orcf"_s));
+    const auto first = Open(u"one.orcf"_s);
+    const auto second = Open(u"two.orcf"_s);
+
+    for (int times = 0; times < 2; ++times) { // opened twice: nothing is doubled
+        const QStringList file = Captions(*bars.OpenTool(u"Menu"_s, 100));
+        EXPECT_EQ(file.filter(u"orcf"_s), (QStringList{u"&1  a.orcf"_s, u"&2  /x/b&&c.orcf"_s}));
+        const QStringList window = Captions(*bars.OpenTool(u"Menu"_s, 500));
+        EXPECT_TRUE(window.contains(u"&1  one"_s)) << window.join(u' ').toStdString();
+        EXPECT_TRUE(window.contains(u"*&2  two"_s));
+    }
+    EXPECT_EQ(bars.Tool(114)->action, u"[#114]"_s);
+    EXPECT_TRUE(Captions(*bars.OpenTool(u"Menu"_s, 99)).contains(u"*Session &Bar"_s));
+}
+
+TEST_F(MenuCmdTest, FrameMenuOffersWhatNeedsNoSession)
+{
+    const taMenuBar& bars = bench_.Frame().menu;
+    for (const int id : {101, 103, 110, 705, 1201, 405, 100})
+        EXPECT_TRUE(bars.Tool(id)->enabled) << id;
+    for (const int id : {104, 105, 106, 108, 303, 305, 707, 712, 501})
+        EXPECT_FALSE(bars.Tool(id)->enabled) << id;
+    EXPECT_EQ(bars.Tool(1103)->caption, u"Create a new session or open an existing one"_s);
+
+    taMenuBar own;
+    const auto session = Open();
+    EXPECT_EQ(menu_.LoadSessionMenu(*session, own), 0);
+    menu_.InitSessionMenu(*session, own);
+    EXPECT_TRUE(own.Tool(104)->enabled);
+}
+
+TEST_F(MenuCmdTest, ClickOnTheTabPopupMeansItsOwnSession)
+{
+    const auto first = Open(u"one.orcf"_s);
+    const auto second = Open(u"two.orcf"_s);
+    taMenuBar& bars = bench_.Frame().menu;
+    ASSERT_TRUE(menu_.PrepareTabMenu(bars, first->frmSession()->Handle()));
+    menu_.ToolClick(bars, u"TabCtx"_s, *bars.Tool(ToolId::TabActivate), nullptr);
+    EXPECT_EQ(application_.ActiveSession(), first);
+}
+
+TEST_F(MenuCmdTest, FailuresOfAClickAreToldInTheStatusLineOrAsMissing)
+{
+    const auto session = Open();
+    taMenuBar bars;
+    LoadDefaultMenu(bars);
+    MenuTool print;
+    print.key = 202;
+    print.action = u"[#202]"_s;
+    menu_.ToolClick(bars, {}, print, session.get());
+    ASSERT_EQ(bench_.ask.boxes.size(), 1u);
+    EXPECT_EQ(bench_.ask.boxes[0].flags, MsgFlag::Information);
+}
+
+} // namespace
+
+} // namespace kestrune
