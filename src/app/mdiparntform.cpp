@@ -20,6 +20,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
+#include <QSessionManager>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QToolBar>
@@ -69,6 +70,10 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     connect(emptyPage_, &EmptyPage::RecentWanted, this, [this](int index) { RunCommand(ToolId::RecentFirst + index); });
     connect(qApp, &QGuiApplication::applicationStateChanged, this,
             [this](Qt::ApplicationState state) { logic_->ApplicationActivated(state == Qt::ApplicationActive); });
+    connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& desktop) {
+        if (!logic_->DesktopSessionEnds())
+            desktop.cancel();
+    });
     connect(&menu_, &taMenuBar::CommandStateChanged, this, [this](int key) {
         if (key == ToolId::FileExit)
             logic_->CheckState();
@@ -150,6 +155,7 @@ SessionWindow* frmMdiParent::NewSessionWindow(clsSession&)
     });
     area_->addSubWindow(child);
     child->hide();
+    pages_->setCurrentWidget(area_);
     return child;
 }
 
@@ -183,10 +189,8 @@ void frmMdiParent::UpdateNoActiveSession() { ActiveWindowChanged(); }
 
 void frmMdiParent::ShowRightPage()
 {
-    bool any = false;
-    for (const frmMdiChild* window : Windows())
-        any = any || !window->isHidden();
-    pages_->setCurrentWidget(any ? static_cast<QWidget*>(area_) : emptyPage_);
+    // A window that is not shown yet counts: it must find its area there when it is maximised.
+    pages_->setCurrentWidget(Windows().isEmpty() ? static_cast<QWidget*>(emptyPage_) : area_);
 }
 
 // Called for every change of a caption or icon; the tabs are filled once, at the end of the turn.

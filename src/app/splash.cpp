@@ -41,6 +41,11 @@ void frmSplash::HideSplash(double fadeSeconds)
 {
     if (!isVisible())
         return;
+    constexpr qint64 hardlySeen = 400; // milliseconds; a picture that only flashed up must not linger
+    if (minimumSeconds_ <= 0 && shown_.elapsed() < hardlySeen) {
+        UnloadSplash();
+        return;
+    }
     fadeSeconds_ = fadeSeconds;
     const double rest = std::max(0.0, minimumSeconds_ - static_cast<double>(shown_.elapsed()) / 1000.0);
     QTimer::singleShot(static_cast<int>(rest * 1000), this, [this] {

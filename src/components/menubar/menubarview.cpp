@@ -17,10 +17,8 @@ namespace kestrune {
 using Qt::StringLiterals::operator""_L1;
 using Qt::StringLiterals::operator""_s;
 
-namespace {
-
 // The actions made of one model's tools, in whatever menus and bars they stand.
-class ToolActions : public QObject
+class MenuBarView::ToolActions : public QObject
 {
 public:
     ToolActions(taMenuBar& model, QObject* parent) : QObject(parent), model_(model)
@@ -107,8 +105,6 @@ private:
     taMenuBar& model_;
     std::list<Shown> shown_;
 };
-
-} // namespace
 
 // One rendering of one model in the window. It is made anew when the bands change; single tools are brought up to
 // date in place. Bars stay from one rendering to the next, so that the window's inside keeps its size.

@@ -30,6 +30,7 @@ public:
     void Popup(taMenuBar& model, const QString& band, const QPoint& at);
 
 private:
+    class ToolActions;
     class Drawing;
 
     QMainWindow& window_;
