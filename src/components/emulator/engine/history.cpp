@@ -52,15 +52,14 @@ Shape ShapeOf(std::span<const Cell> cells)
     return {texts, others == 0};
 }
 
-template <typename Unit, typename Text>
-uint8_t* PackTexts(uint8_t* to, std::span<const Cell> cells, Text&& text)
+// One unit for each character; the second halves of wide ones are left out.
+template <typename Unit>
+uint8_t* PackTexts(uint8_t* to, std::span<const Cell> cells)
 {
     for (const Cell& cell : cells) {
-        if (cell.flags & Cell::WideTail)
-            continue;
-        const auto unit = Unit(text(cell.text));
+        const auto unit = Unit(cell.text);
         std::memcpy(to, &unit, sizeof unit);
-        to += sizeof unit;
+        to += cell.flags & Cell::WideTail ? 0 : sizeof unit;
     }
     return to;
 }
@@ -174,15 +173,18 @@ void History::Push(const Row& row)
             to[i] = uint8_t(cells[i].text);
         to += cells.size();
     } else if (unit == 1) {
-        to = PackTexts<uint8_t>(to, cells, [](uint32_t text) { return text; });
+        to = PackTexts<uint8_t>(to, cells);
     } else if (unit == 2) {
-        to = PackTexts<uint16_t>(to, cells, [](uint32_t text) { return text; });
+        to = PackTexts<uint16_t>(to, cells);
     } else {
-        to = PackTexts<uint32_t>(
-            to, cells, [&](uint32_t text) { return text & Cell::ClusterBit ? LocalCluster(block, text) : text; });
+        for (const Cell& cell : cells) {
+            const uint32_t text = cell.text & Cell::ClusterBit ? LocalCluster(block, cell.text) : cell.text;
+            std::memcpy(to, &text, sizeof text);
+            to += cell.flags & Cell::WideTail ? 0 : sizeof text;
+        }
     }
-    Head head{uint16_t(size_t(to - start - ptrdiff_t(sizeof(Head))) / unit), 0, uint8_t(unit), row.wraps,
-              uint8_t(uint8_t(row.size) & 3u)};
+    const auto textBytes = size_t(to - start) - sizeof(Head);
+    Head head{uint16_t(textBytes >> (unit >> 1)), 0, uint8_t(unit), row.wraps, uint8_t(uint8_t(row.size) & 3u)};
 
     if (!shape.plain)
         to = PackRuns(block, cells, to, head.runs);
@@ -195,28 +197,26 @@ void History::Push(const Row& row)
 
 uint8_t* History::PackRuns(Block& block, std::span<const Cell> cells, uint8_t* to, uint16_t& count)
 {
-    Run run{0, 0};
-    uint32_t now = 0; // style and width of the run that is open
-    const auto close = [&] {
-        if ((run.length & ~kWideRun) == 0)
-            return;
+    const Cell* at = cells.data();
+    const Cell* const end = at + cells.size();
+    while (at != end) {
+        const StyleId style = at->style;
+        const uint16_t isWide = at->flags & Cell::Wide;
+        uint16_t length = 0;
+        for (; at != end && at->style == style; ++at) {
+            if (at->flags & Cell::WideTail)
+                continue;
+            if ((at->flags & Cell::Wide) != isWide)
+                break;
+            ++length;
+        }
+        if (length == 0)
+            continue;
+        const Run run{LocalStyle(block, style), uint16_t(isWide ? length | kWideRun : length)};
         std::memcpy(to, &run, sizeof run);
         to += sizeof run;
         ++count;
-    };
-    for (const Cell& cell : cells) {
-        if (cell.flags & Cell::WideTail)
-            continue;
-        const uint32_t isWide = cell.flags & Cell::Wide;
-        const uint32_t next = uint32_t(cell.style) << 8 | isWide;
-        if (next != now || run.length == 0) {
-            close();
-            run = {LocalStyle(block, cell.style), isWide ? kWideRun : uint16_t(0)};
-            now = next;
-        }
-        ++run.length;
     }
-    close();
     return to;
 }
 
@@ -318,17 +318,6 @@ void History::VisitStyles(const std::function<void(const Style&)>& visit) const
             if (seen[id])
                 visit(block.styles[id]);
     }
-}
-
-size_t History::Bytes() const
-{
-    size_t bytes = 0;
-    for (const Block& block : blocks_) {
-        bytes += kBlockBytes + block.offsets.capacity() * sizeof(uint16_t) + block.styles.capacity() * sizeof(Style);
-        for (const std::u32string& cluster : block.clusters)
-            bytes += sizeof cluster + cluster.size() * sizeof(char32_t);
-    }
-    return bytes;
 }
 
 } // namespace kestrune::emu

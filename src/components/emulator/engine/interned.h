@@ -18,21 +18,25 @@ class StyleTable
 public:
     static constexpr size_t Max = 65535;
     static constexpr uint32_t Full = 0xFFFFFFFFu;
+    static constexpr size_t kFirstSweep = 4096;
 
     StyleTable();
     uint32_t Intern(const Style& style); // the id, or Full
+    // Few numbers in use are quick to find, so the table asks for a sweep long before it must have one.
+    bool WantsSweep() const { return Live() >= sweepAt_; }
     const Style& At(StyleId id) const { return styles_[id]; }
     size_t Size() const { return styles_.size(); }
     size_t Live() const { return styles_.size() - free_.size(); }
     void Keep(const std::vector<bool>& inUse); // by id; id 0 always stays
 
 private:
-    size_t Slot(const Style& style) const;
-    void Rehash(size_t slots);
+    size_t Bucket(const Style& style) const;
+    void Rehash(size_t buckets);
 
     std::vector<Style> styles_;
     std::vector<StyleId> free_;
-    std::vector<StyleId> slots_; // open addressing; 0 is an empty slot, the plain style is never looked up
+    size_t sweepAt_ = kFirstSweep;
+    std::vector<StyleId> buckets_; // open addressing; 0 is an empty bucket, the plain style is never looked up
 };
 
 class ClusterTable

@@ -1,11 +1,16 @@
 #include "page.h"
 
-#include "runs.h"
+#include "widths.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace kestrune::emu {
+namespace {
+
+constexpr size_t kPlacesPerRow = 16; // the window is put back to the start once in so many pages
+
+} // namespace
 
 Page::Page(Size size, uint64_t& clock) : size_{0, 0}, clock_(clock) { Resize(size); }
 
@@ -16,31 +21,15 @@ bool Page::IsBlank(int row) const
                        [](const Cell& cell) { return (cell.text == 0 || cell.text == U' ') && cell.style == 0; });
 }
 
-Row& Page::Touch(int row)
+// Cells out of sight since the page became narrower.
+void Page::GiveUpHidden(Row& row)
 {
-    Row& line = *rows_[size_t(row)];
-    line.generation = ++clock_;
-    if (line.used > size_.cols) { // out of sight since the page became narrower; a change gives it up
-        Part(line, size_.cols, size_.cols);
-        line.used = size_.cols;
-    }
-    return line;
+    Part(row, size_.cols, size_.cols);
+    row.used = size_.cols;
 }
 
-// Makes the cells before `col` hold something.
-void Page::Reach(Row& row, int col)
+void Page::PartWide(Row& row, int from, int to)
 {
-    if (row.used < col) {
-        std::fill(row.cells + row.used, row.cells + col, Cell{});
-        row.used = col;
-    }
-}
-
-// No wide character may straddle the edges of [from, to).
-void Page::Part(Row& row, int from, int to)
-{
-    if (!row.hasWide)
-        return;
     for (const int edge : {from, to}) {
         if (edge > 0 && edge < row.used && (row.cells[edge].flags & Cell::WideTail)) {
             row.cells[edge - 1] = Cell{0, row.cells[edge - 1].style, 0};
@@ -62,15 +51,34 @@ void Page::Blank(Row& row, StyleId blank)
     }
 }
 
-void Page::PutBytes(int row, int col, std::span<const uint8_t> bytes, StyleId style)
+Page::Placed Page::PutPoints(int row, int col, int limit, std::span<const char32_t> points, StyleId style)
 {
+    const auto fits = [&](uint8_t traits) { return !(traits & Trait::Special) && col + traits <= limit; };
+    if (points.empty() || !fits(TraitsOf(points.front())))
+        return {0, 0};
     Row& line = Touch(row);
-    const int end = col + int(bytes.size());
     Reach(line, col);
-    Part(line, col, end);
-    SpreadBytes(line.cells + col, bytes.data(), bytes.size(), style);
-    line.wraps &= end < size_.cols; // a new last column has not wrapped yet
-    line.used = std::max(line.used, end);
+    Part(line, col, col);
+    const int start = col;
+    size_t count = 0;
+    for (; count < points.size(); ++count) {
+        const uint8_t traits = TraitsOf(points[count]);
+        if (!fits(traits))
+            break;
+        if (traits == 1) {
+            line.cells[col] = Cell{points[count], style, 0};
+        } else {
+            line.hasWide = true;
+            line.cells[col] = Cell{points[count], style, Cell::Wide};
+            line.cells[col + 1] = Cell{0, style, Cell::WideTail};
+        }
+        col += traits;
+    }
+    if (line.hasWide && col < line.used && (line.cells[col].flags & Cell::WideTail))
+        line.cells[col] = Cell{0, line.cells[col].style, 0}; // its first half has just been overwritten
+    line.wraps &= col < size_.cols;
+    line.used = std::max(line.used, col);
+    return {count, col - start};
 }
 
 void Page::PutPoint(int row, int col, char32_t point, int width, StyleId style)
@@ -96,13 +104,6 @@ void Page::SetText(int row, int col, uint32_t text)
         line.cells[col].text = text;
 }
 
-void Page::SetStyle(int row, int col, StyleId style)
-{
-    Row& line = Touch(row);
-    Reach(line, col + 1);
-    line.cells[col].style = style;
-}
-
 void Page::Fill(int row, int from, int to, StyleId blank)
 {
     Row& line = Touch(row);
@@ -121,15 +122,15 @@ void Page::Fill(int row, int from, int to, StyleId blank)
 void Page::FillRows(int from, int to, StyleId blank)
 {
     for (int row = from; row < to; ++row)
-        Blank(*rows_[size_t(row)], blank);
+        Blank(*rows_[row], blank);
 }
 
 void Page::FillWith(char32_t point)
 {
     FillRows(0, size_.rows, 0);
-    for (Row* row : rows_) {
-        std::fill(row->cells, row->cells + size_.cols, Cell{point, 0, 0});
-        row->used = size_.cols;
+    for (int row = 0; row < size_.rows; ++row) {
+        std::fill(rows_[row]->cells, rows_[row]->cells + size_.cols, Cell{point, 0, 0});
+        rows_[row]->used = size_.cols;
     }
 }
 
@@ -183,15 +184,30 @@ void Page::SetLineSize(int row, LineSize size)
     }
 }
 
+// The whole page up: the window moves on, and the rows that it left are put at its end.
+void Page::Slide(int count)
+{
+    Row** const end = places_.data() + places_.size();
+    if (end - rows_ < size_.rows + count) {
+        std::copy(rows_, rows_ + size_.rows, places_.data());
+        rows_ = places_.data();
+    }
+    std::copy(rows_, rows_ + count, rows_ + size_.rows);
+    rows_ += count;
+}
+
 void Page::RotateUp(int top, int bottom, int count, StyleId blank)
 {
-    std::rotate(rows_.begin() + top, rows_.begin() + top + count, rows_.begin() + bottom);
+    if (top == 0 && bottom == size_.rows)
+        Slide(count);
+    else
+        std::rotate(rows_ + top, rows_ + top + count, rows_ + bottom);
     FillRows(bottom - count, bottom, blank);
 }
 
 void Page::RotateDown(int top, int bottom, int count, StyleId blank)
 {
-    std::rotate(rows_.begin() + top, rows_.begin() + bottom - count, rows_.begin() + bottom);
+    std::rotate(rows_ + top, rows_ + bottom - count, rows_ + bottom);
     FillRows(top, top + count, blank);
 }
 
@@ -204,7 +220,7 @@ void Page::Resize(Size size)
         Row& line = storage[size_t(i)];
         Cell* to = cells.get() + size_t(i) * size_t(capacity);
         if (i < size_.rows) {
-            Row& old = *rows_[size_t(i)];
+            Row& old = *rows_[i];
             Part(old, size.cols, size.cols);
             line = old;
             std::copy(line.cells, line.cells + line.used, to);
@@ -216,20 +232,15 @@ void Page::Resize(Size size)
     cells_ = std::move(cells);
     capacity_ = capacity;
     size_ = size;
-    rows_.clear();
-    for (Row& line : storage_)
-        rows_.push_back(&line);
-}
-
-void Page::TouchAll()
-{
-    for (Row* row : rows_)
-        row->generation = ++clock_;
+    places_.assign(size_t(size.rows) * kPlacesPerRow, nullptr);
+    rows_ = places_.data();
+    for (int i = 0; i < size.rows; ++i)
+        rows_[i] = &storage_[size_t(i)];
 }
 
 void Page::Assign(int row, std::span<const Cell> cells, bool wraps, LineSize size)
 {
-    Row& line = *rows_[size_t(row)];
+    Row& line = *rows_[row];
     Blank(line, 0);
     line.used = int(std::min(cells.size(), size_t(capacity_)));
     std::copy(cells.begin(), cells.begin() + line.used, line.cells);

@@ -6,9 +6,12 @@
 //
 // All positions must lie inside the page; who calls has clamped them.
 
+#include "runs.h"
+
 #include <emulator/engine/cell.h>
 #include <emulator/engine/terminal.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -35,17 +38,32 @@ public:
     Page(Size size, uint64_t& clock);
 
     Size Extent() const { return size_; }
-    const Row& At(int row) const { return *rows_[size_t(row)]; }
+    const Row& At(int row) const { return *rows_[row]; }
     // Columns that can be seen and written: half of them in a row of double width.
     int Columns(int row) const { return At(row).size == LineSize::Normal ? size_.cols : (size_.cols + 1) / 2; }
     bool IsBlank(int row) const;
 
     // Text into cells from `col` on; the caller has made sure that it fits. Half-overwritten wide characters
     // become blanks.
-    void PutBytes(int row, int col, std::span<const uint8_t> bytes, StyleId style);
+    void PutBytes(int row, int col, std::span<const uint8_t> bytes, StyleId style)
+    {
+        Row& line = Touch(row);
+        const int end = col + int(bytes.size());
+        Reach(line, col);
+        Part(line, col, end);
+        SpreadBytes(line.cells + col, bytes.data(), bytes.size(), style);
+        line.wraps &= end < size_.cols; // a new last column has not wrapped yet
+        line.used = std::max(line.used, end);
+    }
+    // As many points from the front as are plain characters and fit before `limit`; the rest needs a closer look.
+    struct Placed
+    {
+        size_t points;
+        int columns;
+    };
+    Placed PutPoints(int row, int col, int limit, std::span<const char32_t> points, StyleId style);
     void PutPoint(int row, int col, char32_t point, int width, StyleId style);
     void SetText(int row, int col, uint32_t text); // the same cell, another text
-    void SetStyle(int row, int col, StyleId style);
 
     void Fill(int row, int from, int to, StyleId blank); // [from, to) becomes blank
     void FillRows(int from, int to, StyleId blank);      // whole rows, back to normal size
@@ -61,20 +79,42 @@ public:
 
     // Cuts or adds rows at the bottom. Columns cut off are kept out of sight until the row is next changed.
     void Resize(Size size);
-    void TouchAll(); // every row counts as changed
     // A row given from outside, such as one that comes back from the history.
     void Assign(int row, std::span<const Cell> cells, bool wraps, LineSize size);
 
 private:
-    Row& Touch(int row);
-    void Reach(Row& row, int col);
-    void Part(Row& row, int from, int to);
+    Row& Touch(int row)
+    {
+        Row& line = *rows_[row];
+        line.generation = ++clock_;
+        if (line.used > size_.cols)
+            GiveUpHidden(line);
+        return line;
+    }
+    // Makes the cells before `col` hold something.
+    void Reach(Row& row, int col)
+    {
+        if (row.used < col) {
+            std::fill(row.cells + row.used, row.cells + col, Cell{});
+            row.used = col;
+        }
+    }
+    // No wide character may straddle the edges of [from, to).
+    void Part(Row& row, int from, int to)
+    {
+        if (row.hasWide)
+            PartWide(row, from, to);
+    }
+    void GiveUpHidden(Row& row);
+    void PartWide(Row& row, int from, int to);
     void Blank(Row& row, StyleId blank);
+    void Slide(int count);
 
     Size size_;
     int capacity_ = 0; // cells that each row has room for
     uint64_t& clock_;
-    std::vector<Row*> rows_;
+    Row** rows_ = nullptr; // the page's rows, a window that slides over places_ as the page scrolls
+    std::vector<Row*> places_;
     std::vector<Row> storage_;
     std::unique_ptr<Cell[]> cells_;
 };

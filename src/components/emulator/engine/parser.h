@@ -35,16 +35,17 @@ public:
         colons_ = 0;
         full_ = false;
     }
-    void Digit(int digit)
+    // Digits from `at` on; returns where they end.
+    const uint8_t* Digits(const uint8_t* at, const uint8_t* end)
     {
         if (count_ == 0)
             Open();
-        if (full_)
-            return;
-        int& value = values_[count_ - 1];
-        value = (value < 0 ? 0 : value) * 10 + digit;
-        if (value > Limit)
-            value = Limit;
+        int value = values_[count_ - 1] < 0 ? 0 : values_[count_ - 1];
+        for (; at != end && *at >= '0' && *at <= '9'; ++at)
+            value = value >= Limit ? Limit : value * 10 + (*at - '0');
+        if (!full_)
+            values_[count_ - 1] = value > Limit ? Limit : value;
+        return at;
     }
     void Next(bool colon)
     {
@@ -111,7 +112,7 @@ struct ParserRules
 class Parser
 {
 public:
-    static constexpr size_t MaxOsc = 256 * 1024; // a clipboard fits
+    static constexpr size_t MaxOsc = size_t{256} * 1024; // a clipboard fits
     static constexpr size_t MaxDcs = 4096;
 
     explicit Parser(ParserSink& sink) : sink_(sink) {}
@@ -153,6 +154,7 @@ private:
     void EscapeIntermediateByte(uint8_t byte);
     void EscapeFinal(char final);
     void CsiFinal(char final);
+    void StartControl();
     void StartString(StringKind kind);
     void EndString();
     void DropString();

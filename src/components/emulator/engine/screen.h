@@ -50,10 +50,10 @@ class LineWatcher
 {
 public:
     virtual ~LineWatcher() = default;
-    virtual void LineLeft(int row, bool wrapped) = 0;
+    virtual void LineLeft(int row) = 0;
 };
 
-class Screen : public CellNames
+class Screen final : public CellNames
 {
 public:
     Screen(Size size, Modes& modes);
@@ -180,6 +180,7 @@ private:
     std::array<CursorState, 2> saved_; // main, alternate
     StyleId penId_ = 0;
     StyleId blankId_ = 0;
+    StyleId newestStyle_ = 0; // given out, but perhaps in no cell yet
     bool penChanged_ = false;
     int top_ = 0;
     int bottom_ = 0; // past the last row of the region

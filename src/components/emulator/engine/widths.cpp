@@ -2,13 +2,8 @@
 
 #include <utf8proc.h>
 
-#include <memory>
-
 namespace kestrune::emu {
 namespace {
-
-// Planes 0 and 1 hold nearly all text in use; one byte each.
-constexpr char32_t kTableEnd = 0x20000;
 
 bool IsWideWhenUnassigned(char32_t point)
 {
@@ -16,7 +11,9 @@ bool IsWideWhenUnassigned(char32_t point)
     return (point >= 0x1F300 && point <= 0x1FAFF) || (point >= 0x20000 && point <= 0x3FFFD);
 }
 
-uint8_t Compute(char32_t point)
+} // namespace
+
+uint8_t TraitTable::Compute(char32_t point)
 {
     if (point < 0x20 || (point >= 0x7F && point < 0xA0) || point > 0x10FFFF)
         return Trait::Dropped;
@@ -43,20 +40,12 @@ uint8_t Compute(char32_t point)
     }
 }
 
-std::unique_ptr<uint8_t[]> MakeTable()
+std::unique_ptr<const uint8_t[]> TraitTable::Make()
 {
-    auto table = std::make_unique<uint8_t[]>(kTableEnd);
-    for (char32_t point = 0; point < kTableEnd; ++point)
+    auto table = std::make_unique<uint8_t[]>(End);
+    for (char32_t point = 0; point < End; ++point)
         table[point] = Compute(point);
     return table;
-}
-
-} // namespace
-
-uint8_t TraitsOf(char32_t point)
-{
-    static const std::unique_ptr<uint8_t[]> table = MakeTable();
-    return point < kTableEnd ? table[point] : Compute(point);
 }
 
 } // namespace kestrune::emu

@@ -7,6 +7,7 @@
 // indicator is wide, so that a flag of two takes the two columns that hosts count for it.
 
 #include <cstdint>
+#include <memory>
 
 namespace kestrune::emu {
 
@@ -22,8 +23,25 @@ inline constexpr uint8_t Special = uint8_t(~WidthMask);
 
 inline constexpr char32_t ZeroWidthJoiner = 0x200D;
 
-uint8_t TraitsOf(char32_t point); // Trait bits and the width
+class TraitTable // one byte for each point of planes 0 and 1, which hold nearly all text in use
+{
+public:
+    static constexpr char32_t End = 0x20000;
+    static const uint8_t* Get()
+    {
+        static const std::unique_ptr<const uint8_t[]> table = Make();
+        return table.get();
+    }
+    static uint8_t Compute(char32_t point);
 
-inline int WidthOf(char32_t point) { return TraitsOf(point) & Trait::WidthMask; }
+private:
+    static std::unique_ptr<const uint8_t[]> Make();
+};
+
+// Trait bits and the width.
+inline uint8_t TraitsOf(char32_t point)
+{
+    return point < TraitTable::End ? TraitTable::Get()[point] : TraitTable::Compute(point);
+}
 
 } // namespace kestrune::emu

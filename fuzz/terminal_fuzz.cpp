@@ -1,0 +1,93 @@
+// Host bytes with resizes, changes of type and looks in between. The first bytes choose type, encoding and size;
+// after that 0xFF starts an action of the user, everything else is the host's.
+
+#include <emulator/engine/terminal.h>
+#include <emulator/personalities/personalities.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+namespace {
+
+using namespace kestrune::emu;
+
+struct Sink : TerminalListener
+{
+    void Reply(std::string_view bytes) override { replied += bytes.size(); }
+    void TitleChanged(std::string_view utf8) override { replied += utf8.size(); }
+    size_t replied = 0;
+};
+
+void Look(const Terminal& terminal)
+{
+    const Size size = terminal.ScreenSize();
+    const Position cursor = terminal.Cursor();
+    if (cursor.col < 0 || cursor.col >= size.cols || cursor.row < 0 || cursor.row >= size.rows)
+        std::abort();
+    for (int row = -terminal.HistoryCount(); row < size.rows; ++row) {
+        const RowView view = terminal.Row(row);
+        if (view.cells.size() > size_t(size.cols))
+            std::abort();
+        for (size_t col = 0; col < view.cells.size(); ++col) {
+            (void)terminal.StyleOf(view.cells[col].style);
+            const bool hasTail = col + 1 < view.cells.size() && (view.cells[col + 1].flags & Cell::WideTail);
+            if (row >= 0 && ((view.cells[col].flags & Cell::Wide) != 0) != hasTail)
+                std::abort();
+        }
+        (void)terminal.TextOf(row, 0, size.cols);
+    }
+}
+
+void Act(Terminal& terminal, uint8_t what, uint8_t how)
+{
+    const auto types = AllPersonalities();
+    switch (what % 6) {
+    case 0:
+        terminal.Resize({how % 90 + 1, terminal.ScreenSize().rows});
+        break;
+    case 1:
+        terminal.Resize({terminal.ScreenSize().cols, how % 40 + 1});
+        break;
+    case 2:
+        terminal.SelectPersonality(*types[how % types.size()]);
+        break;
+    case 3:
+        terminal.SetHistoryRows(how);
+        break;
+    case 4:
+        terminal.SetCharset(HostCharset(how % 5));
+        break;
+    default:
+        Look(terminal);
+        (void)terminal.KeyBytes({Key(how % 72), uint8_t(how >> 4), "x"});
+        break;
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size < 4)
+        return 0;
+    const auto types = AllPersonalities();
+    TerminalOptions options;
+    options.charset = HostCharset(data[1] % 5);
+    options.size = {data[2] % 90 + 1, data[3] % 40 + 1};
+    options.historyRows = 30;
+    Sink sink;
+    Terminal terminal(options, *types[data[0] % types.size()], sink);
+    std::string_view rest(reinterpret_cast<const char*>(data) + 4, size - 4);
+    while (!rest.empty()) {
+        const size_t mark = rest.find('\xff');
+        terminal.Receive(rest.substr(0, mark));
+        rest.remove_prefix(mark == rest.npos ? rest.size() : mark);
+        if (rest.size() < 3)
+            break;
+        Act(terminal, uint8_t(rest[1]), uint8_t(rest[2]));
+        rest.remove_prefix(3);
+    }
+    Look(terminal);
+    return 0;
+}
