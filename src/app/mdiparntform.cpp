@@ -15,13 +15,13 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QFontDatabase>
+#include <QGridLayout>
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
 #include <QSessionManager>
-#include <QStackedWidget>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -53,16 +53,20 @@ void Tile(const QList<frmMdiChild*>& windows, QSize room, bool stacked)
 frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     : application_(application), parts_(std::move(parts)),
       logic_(std::make_unique<MdiParent>(application, *this, parts_.shutDown)), bars_(new MenuBarView(*this)),
-      pages_(new QStackedWidget), emptyPage_(new EmptyPage), area_(new SessionArea), sessionBar_(new SessionBar)
+      emptyPage_(new EmptyPage), area_(new SessionArea), sessionBar_(new SessionBar)
 {
     setWindowIcon(ProgramIcon());
     setContextMenuPolicy(Qt::NoContextMenu);
     area_->setFrameShape(QFrame::NoFrame);
     area_->setBackground(palette().brush(QPalette::Mid));
     area_->setActivationOrder(QMdiArea::ActivationHistoryOrder);
-    pages_->addWidget(emptyPage_);
-    pages_->addWidget(area_);
-    setCentralWidget(pages_);
+    // The page lies over the area: a session window must find its area laid out when it is first shown.
+    auto* inside = new QWidget;
+    auto* cell = new QGridLayout(inside);
+    cell->setContentsMargins(0, 0, 0, 0);
+    cell->addWidget(area_, 0, 0);
+    cell->addWidget(emptyPage_, 0, 0);
+    setCentralWidget(inside);
     BuildSessionBar();
 
     connect(area_, &QMdiArea::subWindowActivated, this, &frmMdiParent::ActiveWindowChanged);
@@ -155,7 +159,6 @@ SessionWindow* frmMdiParent::NewSessionWindow(clsSession&)
     });
     area_->addSubWindow(child);
     child->hide();
-    pages_->setCurrentWidget(area_);
     return child;
 }
 
@@ -189,11 +192,13 @@ void frmMdiParent::UpdateNoActiveSession() { ActiveWindowChanged(); }
 
 void frmMdiParent::ShowRightPage()
 {
-    // A window that is not shown yet counts: it must find its area there when it is maximised.
-    pages_->setCurrentWidget(Windows().isEmpty() ? static_cast<QWidget*>(emptyPage_) : area_);
+    bool any = false;
+    for (const frmMdiChild* window : Windows())
+        any = any || !window->isHidden();
+    emptyPage_->setVisible(!any);
 }
 
-// Called for every change of a caption or icon; the tabs are filled once, at the end of the turn.
+// Called for every change of a caption or icon; what is shown catches up once, at the end of the turn.
 void frmMdiParent::RefreshSessionBar()
 {
     if (!barPending_)
@@ -206,13 +211,14 @@ void frmMdiParent::FillSessionBar()
     barPending_ = false;
     if (logic_->IsClosing())
         return;
+    frmMdiChild* active = ActiveWindow();
+    bars_->Show(active != nullptr ? &active->Menu() : &menu_);
     ShowRightPage();
     QList<SessionBar::Tab> tabs;
     for (const auto& session : application_.Sessions().All())
         if (const auto* window = dynamic_cast<frmMdiChild*>(session->frmSession());
             window != nullptr && !window->isHidden())
             tabs.append({window->Handle(), window->Title(), session->FileName(), window->windowIcon()});
-    const frmMdiChild* active = ActiveWindow();
     sessionBar_->SetTabs(tabs, active != nullptr ? active->Handle() : 0);
     if (QWidget* bar = sessionBar_->parentWidget())
         bar->setVisible(!tabs.isEmpty() && application_.Boolean(GlobalId::SessionBarVisible));

@@ -13,7 +13,6 @@
 #include <memory>
 
 class QMdiArea;
-class QStackedWidget;
 
 namespace kestrune {
 
@@ -103,7 +102,6 @@ private:
     taMenuBar menu_;
     std::unique_ptr<MdiParent> logic_;
     MenuBarView* bars_; // these are child objects of the window
-    QStackedWidget* pages_;
     EmptyPage* emptyPage_;
     QMdiArea* area_;
     SessionBar* sessionBar_;

@@ -268,7 +268,11 @@ private:
     bool pending_ = false;
 };
 
-MenuBarView::MenuBarView(QMainWindow& window) : QObject(&window), window_(window) {}
+MenuBarView::MenuBarView(QMainWindow& window) : QObject(&window), window_(window)
+{
+    window.menuBar(); // both are there from the first show on: maximised windows inside look for a menu bar
+    window.statusBar();
+}
 
 MenuBarView::~MenuBarView() = default;
 
