@@ -31,7 +31,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 

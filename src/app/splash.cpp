@@ -11,8 +11,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_L1;
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 frmSplash::frmSplash(const QString& choice)
     : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint),

@@ -121,23 +121,23 @@ constexpr ButtonRow kButtonRows[] = {
 
 struct PanelRow
 {
-    int key;
     const char* caption;
-    const char* widest = ""; // keeps its width; empty: fits its text
+    const char* widest; // keeps its width; empty: fits its text
     const char* toolTip;
-    const char* image = "";
+    const char* image;
+    int key;
     bool spring = false;
 };
 
 constexpr PanelRow kPanelRows[] = {
-    {1103, "Device Status", "", QT_TRANSLATE_NOOP("Menu", "Device"), "", true},
-    {1102, "Connection", "", QT_TRANSLATE_NOOP("Menu", "Connection")},
-    {1101, "Emulation", "", QT_TRANSLATE_NOOP("Menu", "Terminal type")},
-    {1104, "000,00,00", "000,000,00", QT_TRANSLATE_NOOP("Menu", "Columns, rows, pages")},
-    {1107, "000,00,00", "000,000,00", QT_TRANSLATE_NOOP("Menu", "Cursor: column, row, page")},
-    {1105, "Idle", "", QT_TRANSLATE_NOOP("Menu", "Printer")},
-    {1106, "Capture Off", "", QT_TRANSLATE_NOOP("Menu", "Capture")},
-    {1108, "Keyboard", "", QT_TRANSLATE_NOOP("Menu", "Keyboard unlocked"), "keyboard"},
+    {"Device Status", "", QT_TRANSLATE_NOOP("Menu", "Device"), "", 1103, true},
+    {"Connection", "", QT_TRANSLATE_NOOP("Menu", "Connection"), "", 1102},
+    {"Emulation", "", QT_TRANSLATE_NOOP("Menu", "Terminal type"), "", 1101},
+    {"000,00,00", "000,000,00", QT_TRANSLATE_NOOP("Menu", "Columns, rows, pages"), "", 1104},
+    {"000,00,00", "000,000,00", QT_TRANSLATE_NOOP("Menu", "Cursor: column, row, page"), "", 1107},
+    {"Idle", "", QT_TRANSLATE_NOOP("Menu", "Printer"), "", 1105},
+    {"Capture Off", "", QT_TRANSLATE_NOOP("Menu", "Capture"), "", 1106},
+    {"Keyboard", "", QT_TRANSLATE_NOOP("Menu", "Keyboard unlocked"), "keyboard", 1108},
 };
 
 QString MenuText(const char* text) { return QCoreApplication::translate("Menu", text); }

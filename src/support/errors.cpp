@@ -10,8 +10,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_L1;
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -42,11 +41,11 @@ QString ErrorReport(const ErrorPlace& place, const Failure& failure, const QStri
            line("Description:"_L1, failure.Text()) + line("Source:"_L1, failure.Source()) + line("Action:"_L1, action);
 }
 
-ErrorAction ErrHndlr(Questions& ask, const QString& procedure, const QString& module, const std::source_location& at)
+ErrorAction ErrHndlr(Questions& ask, const QString& procedure, const QString& module, int line)
 {
     if (SilentErrors::Depth() > 0)
         return ErrorAction::Next;
-    const ErrorPlace place{procedure, module, static_cast<int>(at.line())};
+    const ErrorPlace place{procedure, module, line};
     const Failure failure = CurrentFailure();
     if (!ask.HasUser()) {
         WriteLog(u"Kestrune - unanticipated error\r\n"_s + ErrorReport(place, failure, u"unrecoverable"_s));

@@ -8,7 +8,6 @@
 
 #include <QString>
 
-#include <source_location>
 #include <utility>
 
 namespace kestrune {
@@ -62,20 +61,19 @@ QString ErrorReport(const ErrorPlace& place, const Failure& failure, const QStri
 
 // To be called from inside a catch block. With a user: shows the report and gives the choice. With no user: the
 // report goes to the log and the failure is raised again, so that an automation client sees it.
-ErrorAction ErrHndlr(Questions& ask, const QString& procedure, const QString& module,
-                     const std::source_location& at = std::source_location::current());
+ErrorAction ErrHndlr(Questions& ask, const QString& procedure, const QString& module, int line = __builtin_LINE());
 
 // A statement under the central handler: again for as long as the user says so. False when it did not get done.
 template <typename F>
 bool Guarded(Questions& ask, const QString& procedure, const QString& module, F&& statement,
-             const std::source_location& at = std::source_location::current())
+             int line = __builtin_LINE())
 {
     for (;;) {
         try {
             statement();
             return true;
         } catch (const std::exception&) {
-            if (ErrHndlr(ask, procedure, module, at) != ErrorAction::Retry)
+            if (ErrHndlr(ask, procedure, module, line) != ErrorAction::Retry)
                 return false;
         }
     }

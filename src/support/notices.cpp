@@ -4,8 +4,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_L1;
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 QString NotImplementedLine(const QString& feature)
 {

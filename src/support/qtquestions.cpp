@@ -9,8 +9,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_L1;
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -182,17 +182,17 @@ TEST(Start, WelcomeAnswers)
     struct Row
     {
         WelcomeChoice choice;
-        QString file; // of the home folder
         int sessions;
+        QString file; // of the home folder
         QString logged;
     };
     const Row rows[] = {
-        {WelcomeChoice::Cancelled, {}, 0, u"welcome"_s},
-        {WelcomeChoice::NewSession, {}, 1, u"wizard"_s},
-        {WelcomeChoice::OpenFile, u"a.orcf"_s, 1, u"welcome"_s},
-        {WelcomeChoice::OpenFile, u"two.orly"_s, 1, u"welcome"_s},
-        {WelcomeChoice::OpenFile, u"job.orsc"_s, 0, u"welcome"_s},
-        {WelcomeChoice::OpenFile, u"gone.orcf"_s, 0, u"welcome"_s},
+        {WelcomeChoice::Cancelled, 0, {}, u"welcome"_s},
+        {WelcomeChoice::NewSession, 1, {}, u"wizard"_s},
+        {WelcomeChoice::OpenFile, 1, u"a.orcf"_s, u"welcome"_s},
+        {WelcomeChoice::OpenFile, 1, u"two.orly"_s, u"welcome"_s},
+        {WelcomeChoice::OpenFile, 0, u"job.orsc"_s, u"welcome"_s},
+        {WelcomeChoice::OpenFile, 0, u"gone.orcf"_s, u"welcome"_s},
     };
     for (const Row& row : rows) {
         ShellBench bench;

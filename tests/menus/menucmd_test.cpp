@@ -10,7 +10,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -23,7 +23,7 @@ protected:
 
     std::shared_ptr<clsSession> Open(const QString& name = u"a.orcf"_s)
     {
-        const auto session = application_.Sessions().Add(bench_.SessionFile(name), 0);
+        auto session = application_.Sessions().Add(bench_.SessionFile(name), 0);
         bench_.lines.Current().Connect();
         return session;
     }

@@ -10,8 +10,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_L1;
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -70,7 +69,7 @@ QPainterPath ReadPath(QLatin1StringView text)
 class LineIconEngine : public QIconEngine
 {
 public:
-    explicit LineIconEngine(QPainterPath path) : path_(std::move(path)) {}
+    explicit LineIconEngine(const QPainterPath& path) : path_(path) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
