@@ -89,6 +89,6 @@ function(house_test target)
         set(A_TIMEOUT 120)
     endif()
     include(GoogleTest)
-    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
         PROPERTIES TIMEOUT ${A_TIMEOUT} LABELS "${A_LABELS}")
 endfunction()

@@ -292,7 +292,10 @@ void frmMdiParent::ApplyLargeIcons(bool on)
 
 void frmMdiParent::ShowNotice(const QString& line)
 {
-    statusBar()->showMessage(line, static_cast<int>(std::chrono::milliseconds(kNoticeTime).count()));
+    // A notice that is still being read is not pushed away by the next one.
+    const QString before = statusBar()->currentMessage();
+    const QString both = before.isEmpty() || before.endsWith(line) ? line : before + u"  "_s + line;
+    statusBar()->showMessage(both, static_cast<int>(std::chrono::milliseconds(kNoticeTime).count()));
 }
 
 bool frmMdiParent::RenameTab(clsSession& session)

@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kLinuxConsole = 16;
+constexpr int kHistoryRows = 10000;
 
 void SetUpLocalShell(clsSession& session)
 {
@@ -21,6 +22,7 @@ void SetUpLocalShell(clsSession& session)
     settings.SetValue(Setting("Device"), static_cast<qint16>(Device::Extension));
     settings.SetValue(Setting("TermType"), static_cast<qint16>(kLinuxConsole));
     settings.SetValue(Setting("Charset"), u"UTF-8"_s);
+    settings.SetValue(Setting("HistoryRows"), kHistoryRows);
     session.SetChanged(false); // nothing yet that the user would want to keep
 }
 
