@@ -9,7 +9,7 @@
 
 namespace kestrune {
 
-using namespace Qt::StringLiterals;
+using Qt::StringLiterals::operator""_s;
 
 namespace {
 
@@ -216,6 +216,13 @@ TEST(EmulatorScreen, EventsComeOnceATurn)
     EXPECT_EQ(taken(), QStringList{u"size 100,40,1,0"_s});
     control.Settings().Set(u"TermType"_s, 16);
     EXPECT_EQ(taken(), QStringList{u"type 16"_s});
+    for (int i = 0; i < 10; ++i) { // a flood
+        bench.Host().HostSays("\r" + std::string(10'000, '\n') + std::string(size_t(i), 'x'));
+        bench.clock.RunPosted();
+    }
+    EXPECT_LE(taken().size(), 1);
+    bench.clock.Advance(std::chrono::seconds(1));
+    EXPECT_EQ(taken(), QStringList{u"cursor 9,39,0"_s}) << "the last place is told in the end";
 }
 
 TEST(EmulatorScreen, SettingsTakeEffectLive)

@@ -5,6 +5,7 @@
 #include <emulator/engine/terminal.h>
 #include <emulator/personalities/personalities.h>
 
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -78,10 +79,11 @@ public:
     // Everything that can be seen, for comparing two terminals.
     std::string Everything() const
     {
-        std::string out = std::to_string(terminal.Cursor().row) + ',' + std::to_string(terminal.Cursor().col) + '\n';
+        const Position cursor = terminal.Cursor();
+        std::string out = std::to_string(cursor.row).append(",").append(std::to_string(cursor.col)).append("\n");
         for (int row = -terminal.HistoryCount(); row < terminal.ScreenSize().rows; ++row) {
             const RowView view = terminal.Row(row);
-            out += Line(row) + (view.wraps ? "\\" : "") + char('0' + int(view.size));
+            out.append(Line(row)).append(view.wraps ? "\\" : "").append(1, char('0' + int(view.size)));
             for (size_t col = 0; col < view.cells.size(); ++col)
                 out += Look(terminal.StyleOf(view.cells[col].style), view.cells[col].flags);
             out += '\n';
@@ -97,16 +99,16 @@ private:
     {
         if (style == Style{} && flags == 0)
             return {};
-        return '<' + std::to_string(style.foreground.value) + ' ' + std::to_string(style.background.value) + ' ' +
-               std::to_string(style.underlineColor.value) + ' ' + std::to_string(style.attributes) + ' ' +
-               std::to_string(int(style.underline)) + ' ' + std::to_string(style.link) + ' ' + std::to_string(flags) +
-               '>';
+        std::ostringstream out;
+        out << '<' << style.foreground.value << ' ' << style.background.value << ' ' << style.underlineColor.value
+            << ' ' << style.attributes << ' ' << int(style.underline) << ' ' << style.link << ' ' << flags << '>';
+        return out.str();
     }
     std::string Joined(int from, int to) const
     {
         std::string out;
         for (int row = from; row < to; ++row)
-            out += (row > from ? "|" : "") + Line(row);
+            out.append(row > from ? "|" : "").append(Line(row));
         out.erase(out.find_last_not_of('|') + 1);
         return out;
     }

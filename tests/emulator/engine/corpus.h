@@ -15,7 +15,8 @@ inline std::vector<std::string> Corpus()
         "\x1b[1;1H\x1b[2J\x1b[3;4r\x1b[4;1H\n\n\x1bM\x1b[r\x1b[5;10Hx\x1b[K\x1b[1J\x1b[2@\x1b[3P\x1b[L\x1b[M\x1b[X",
         "\x1b[1;4:3;38;2;1;2;3;48:5:9;58:2::1:2:3mstyled\x1b[0m plain \x1b[7mreverse\x1b[27m\x1b[38;5;1m!",
         "0123456789012345678901234567890123456789中文wrap over the edge of the row 日本語\xe2\x80\x8d",
-        "e\xcc\x81\xcc\x82 👩‍👧‍👦 👍🏽 🇩🇪🇫🇷 ❤️ 한글 \xe1\x84\x92\xe1\x85\xa1\xe1\x86\xab "
+        "e\xcc\x81\xcc\x82 👩‍👧‍👦 👍🏽 🇩🇪🇫🇷 ❤️ 한글 "
+        "\xe1\x84\x92\xe1\x85\xa1\xe1\x86\xab "
         "नि "
         "\xc2\xad\xe2\x80\xae",
         "\xc0\xaf\xed\xa0\x80\xf4\x90\x80\x80\xe4\xb8\xf0\x9f\x98 broken \x80\xff\xfe",

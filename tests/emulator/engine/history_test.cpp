@@ -65,7 +65,7 @@ TEST(EngineHistory, ManyLinesOverManyBlocks)
     bench.HostSays(Lines(1, 20'000));
     ASSERT_EQ(bench.terminal.HistoryCount(), 3000);
     for (const int row : {-3000, -2999, -1500, -1})
-        EXPECT_EQ(bench.Line(row), "line " + std::to_string(20'000 - 2 + row));
+        EXPECT_EQ(bench.Line(row), std::string("line ").append(std::to_string(20'000 - 2 + row)));
 }
 
 // A search or a tall window looks at many rows at once; the views must not overwrite each other.

@@ -129,7 +129,7 @@ TEST(EngineSafety, NothingGrowsWithoutBound)
                        "a" +
                        last);
     }
-    EXPECT_EQ(bench.Line(3), "a" + last);
+    EXPECT_EQ(bench.Line(3), std::string("a").append(last));
 
     for (const char* const start : {"\x1b]0;", "\x1bP", "\x1b_", "\x1b[", "\x1b["}) {
         bench.HostSays(start);

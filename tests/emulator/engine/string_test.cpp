@@ -156,5 +156,16 @@ TEST(EnginePrinter, GetsWhatTheHostSendsThere)
     }
 }
 
+TEST(EnginePrinter, TheUserCanEndControllerMode)
+{
+    Bench bench(2, 10);
+    bench.HostSays("\x1b[5iforgotten\x1b[4");
+    bench.terminal.Reset();
+    bench.HostSays("back");
+    EXPECT_EQ(bench.Line(0), "back");
+    EXPECT_EQ(bench.heard.printed, "forgotten");
+    EXPECT_EQ(bench.heard.printerStates, (std::vector<int>{1, 0}));
+}
+
 } // namespace
 } // namespace kestrune::emu

@@ -101,8 +101,9 @@ TEST(EngineStyle, NumbersAreUsedAgain)
     Bench bench(Utf8Options(24, 80, 50));
     for (int i = 0; i < 300'000; ++i) {
         const Color color = Color::Direct(uint8_t(i >> 16), uint8_t(i >> 8), uint8_t(i));
-        bench.HostSays(std::string("\x1b[38;2;") + std::to_string(color.Red()) + ';' + std::to_string(color.Green()) +
-                       ';' + std::to_string(color.Blue()) + "mx");
+        std::ostringstream bytes;
+        bytes << "\x1b[38;2;" << int(color.Red()) << ';' << int(color.Green()) << ';' << int(color.Blue()) << "mx";
+        bench.HostSays(bytes.str());
         if (i % 20'011 == 0) {
             const Position at = bench.terminal.Cursor();
             ASSERT_EQ(bench.StyleAt(at.row, at.col - 1).foreground, color) << i;

@@ -2,6 +2,7 @@
 
 #include "viewbench.h"
 
+#include <QContextMenuEvent>
 #include <QInputMethodEvent>
 #include <QSignalSpy>
 #include <QWheelEvent>
@@ -10,7 +11,7 @@
 
 namespace kestrune {
 
-using namespace Qt::StringLiterals;
+using Qt::StringLiterals::operator""_s;
 
 namespace {
 
@@ -171,6 +172,9 @@ TEST(ViewInput, MiddleAndRightButton)
                      });
     QTest::mouseClick(&bench.view, Qt::RightButton, kNone, bench.Middle(3, 3));
     EXPECT_EQ(asked, 2);
+    QContextMenuEvent byKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QCoreApplication::sendEvent(&bench.view, &byKey);
+    EXPECT_EQ(asked, 4);
 }
 
 void Wheel(ViewBench& bench, int notches, Qt::KeyboardModifiers modifiers = kNone)

@@ -18,11 +18,13 @@
 
 namespace kestrune {
 
-using namespace Qt::StringLiterals;
+using Qt::StringLiterals::operator""_s;
 
 namespace {
 
 constexpr int kBreakMilliseconds = 300; // longer than any character at 300 bits a second
+constexpr quint64 kFloodBytes = 4096;   // between two turns: more than anybody reads
+constexpr auto kCursorPause = std::chrono::milliseconds(50);
 const QString kSource = u"ctlEmulator"_s;
 
 qint32 Clipped(quint64 count) { return qint32(std::min<quint64>(count, std::numeric_limits<qint32>::max())); }
@@ -164,7 +166,7 @@ void ctlEmulator::SetOnLine(bool on)
 void ctlEmulator::OpenLine()
 {
     const LineOptions options = LineOptionsOf(settings_, terminal_->CurrentPersonality(), size_);
-    bytesIn_ = bytesOut_ = 0;
+    bytesIn_ = bytesOut_ = told_.bytesIn = 0;
     closing_ = reopen_ = wasConnected_ = false;
     endText_.clear();
     paste_->Abort(nullptr);
@@ -350,14 +352,29 @@ void ctlEmulator::ScheduleEvents()
     });
 }
 
+// Who shows the cursor's place must not slow a flood down: while one is on, the last place is told now and then.
+void ctlEmulator::TellCursor()
+{
+    const bool flood = bytesIn_ - told_.bytesIn > kFloodBytes;
+    const Clock::Duration due = told_.cursorAt + kCursorPause;
+    if (flood && ports_.clock.Now() < due) {
+        cursorTimer_ = ports_.clock.After(due - ports_.clock.Now(), [this] { ScheduleEvents(); });
+        return;
+    }
+    told_.cursor = terminal_->Cursor();
+    told_.cursorAt = ports_.clock.Now();
+    told_.bytesIn = bytesIn_;
+    emit CursorMove(told_.cursor.col, told_.cursor.row, Page());
+}
+
 // A handler may end the session, but the control outlives this call.
 void ctlEmulator::RunEvents()
 {
     scheduled_ = false;
     if (const auto size = terminal_->ScreenSize(); !(size == std::exchange(told_.size, size)))
         emit ScreenSizeChange(size.cols, size.rows, settings_.Integer(Setting("Pages")), false);
-    if (const auto at = terminal_->Cursor(); at != std::exchange(told_.cursor, at))
-        emit CursorMove(at.col, at.row, Page());
+    if (terminal_->Cursor() != told_.cursor)
+        TellCursor();
     if (LockKeyboard() != std::exchange(told_.locked, LockKeyboard()))
         emit KeyboardLock(LockKeyboard());
     if (const auto state = std::exchange(printerState_, std::nullopt))

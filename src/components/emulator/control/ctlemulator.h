@@ -301,6 +301,7 @@ private:
     void Notice(const QString& text);
     void ScheduleEvents();
     void RunEvents();
+    void TellCursor();
     SelectionArea Resolve(int left, int top, int right, int bottom) const;
     emu::Style StyleFor(int color) const;
 
@@ -308,6 +309,8 @@ private:
     struct Told
     {
         emu::Position cursor{-1, -1};
+        Clock::Duration cursorAt{0};
+        quint64 bytesIn = 0; // by then
         emu::Size size{0, 0};
         bool locked = false;
     };
@@ -331,6 +334,7 @@ private:
     quint64 bytesOut_ = 0;
     int scrollback_ = 0; // rows that the view is back from the newest
     Told told_;
+    std::unique_ptr<Clock::Timer> cursorTimer_;
     bool scheduled_ = false;
     bool bell_ = false;
     std::optional<int> printerState_;

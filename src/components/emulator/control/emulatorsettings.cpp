@@ -11,7 +11,7 @@
 
 namespace kestrune {
 
-using namespace Qt::StringLiterals;
+using Qt::StringLiterals::operator""_s;
 
 namespace {
 

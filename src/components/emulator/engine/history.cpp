@@ -320,15 +320,4 @@ void History::VisitStyles(const std::function<void(const Style&)>& visit) const
     }
 }
 
-size_t History::Bytes() const
-{
-    size_t bytes = 0;
-    for (const Block& block : blocks_) {
-        bytes += kBlockBytes + block.offsets.capacity() * sizeof(uint16_t) + block.styles.capacity() * sizeof(Style);
-        for (const std::u32string& cluster : block.clusters)
-            bytes += sizeof cluster + cluster.size() * sizeof(char32_t);
-    }
-    return bytes;
-}
-
 } // namespace kestrune::emu

@@ -55,7 +55,6 @@ public:
     // The styles that lines still kept were written in, once or more each.
     void VisitStyles(const std::function<void(const Style&)>& visit) const;
     void ForgetNumbers(); // style and cluster numbers were given up by a sweep
-    size_t Bytes() const; // memory in use, for measuring
 
 private:
     struct Block

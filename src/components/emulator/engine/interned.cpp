@@ -19,27 +19,27 @@ size_t HashOf(const Style& style)
 
 StyleTable::StyleTable() : styles_(1) { Rehash(256); }
 
-size_t StyleTable::Slot(const Style& style) const
+size_t StyleTable::Bucket(const Style& style) const
 {
-    const size_t mask = slots_.size() - 1;
-    size_t slot = HashOf(style) & mask;
-    while (slots_[slot] != 0 && !(styles_[slots_[slot]] == style))
-        slot = (slot + 1) & mask;
-    return slot;
+    const size_t mask = buckets_.size() - 1;
+    size_t bucket = HashOf(style) & mask;
+    while (buckets_[bucket] != 0 && !(styles_[buckets_[bucket]] == style))
+        bucket = (bucket + 1) & mask;
+    return bucket;
 }
 
 uint32_t StyleTable::Intern(const Style& style)
 {
     if (style == styles_[0])
         return 0;
-    size_t slot = Slot(style);
-    if (slots_[slot] != 0)
-        return slots_[slot];
+    size_t bucket = Bucket(style);
+    if (buckets_[bucket] != 0)
+        return buckets_[bucket];
     if (free_.empty() && styles_.size() > Max)
         return Full;
-    if (Live() * 2 > slots_.size()) {
-        Rehash(slots_.size() * 2);
-        slot = Slot(style);
+    if (Live() * 2 > buckets_.size()) {
+        Rehash(buckets_.size() * 2);
+        bucket = Bucket(style);
     }
     StyleId id = 0;
     if (free_.empty()) {
@@ -50,19 +50,19 @@ uint32_t StyleTable::Intern(const Style& style)
         free_.pop_back();
         styles_[id] = style;
     }
-    slots_[slot] = id;
+    buckets_[bucket] = id;
     return id;
 }
 
-void StyleTable::Rehash(size_t slots)
+void StyleTable::Rehash(size_t buckets)
 {
     std::vector<bool> unused(styles_.size(), false);
     for (const StyleId id : free_)
         unused[id] = true;
-    slots_.assign(slots, 0);
+    buckets_.assign(buckets, 0);
     for (size_t id = 1; id < styles_.size(); ++id)
         if (!unused[id])
-            slots_[Slot(styles_[id])] = StyleId(id);
+            buckets_[Bucket(styles_[id])] = StyleId(id);
 }
 
 void StyleTable::Keep(const std::vector<bool>& inUse)
@@ -72,7 +72,7 @@ void StyleTable::Keep(const std::vector<bool>& inUse)
         if (!inUse[id])
             free_.push_back(StyleId(id));
     sweepAt_ = std::max(kFirstSweep, Live() * 2);
-    Rehash(slots_.size());
+    Rehash(buckets_.size());
 }
 
 uint32_t ClusterTable::Intern(std::u32string_view points)

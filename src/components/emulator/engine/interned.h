@@ -30,13 +30,13 @@ public:
     void Keep(const std::vector<bool>& inUse); // by id; id 0 always stays
 
 private:
-    size_t Slot(const Style& style) const;
-    void Rehash(size_t slots);
+    size_t Bucket(const Style& style) const;
+    void Rehash(size_t buckets);
 
     std::vector<Style> styles_;
     std::vector<StyleId> free_;
     size_t sweepAt_ = kFirstSweep;
-    std::vector<StyleId> slots_; // open addressing; 0 is an empty slot, the plain style is never looked up
+    std::vector<StyleId> buckets_; // open addressing; 0 is an empty bucket, the plain style is never looked up
 };
 
 class ClusterTable

@@ -17,15 +17,15 @@ Size Clamped(Size size)
     return {std::clamp(size.cols, kLeast.cols, kMost.cols), std::clamp(size.rows, kLeast.rows, kMost.rows)};
 }
 
-// Which slot an intermediate designates into, ISO 2022: ( ) * + for sets of 94, - . / for sets of 96.
+// Which of G0 to G3 an intermediate designates into, ISO 2022: ( ) * + for sets of 94, - . / for sets of 96.
 struct Designator
 {
+    int which;
     char intermediate;
-    int slot;
     bool wide96;
 };
 constexpr Designator kDesignators[] = {
-    {'(', 0, false}, {')', 1, false}, {'*', 2, false}, {'+', 3, false}, {'-', 1, true}, {'.', 2, true}, {'/', 3, true},
+    {0, '(', false}, {1, ')', false}, {2, '*', false}, {3, '+', false}, {1, '-', true}, {2, '.', true}, {3, '/', true},
 };
 
 // The controls that a PC console still obeys while it shows the others (Linux console: CTRL_ALWAYS).
@@ -129,6 +129,8 @@ void Machine::PowerUp()
     cursorShape_ = CursorShape::BlinkBlock;
     charset_ = options_.charset;
     palette_.fill(0);
+    parser_.Reset(); // also ends a printer controller mode that the host has forgotten
+    printing_ = false;
     screen_.SetWatcher(nullptr);
     screen_.SetWrapStyle(personality_->wrap);
     screen_.HardReset();
@@ -282,14 +284,14 @@ void Machine::SwitchAlternate(bool on, Mode how)
 
 // --- character sets
 
-void Machine::Designate(int slot, bool wide96, std::string_view designator)
+void Machine::Designate(int which, bool wide96, std::string_view designator)
 {
     const CharacterSet* set = FindCharacterSet(designator, wide96, speaks_);
-    if (set == nullptr || (slot >= 2 && !Speaks(Dialect::Vt220)))
+    if (set == nullptr || (which >= 2 && !Speaks(Dialect::Vt220)))
         return;
     if (set->kind == CharacterSet::Kind::National && !modes_.Has(Mode::NationalSets))
         set = &AsciiSet();
-    screen_.Charsets().g[size_t(slot)] = set;
+    screen_.Charsets().g[size_t(which)] = set;
 }
 
 void Machine::WriteThrough(const CharacterSet& set, std::span<const uint8_t> run)
@@ -366,7 +368,7 @@ void Machine::Escape(char intermediate, char final)
         if ((intermediate & 0x7F) == designator.intermediate) {
             const char name[] = {'%', final};
             const bool withPercent = intermediate != designator.intermediate;
-            Designate(designator.slot, designator.wide96, {withPercent ? name : name + 1, withPercent ? 2u : 1u});
+            Designate(designator.which, designator.wide96, {withPercent ? name : name + 1, withPercent ? 2u : 1u});
             return;
         }
     if (intermediate < 0 || final < 0x30)

@@ -26,7 +26,7 @@ inline constexpr int PaletteBackground = 257;
 inline constexpr int PaletteCursor = 258;
 inline constexpr int PaletteSize = 259;
 
-class Machine : public ParserSink, public LineWatcher
+class Machine final : public ParserSink, public LineWatcher
 {
 public:
     Machine(const TerminalOptions& options, const Personality& personality, TerminalListener& listener);
@@ -71,10 +71,10 @@ public:
     void SoftReset();
     void SetLevel(int level, bool eightBit); // DECSCL
     void SetEightBitReplies(bool on) { eightBitReplies_ = on; }
-    void Designate(int slot, bool wide96, std::string_view designator);
-    void LockingShift(int slot) { screen_.Charsets().gl = slot; }
-    void LockingShiftRight(int slot) { screen_.Charsets().gr = slot; }
-    void SingleShift(int slot) { singleShift_ = slot; }
+    void Designate(int which, bool wide96, std::string_view designator);
+    void LockingShift(int which) { screen_.Charsets().gl = which; }
+    void LockingShiftRight(int which) { screen_.Charsets().gr = which; }
+    void SingleShift(int which) { singleShift_ = which; }
     void SetRomFont(RomFont font) { romFont_ = font; }
     void SelectUtf8(bool on); // ESC % G, ESC % @
     void SetCursorShape(CursorShape shape) { cursorShape_ = shape; }
@@ -103,11 +103,11 @@ public:
     void ToPrinter(std::span<const uint8_t> bytes) override;
     void PrinterEnds() override;
     // --- LineWatcher
-    void LineLeft(int row, bool wrapped) override;
+    void LineLeft(int row) override;
 
 private:
-    static constexpr size_t kEscapeKeys = 17 * 80; // intermediate, final from 0x30
-    static constexpr size_t kControlKeys = 5 * 17 * 64;
+    static constexpr size_t kEscapeKeys = size_t{17} * 80; // intermediate, final from 0x30
+    static constexpr size_t kControlKeys = size_t{5} * 17 * 64;
 
     void PowerUp();
     void TakeKeyOptions();

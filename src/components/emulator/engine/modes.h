@@ -31,7 +31,6 @@ enum class Mode : uint8_t
     PrintWholeScreen,
     CursorVisible,
     NationalSets,
-    HorizontalCoupling,
     VerticalCoupling,
     PageCoupling,
     NumericKeypad,

@@ -8,7 +8,7 @@
 namespace kestrune::emu {
 namespace {
 
-constexpr size_t kSlotsPerRow = 16; // the window is put back to the start once in so many pages
+constexpr size_t kPlacesPerRow = 16; // the window is put back to the start once in so many pages
 
 } // namespace
 
@@ -187,10 +187,10 @@ void Page::SetLineSize(int row, LineSize size)
 // The whole page up: the window moves on, and the rows that it left are put at its end.
 void Page::Slide(int count)
 {
-    Row** const end = slots_.data() + slots_.size();
+    Row** const end = places_.data() + places_.size();
     if (end - rows_ < size_.rows + count) {
-        std::copy(rows_, rows_ + size_.rows, slots_.data());
-        rows_ = slots_.data();
+        std::copy(rows_, rows_ + size_.rows, places_.data());
+        rows_ = places_.data();
     }
     std::copy(rows_, rows_ + count, rows_ + size_.rows);
     rows_ += count;
@@ -232,8 +232,8 @@ void Page::Resize(Size size)
     cells_ = std::move(cells);
     capacity_ = capacity;
     size_ = size;
-    slots_.assign(size_t(size.rows) * kSlotsPerRow, nullptr);
-    rows_ = slots_.data();
+    places_.assign(size_t(size.rows) * kPlacesPerRow, nullptr);
+    rows_ = places_.data();
     for (int i = 0; i < size.rows; ++i)
         rows_[i] = &storage_[size_t(i)];
 }

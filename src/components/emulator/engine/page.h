@@ -113,8 +113,8 @@ private:
     Size size_;
     int capacity_ = 0; // cells that each row has room for
     uint64_t& clock_;
-    Row** rows_ = nullptr; // the page's rows, a window that slides over slots_ as the page scrolls
-    std::vector<Row*> slots_;
+    Row** rows_ = nullptr; // the page's rows, a window that slides over places_ as the page scrolls
+    std::vector<Row*> places_;
     std::vector<Row> storage_;
     std::unique_ptr<Cell[]> cells_;
 };

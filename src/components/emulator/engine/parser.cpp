@@ -31,6 +31,27 @@ std::span<const std::string_view> PrinterEnds(const ParserRules& rules)
                       : std::span<const std::string_view>(kAnsi, rules.c1 ? 2 : 1);
 }
 
+bool IsContinuation(uint8_t byte) { return (byte & 0xC0) == 0x80; }
+
+// The quick way for characters of two and three bytes that are all there and plainly sound. Returns `at` for
+// all others, which the decoder looks at byte by byte.
+template <typename Put>
+const uint8_t* SoundCharacter(const uint8_t* at, const uint8_t* end, Put&& put)
+{
+    if (at[0] >= 0xC2 && at[0] <= 0xDF && end - at >= 2 && IsContinuation(at[1])) {
+        put((char32_t(at[0] & 0x1F) << 6) | (at[1] & 0x3Fu));
+        return at + 2;
+    }
+    if ((at[0] & 0xF0) != 0xE0 || end - at < 3 || !IsContinuation(at[1]) || !IsContinuation(at[2]))
+        return at;
+    const char32_t point = (char32_t(at[0] & 0x0F) << 12) | (char32_t(at[1] & 0x3F) << 6) | (at[2] & 0x3Fu);
+    constexpr char32_t kSurrogates = 0xD800 >> 11;
+    if (point < 0x800 || (point >> 11) == kSurrogates)
+        return at;
+    put(point);
+    return at + 3;
+}
+
 } // namespace
 
 void Parser::Feed(std::string_view bytes)
@@ -205,19 +226,16 @@ Parser::Bytes Parser::Utf8Run(Bytes at, Bytes end)
     constexpr size_t kBatch = 256;
     char32_t points[kBatch + 2]; // one byte gives at most two points
     size_t count = 0;
+    const auto put = [&](char32_t point) {
+        if (point >= 0xA0) // controls in two bytes are no controls: U+0080 to U+009F are dropped
+            points[count++] = point;
+    };
     while (at != end && *at >= 0x80 && count < kBatch) {
-        if (!decoder_.Pending() && (*at & 0xF0) == 0xE0 && end - at >= 3) { // three bytes, plainly sound
-            const char32_t point = (char32_t(at[0] & 0x0F) << 12) | (char32_t(at[1] & 0x3F) << 6) | (at[2] & 0x3Fu);
-            if ((at[1] & 0xC0) == 0x80 && (at[2] & 0xC0) == 0x80 && point >= 0x800 && (point >> 11) != 0x1B) {
-                points[count++] = point;
-                at += 3;
-                continue;
-            }
-        }
-        decoder_.Put(*at++, [&](char32_t point) {
-            if (point >= 0xA0) // controls in two bytes are no controls: U+0080 to U+009F are dropped
-                points[count++] = point;
-        });
+        const Bytes next = decoder_.Pending() ? at : SoundCharacter(at, end, put);
+        if (next != at)
+            at = next;
+        else
+            decoder_.Put(*at++, put);
     }
     if (count != 0)
         sink_.Points({points, count});

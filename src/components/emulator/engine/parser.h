@@ -112,7 +112,7 @@ struct ParserRules
 class Parser
 {
 public:
-    static constexpr size_t MaxOsc = 256 * 1024; // a clipboard fits
+    static constexpr size_t MaxOsc = size_t{256} * 1024; // a clipboard fits
     static constexpr size_t MaxDcs = 4096;
 
     explicit Parser(ParserSink& sink) : sink_(sink) {}

@@ -85,7 +85,7 @@ void Machine::PrinterEnds()
     TellPrinterState();
 }
 
-void Machine::LineLeft(int row, bool) { listener_.PrinterData(PrintedRow(screen_, screen_.RowAt(row), charset_)); }
+void Machine::LineLeft(int row) { listener_.PrinterData(PrintedRow(screen_, screen_.RowAt(row), charset_)); }
 
 void Machine::TellPrinterState()
 {

@@ -7,25 +7,25 @@ namespace {
 
 struct StatusRow
 {
-    bool isPrivate;
     int request;
     Dialects dialects;
+    bool isPrivate;
     std::string_view answer; // after CSI
 };
 
 // Ordered from the latest model to the oldest: the first that is spoken answers.
 constexpr StatusRow kStatus[] = {
-    {false, 5, Dialect::Common, "0n"},        // in order
-    {true, 15, Dialect::Vt220, "?13n"},       // no printer
-    {true, 25, Dialect::Vt220, "?21n"},       // user keys locked
-    {true, 26, Dialect::Vt420, "?27;1;0;0n"}, // North American keyboard, ready, LK401
-    {true, 26, Dialect::Vt320, "?27;1;0n"},   //
-    {true, 26, Dialect::Vt220, "?27;1n"},     //
-    {true, 53, Dialect::Vt320, "?50n"},       // no locator
-    {true, 55, Dialect::Vt320, "?50n"},       //
-    {true, 56, Dialect::Vt320, "?57;0n"},     //
-    {true, 75, Dialect::Vt420, "?70n"},       // no errors
-    {true, 85, Dialect::Vt420, "?83n"},       // no sessions
+    {5, Dialect::Common, false, "0n"},        // in order
+    {15, Dialect::Vt220, true, "?13n"},       // no printer
+    {25, Dialect::Vt220, true, "?21n"},       // user keys locked
+    {26, Dialect::Vt420, true, "?27;1;0;0n"}, // North American keyboard, ready, LK401
+    {26, Dialect::Vt320, true, "?27;1;0n"},   //
+    {26, Dialect::Vt220, true, "?27;1n"},     //
+    {53, Dialect::Vt320, true, "?50n"},       // no locator
+    {55, Dialect::Vt320, true, "?50n"},       //
+    {56, Dialect::Vt320, true, "?57;0n"},     //
+    {75, Dialect::Vt420, true, "?70n"},       // no errors
+    {85, Dialect::Vt420, true, "?83n"},       // no sessions
 };
 
 struct SettingRow

@@ -50,10 +50,10 @@ class LineWatcher
 {
 public:
     virtual ~LineWatcher() = default;
-    virtual void LineLeft(int row, bool wrapped) = 0;
+    virtual void LineLeft(int row) = 0;
 };
 
-class Screen : public CellNames
+class Screen final : public CellNames
 {
 public:
     Screen(Size size, Modes& modes);

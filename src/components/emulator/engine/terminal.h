@@ -157,8 +157,9 @@ public:
     void ClearHistory();
 
     // --- from a program on this side, whatever sequence the host's stream is in the middle of
-    void PutText(Position at, std::string_view utf8, const Style& style); // stops at the end of the row; the cursor stays
-    void EraseArea(Position from, Position to, const Style& style);       // a rectangle, both corners in it
+    void PutText(Position at, std::string_view utf8,
+                 const Style& style);                               // stops at the end of the row; the cursor stays
+    void EraseArea(Position from, Position to, const Style& style); // a rectangle, both corners in it
     void MoveCursor(Position to);
     // The host has gone: an open sequence is dropped, the alternate screen and all modes of input end, and the text
     // stands dim on a line of its own.

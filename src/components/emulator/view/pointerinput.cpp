@@ -75,7 +75,8 @@ bool PointerInput::Report(emu::MouseKind kind, emu::MouseButton button, const QP
 
 void PointerInput::CountClick(const QMouseEvent& event)
 {
-    const bool again = clicks_ > 0 && sinceClick_.isValid() && sinceClick_.elapsed() < QApplication::doubleClickInterval() &&
+    const bool again = clicks_ > 0 && sinceClick_.isValid() &&
+                       sinceClick_.elapsed() < QApplication::doubleClickInterval() &&
                        (event.position() - lastClick_).manhattanLength() < QApplication::startDragDistance();
     clicks_ = again ? clicks_ + 1 : 1;
     lastClick_ = event.position();
@@ -108,7 +109,7 @@ void PointerInput::Press(const QMouseEvent& event)
         emulator_.PastePrimary();
         return;
     case Qt::RightButton:
-        OpenMenu(event);
+        OpenMenu(event.globalPosition().toPoint());
         return;
     default:
         return;
@@ -182,9 +183,8 @@ void PointerInput::Wheel(const QWheelEvent& event)
     }
 }
 
-void PointerInput::OpenMenu(const QMouseEvent& event)
+void PointerInput::OpenMenu(QPoint at)
 {
-    const QPoint at = event.globalPosition().toPoint();
     bool handled = false;
     emit emulator_.ContextMenu(2, at.x(), at.y(), QString(), &handled);
     if (handled)

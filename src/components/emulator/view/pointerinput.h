@@ -22,14 +22,14 @@ public:
     void Move(const QMouseEvent& event);
     void Release(const QMouseEvent& event);
     void Wheel(const QWheelEvent& event);
-    void FollowModes(); // the host may have asked for reports, or for none: pointer shape and tracking
+    void OpenMenu(QPoint at); // on the desktop
+    void FollowModes();       // the host may have asked for reports, or for none: pointer shape and tracking
 
 private:
     TextPlace PlaceAt(QPointF position) const;
     bool HostWantsMouse(Qt::KeyboardModifiers modifiers) const;
     bool Report(emu::MouseKind kind, emu::MouseButton button, const QPointF& position, Qt::KeyboardModifiers modifiers);
     void ScrollWhileSelecting();
-    void OpenMenu(const QMouseEvent& event);
     void CountClick(const QMouseEvent& event);
 
     ctlEmulator& emulator_;

@@ -4,6 +4,7 @@
 #include "pointerinput.h"
 #include "screencanvas.h"
 
+#include <QContextMenuEvent>
 #include <QInputMethodEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -14,7 +15,7 @@
 
 namespace kestrune {
 
-using namespace Qt::StringLiterals;
+using Qt::StringLiterals::operator""_s;
 
 namespace {
 
@@ -315,6 +316,12 @@ void TerminalView::wheelEvent(QWheelEvent* event)
 {
     parts_->pointer.Wheel(*event);
     event->accept();
+}
+
+void TerminalView::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (event->reason() == QContextMenuEvent::Keyboard) // the mouse has its own way, since a host may want it
+        parts_->pointer.OpenMenu(mapToGlobal(parts_->canvas.CursorRect().bottomLeft()));
 }
 
 void TerminalView::focusInEvent(QFocusEvent*)

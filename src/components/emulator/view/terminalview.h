@@ -5,8 +5,9 @@
 //
 // All keys belong to the host but these, and each of them only while no text is given to it in the settings'
 // function keys: Ctrl+Tab (the window's), Shift+Ins and Ctrl+Shift+V paste, Ctrl+Ins and Ctrl+Shift+C copy,
-// Shift+PgUp and Shift+PgDn history, Ctrl and plus, minus or 0 the size of the text. Shortcuts of actions in the
-// window come first, so the menus decide about every other key.
+// Shift+PgUp, Shift+PgDn, Ctrl+Shift+Home and Ctrl+Shift+End history, Ctrl and plus, minus or 0 the size of the
+// text, the menu key. Shortcuts of actions in the window come first, so the menus decide about every other key;
+// Alt and a letter never opens a menu.
 
 #include <emulator/control/ctlemulator.h>
 
@@ -42,6 +43,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
