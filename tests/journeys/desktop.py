@@ -78,6 +78,12 @@ class Desktop:
 class Kestrune:
     """One run of the program, with settings folders of its own unless `home` is given."""
 
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.kill()
+
     def __init__(self, desktop, *arguments, home, cwd=None, extra_env=None):
         self.desktop = desktop
         self.home = home
@@ -104,8 +110,8 @@ class Kestrune:
         def found():
             if self.process.poll() is not None:
                 raise AssertionError(f"the program ended with {self.process.returncode}: {self.output()}")
-            return [w for w in self.windows() if "Kestrune" in self.title(w)]
-        window = until(found, "the main window", seconds)[0]
+            return [w for w in self.windows() if self.title(w).startswith("Kestrune 7")]
+        window = self.main = until(found, "the main window", seconds)[0]
         self.desktop.run("xdotool", "windowactivate", "--sync", window)
         return window
 
@@ -129,30 +135,38 @@ class Kestrune:
             if index:
                 self.key("Return")
             if line:
-                self.desktop.run("xdotool", "type", "--delay", "8", "--", line)
+                # A character that the keyboard lacks is put on a key for the moment; programs need time to see it.
+                self.desktop.run("xdotool", "type", "--delay", "8" if line.isascii() else "120", "--", line)
 
     def key(self, *keys):
         self.desktop.run("xdotool", "key", "--delay", "20", *keys)
 
-    def click(self, x, y, button=1, repeat=1):
-        self.desktop.run("xdotool", "mousemove", str(x), str(y), "click", "--repeat", str(repeat), "--delay", "40",
-                         str(button))
+    def click(self, x, y, button=1):
+        """At a place counted from the corner of the main window's inside."""
+        self.desktop.run("xdotool", "mousemove", "--window", self.main, str(x), str(y), "click", str(button))
+
+    def save(self):
+        """File, Save. Keys in a session belong to the host, so the menu is opened with the mouse."""
+        self.click(28, 10)
+        self.key("s")
 
     # --- eyes
     def screen_text(self):
         """The session's visible text: selected with the mouse from corner to corner of the active session, and
         read as any other program would read the selection."""
-        window = self.windows()[0]
-        x, y, width, height = self.geometry(window)
+        _, _, width, height = self.geometry(self.main)
         text = ""
-        middle_x, middle_y = x + width // 2, y + height // 2
-        for end_x, end_y in ((x + 2, y + TOP_OF_SESSION), (x + width - 4, y + height - BOTTOM_OF_SESSION)):
-            self.desktop.run("xdotool", "mousemove", str(middle_x), str(middle_y), "mousedown", "1",
-                             "mousemove", str((middle_x + end_x) // 2), str((middle_y + end_y) // 2),
-                             "mousemove", str(end_x), str(end_y), "mouseup", "1")
-            part = self.desktop.run("timeout", "5", "xclip", "-o", "-selection", "primary", check=False)
-            text += part
-        self.click(middle_x, middle_y)
+        middle = str(width // 2), str(height // 2)
+        for end in ((2, TOP_OF_SESSION), (width - 4, height - BOTTOM_OF_SESSION)):
+            # Shift keeps the mouse from a program that asked for it.
+            self.click(*middle)
+            self.desktop.run("xdotool", "keydown", "shift", "mousedown", "1",
+                             "mousemove", "--window", self.main, str((width // 2 + end[0]) // 2),
+                             str((height // 2 + end[1]) // 2),
+                             "mousemove", "--window", self.main, str(end[0]), str(end[1]), "mouseup", "1",
+                             "keyup", "shift")
+            text += self.desktop.run("timeout", "5", "xclip", "-o", "-selection", "primary", check=False)
+        self.click(*middle)
         return text
 
     def shows(self, needle, seconds=20):
@@ -162,6 +176,7 @@ class Kestrune:
         try:
             until(there, needle, seconds, every=0.2)
         except TimeOut:
+            self.desktop.picture("failure")
             raise AssertionError(f"not on the screen: {needle!r}; there is:\n{self.last_text}") from None
         return self.last_text
 
@@ -195,7 +210,7 @@ def hive(home):
 
 
 # Heights of the bars above and below the session, in pixels, with room to spare for the frame.
-TOP_OF_SESSION = 100
+TOP_OF_SESSION = 104
 BOTTOM_OF_SESSION = 40
 
 
