@@ -57,8 +57,8 @@ public:
     void Bind(QAction& action, const QString& band, const MenuTool& tool, bool onToolBar)
     {
         std::erase_if(shown_, [](const Shown& s) { return s.action == nullptr; });
-        shown_.push_back({&action, tool.key, onToolBar});
-        RefreshAction(action, tool, onToolBar);
+        shown_.push_back({&action, tool.key, tool.image, onToolBar});
+        RefreshAction(action, tool, shown_.back());
         if (tool.type == ToolType::SubMenu)
             return;
         connect(&action, &QAction::triggered, this, [this, &action, band, key = tool.key] {
@@ -76,10 +76,11 @@ private:
     {
         QPointer<QAction> action;
         int key;
+        QString image; // of this place: one command has a picture on a tool bar and none in a menu
         bool onToolBar;
     };
 
-    static void RefreshAction(QAction& action, const MenuTool& tool, bool onToolBar)
+    static void RefreshAction(QAction& action, const MenuTool& tool, const Shown& shown)
     {
         action.setText(tool.caption);
         action.setToolTip(tool.toolTipText.isEmpty() ? QString(tool.caption).remove(u'&') : tool.toolTipText);
@@ -87,8 +88,8 @@ private:
         action.setVisible(tool.visible);
         action.setCheckable(tool.type == ToolType::Toggle || tool.checked);
         action.setChecked(tool.checked);
-        if (onToolBar)
-            action.setIcon(LineIcon(tool.image));
+        if (shown.onToolBar)
+            action.setIcon(LineIcon(shown.image));
         else // the same command stands in several places; two with one key would be ambiguous
             action.setShortcut(QKeySequence(tool.shortcut));
     }
@@ -98,7 +99,7 @@ private:
         for (const Shown& shown : shown_)
             if (const MenuTool* tool = model_.Tool(shown.key);
                 tool != nullptr && shown.action && (tool->key == key || CommandId(tool->action) == key))
-                RefreshAction(*shown.action, *tool, shown.onToolBar);
+                RefreshAction(*shown.action, *tool, shown);
     }
 
     taMenuBar& model_;
