@@ -145,10 +145,10 @@ class Kestrune:
         """At a place counted from the corner of the main window's inside."""
         self.desktop.run("xdotool", "mousemove", "--window", self.main, str(x), str(y), "click", str(button))
 
-    def save(self):
-        """File, Save. Keys in a session belong to the host, so the menu is opened with the mouse."""
+    def save(self, entry="s"):
+        """File, Save; "l" for Save Layout. Keys in a session belong to the host, so the mouse opens the menu."""
         self.click(28, 10)
-        self.key("s")
+        self.key(entry)
 
     # --- eyes
     def screen_text(self):

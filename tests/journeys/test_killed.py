@@ -29,6 +29,28 @@ class Killed(desktop.Journey):
             seen.add(content)
         self.assertTrue(new in seen, "no round got as far as saving")
 
+    def test_a_layout_is_whole_whenever_the_program_dies(self):
+        self.session_file("one.orcf", HostName="/bin/cat")
+        layout = self.home / "kept.orly"
+        old = (b"[Kestrune Main]\r\nWindowState=0\r\nTop=40\r\nLeft=40\r\nWidth=900\r\nHeight=600\r\nFiles=1\r\n"
+               b"Old=True\r\n[File1]\r\nFileName=one.orcf\r\nWidth=400\r\nHeight=300\r\n")
+        seed = random.Random(3)
+        saved = 0
+        for round_ in range(self.ROUNDS):
+            layout.write_bytes(old)
+            with self.start(layout) as program:
+                program.window()
+                until(lambda: program.geometry(program.main)[2:] == (900, 600), "the layout's size")
+                program.save("l")
+                time.sleep(seed.random() * 0.05)
+            content = layout.read_bytes()
+            with self.subTest(round=round_):
+                lines = content.decode("latin-1").splitlines()
+                whole = lines[:1] == ["[Kestrune Main]"] and "Files=1" in lines and "FileName=one.orcf" in lines
+                self.assertTrue(content == old or (whole and content.endswith(b"\n")), content)
+            saved += content != old
+        self.assertGreater(saved, 0, "no round got as far as saving")
+
     def test_the_settings_are_whole_whenever_the_program_dies(self):
         file = self.session_file("any.orcf", HostName="/bin/cat")
         seed = random.Random(2)

@@ -49,8 +49,7 @@ class Telnet(desktop.Journey):
 
     def test_log_in_work_resize_and_the_server_is_killed(self):
         port = self.host()
-        program = self.start(self.session_file("host.orcf", Device=3, HostName="127.0.0.1", HostPort=port,
-                                               TelnetBinary=True))  # the host strips the eighth bit otherwise
+        program = self.start(self.session_file("host.orcf", Device=3, HostName="127.0.0.1", HostPort=port))
         window = program.window()
         program.shows("login:")
         program.type("ann\n")
