@@ -343,7 +343,7 @@ QString FileSpec::GetCurrentDir(const QString& drive) const
     return drive.isEmpty() || StartsWithFold(own, drive, true) ? own : files_.WorkingFolder(drive);
 }
 
-QString ExpandEnviron(const System& system, const QString& text)
+QString ExpandEnviron(const System& system, const QString& text, UnknownNames unknown)
 {
     QString result = text;
     for (qsizetype at = 0;;) {
@@ -351,9 +351,13 @@ QString ExpandEnviron(const System& system, const QString& text)
         const auto close = open < 0 ? -1 : result.indexOf(u'%', open + 1);
         if (close < 0)
             return result;
-        const QString value = system.Environment(result.sliced(open + 1, close - open - 1)).value_or(QString());
-        result.replace(open, close - open + 1, value);
-        at = open + value.size(); // a value is not searched again, so one that names itself does not go round for ever
+        const auto value = system.Environment(result.sliced(open + 1, close - open - 1));
+        if (!value && unknown == UnknownNames::Stay) {
+            at = close; // it may open another name
+            continue;
+        }
+        result.replace(open, close - open + 1, value.value_or(QString()));
+        at = open + value.value_or(QString()).size(); // a value that names itself does not go round for ever
     }
 }
 

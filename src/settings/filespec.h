@@ -96,7 +96,13 @@ private:
     QString currentDir_;
 };
 
-// "%NAME%" becomes the variable's value, an unknown name nothing; a percent sign with no partner ends the search.
-QString ExpandEnviron(const System& system, const QString& text);
+// "%NAME%" becomes the variable's value; a percent sign with no partner ends the search. An unknown name becomes
+// nothing or, as in a registry value of type 2, stays as it stands, percent signs and all.
+enum class UnknownNames
+{
+    Go,
+    Stay
+};
+QString ExpandEnviron(const System& system, const QString& text, UnknownNames unknown = UnknownNames::Go);
 
 } // namespace kestrune

@@ -1,5 +1,6 @@
 #include "regfuncs.h"
 
+#include "filespec.h"
 #include "quietly.h"
 
 #include <platform/hive.h>
@@ -14,22 +15,6 @@ namespace {
 // The read's buffers, in characters, terminator included. What does not fit is a failed read.
 constexpr qsizetype kValueBuffer = 4096;
 constexpr qsizetype kExpandBuffer = 8192;
-
-// As the platform expands a value of type 2: a name it does not know stays as it stands, percent signs and all.
-QString ExpandKnown(const System& system, const QString& text)
-{
-    QString result = text;
-    for (qsizetype at = 0;;) {
-        const auto open = result.indexOf(u'%', at);
-        const auto close = open < 0 ? -1 : result.indexOf(u'%', open + 1);
-        if (close < 0)
-            return result;
-        const auto value = system.Environment(result.sliced(open + 1, close - open - 1));
-        if (value)
-            result.replace(open, close - open + 1, *value);
-        at = value ? open + value->size() : close;
-    }
-}
 
 } // namespace
 
@@ -49,7 +34,7 @@ QString RegFuncs::RegGetString(quint32 hive, const QString& key, const QString& 
     if (text.endsWith(QChar(0)))
         text.chop(1);
     if (value->type == HiveValueType::Expandable)
-        text = ExpandKnown(system_, text);
+        text = ExpandEnviron(system_, text, UnknownNames::Stay);
     return text.isEmpty() || text.size() >= kExpandBuffer ? defaultValue : text;
 }
 

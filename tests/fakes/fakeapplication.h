@@ -95,16 +95,51 @@ public:
     QStringList log;
 };
 
-class FakeApplication : public ApplicationPort
+// Where a shell stands in a test: settings in a folder of its own, and in place of people, hosts, clock, clipboard and
+// recorder what the test says.
+struct FakeSurroundings
 {
-public:
-    FakeApplication()
-        : system(SystemIn(folder.path())), files(std::exchange(nextCalls, {})),
+    explicit FakeSurroundings(SaveCalls calls = {})
+        : system(SystemIn(folder.path())), files(std::move(calls)),
           user(files, folder.filePath(QStringLiteral("user.hive"))),
           machine(files, folder.filePath(QStringLiteral("machine.hive"))),
-          layer(PathStyle::Native(), files, system, user, machine), sessions(*this),
-          frame(*this, {lines, clock, layer.keyFiles, ask, clipboard, texts})
+          layer(PathStyle::Native(), files, system, user, machine)
     {}
+
+    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts}; }
+
+    QTemporaryDir folder;
+    FakeSystem system;
+    NativeFileSystem files;
+    FileHive user;
+    FileHive machine;
+    SettingsLayer layer;
+    FakeClock clock;
+    FakeQuestions ask;
+    FakeClipboard clipboard;
+    FakeLineFactory lines;
+    MemoryTextFiles texts;
+    FakeRecorder recorder;
+
+private:
+    static FakeSystem SystemIn(const QString& path)
+    {
+        QDir(path).mkpath(QStringLiteral("home"));
+        QDir(path).mkpath(QStringLiteral("program"));
+        FakeSystem made;
+        made.home = path + QStringLiteral("/home");
+        made.personal = made.home;
+        made.config = path + QStringLiteral("/config");
+        made.appData = path + QStringLiteral("/data");
+        made.program = path + QStringLiteral("/program/kestrune");
+        return made;
+    }
+};
+
+class FakeApplication : public ApplicationPort, public FakeSurroundings
+{
+public:
+    FakeApplication() : FakeSurroundings(std::exchange(nextCalls, {})), sessions(*this), frame(*this, Ports()) {}
 
     // A path in the home folder of this application.
     QString Path(const QString& name) const { return layer.folders.HomeDir + name; }
@@ -162,34 +197,7 @@ public:
     void RemoveRecent(const QString& name) override { recent.removeAll(name); }
     void Terminate(int prompt) override { terminations.push_back(prompt); }
 
-private:
-    static FakeSystem SystemIn(const QString& path)
-    {
-        QDir(path).mkpath(QStringLiteral("home"));
-        QDir(path).mkpath(QStringLiteral("program"));
-        FakeSystem made;
-        made.home = path + QStringLiteral("/home");
-        made.personal = made.home;
-        made.config = path + QStringLiteral("/config");
-        made.appData = path + QStringLiteral("/data");
-        made.program = path + QStringLiteral("/program/kestrune");
-        return made;
-    }
-
-public:
     static inline SaveCalls nextCalls; // what saves of the next application stand on: a disk that is full ...
-    QTemporaryDir folder;
-    FakeSystem system;
-    NativeFileSystem files;
-    FileHive user;
-    FileHive machine;
-    SettingsLayer layer;
-    FakeClock clock;
-    FakeQuestions ask;
-    FakeClipboard clipboard;
-    FakeLineFactory lines;
-    MemoryTextFiles texts;
-    FakeRecorder recorder;
     FakeCommands commands;
     FakeSessionMenus menus;
     FakeScriptEngine engine;

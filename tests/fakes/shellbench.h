@@ -5,18 +5,13 @@
 
 #include <app/ormain.h>
 #include <app/position.h>
-#include <platform/hive.h>
-#include <platform/nativefiles.h>
 #include <sessions/session.h>
 #include <sessions/sessions.h>
-#include <settings/layer.h>
 
 #include "fakeapplication.h"
 #include "fakeframe.h"
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 namespace kestrune {
 
@@ -25,14 +20,10 @@ class ShellBench : public ConnectWizardPort,
                    public SettingsDialogPort,
                    public MigrationPort,
                    public SingleInstancePort,
-                   public SplashPort
+                   public SplashPort,
+                   public FakeSurroundings
 {
 public:
-    ShellBench()
-        : system(MakeSystem()), user(files, Path("user.hive")), machine(files, Path("machine.hive")),
-          layer(PathStyle::Native(), files, system, user, machine)
-    {}
-
     QString Path(const char* name) const { return folder.filePath(QLatin1String(name)); }
     QString Home(const QString& name) const { return layer.folders.HomeDir + name; }
 
@@ -132,26 +123,12 @@ public:
     bool Logged(const QString& what) const { return log.contains(what); }
 
 private:
-    FakeSystem MakeSystem() const
-    {
-        QDir(folder.path()).mkpath(QStringLiteral("home"));
-        QDir(folder.path()).mkpath(QStringLiteral("program"));
-        FakeSystem made;
-        made.home = Path("home");
-        made.personal = made.home;
-        made.config = Path("config");
-        made.appData = Path("data");
-        made.program = Path("program/kestrune");
-        return made;
-    }
-
     std::unique_ptr<Kestrune> Make(Ormain& host, const StartMode& mode)
     {
         Log(mode.settingsRun ? "application for settings" : "application");
         Kestrune::Parts parts{layer, clock, ask, recorder, *this, {}, {}, {}, {}, {}, {}};
         parts.makeFrame = [this](Kestrune& application) {
-            auto made = std::make_unique<FakeFrame>(application,
-                                                    EmulatorPorts{lines, clock, layer.keyFiles, ask, clipboard, texts});
+            auto made = std::make_unique<FakeFrame>(application, Ports());
             frame = made.get();
             return made;
         };
@@ -171,18 +148,6 @@ private:
     }
 
 public:
-    QTemporaryDir folder;
-    FakeSystem system;
-    NativeFileSystem files;
-    FileHive user;
-    FileHive machine;
-    SettingsLayer layer;
-    FakeClock clock;
-    FakeQuestions ask;
-    FakeClipboard clipboard;
-    FakeLineFactory lines;
-    MemoryTextFiles texts;
-    FakeRecorder recorder;
     FakeFrame* frame = nullptr;         // of the application, while there is one
     FakeScriptEngine* engine = nullptr; // likewise, once somebody asked for it
 

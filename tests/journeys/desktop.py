@@ -169,15 +169,16 @@ class Kestrune:
         self.click(*middle)
         return text
 
-    def shows(self, needle, seconds=20):
+    def shows(self, *needles, seconds=20):
+        """Waits until one look at the screen finds them all, and returns what it saw."""
         def there():
             self.last_text = self.screen_text()
-            return needle in self.last_text
+            return all(needle in self.last_text for needle in needles)
         try:
-            until(there, needle, seconds, every=0.2)
+            until(there, needles, seconds, every=0.2)
         except TimeOut:
             self.desktop.picture("failure")
-            raise AssertionError(f"not on the screen: {needle!r}; there is:\n{self.last_text}") from None
+            raise AssertionError(f"not on the screen: {needles!r}; there is:\n{self.last_text}") from None
         return self.last_text
 
     def output(self):

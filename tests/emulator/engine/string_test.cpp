@@ -133,7 +133,7 @@ TEST(EnginePrinter, GetsWhatTheHostSendsThere)
         {"flow control is not printed",
          std::string("\x1b[5ia\0\x11\x13"
                      "b\x1b[4i",
-                     14),
+                     13),
          "ab",
          "",
          {1, 0}},

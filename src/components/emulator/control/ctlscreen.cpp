@@ -12,7 +12,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -11,7 +11,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -15,7 +15,7 @@
 
 namespace kestrune {
 
-using Qt::StringLiterals::operator""_s;
+using namespace Qt::StringLiterals;
 
 namespace {
 
