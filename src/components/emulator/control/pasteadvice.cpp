@@ -9,7 +9,7 @@ namespace kestrune {
 
 namespace {
 
-constexpr int kPreviewLines = 8;
+constexpr qsizetype kPreviewLines = 8;
 constexpr int kPreviewColumns = 72;
 
 bool IsControl(QChar c)

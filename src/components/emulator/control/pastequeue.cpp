@@ -6,11 +6,11 @@ namespace kestrune {
 
 namespace {
 // Enough to keep any line busy between two turns of the event loop, little enough to stop at once.
-constexpr qsizetype kPasteAhead = 16 * 1024;
+constexpr qsizetype kPasteAhead = 0x4000;
 constexpr std::string_view kPasteEnd = "\x1b[201~";
 } // namespace
 
-void PasteQueue::Start(std::string bytes, bool bracketed)
+void PasteQueue::Start(std::string_view bytes, bool bracketed)
 {
     bytes_.erase(0, sent_);
     bytes_ += bytes;

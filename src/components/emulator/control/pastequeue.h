@@ -5,6 +5,7 @@
 #include <ports/line.h>
 
 #include <string>
+#include <string_view>
 
 namespace kestrune {
 
@@ -12,7 +13,7 @@ class PasteQueue
 {
 public:
     // bytes with the marks of a bracketed paste, if the host asked for them. A second paste follows the first.
-    void Start(std::string bytes, bool bracketed);
+    void Start(std::string_view bytes, bool bracketed);
     // What the line has room for; returns how many bytes went out. Call again when the line has drained.
     size_t Pump(Line& line);
     size_t Abort(Line* line); // the rest is dropped; a host that waits for the end mark gets it

@@ -76,7 +76,7 @@ int CodeBase(uint8_t modifiers)
 // What the key types without Control and Alt. With Control down the event's own text is a control character.
 QString PlainText(const QKeyEvent& event)
 {
-    const QString text = event.text();
+    QString text = event.text();
     const bool isControl = text.size() == 1 && (text[0] < u' ' || text[0] == QChar(0x7F));
     if (!text.isEmpty() && !isControl)
         return text;

@@ -40,9 +40,12 @@ void DrawWave(QPainter& painter, const QRect& line, QRgb color)
 {
     const double height = std::max(2.0, line.height() * 1.5);
     QPainterPath path(QPointF(line.left(), line.center().y()));
-    bool up = true;
-    for (double x = line.left(); x < line.right() + 1; x += height, up = !up)
+    const int waves = int(std::ceil(line.width() / height));
+    for (int wave = 0; wave < waves; ++wave) {
+        const double x = line.left() + wave * height;
+        const bool up = wave % 2 == 0;
         path.quadTo(x + height / 2, line.center().y() + (up ? -height : height), x + height, line.center().y());
+    }
     painter.save();
     painter.setClipRect(line.adjusted(0, -int(height), 0, int(height)), Qt::IntersectClip);
     painter.setRenderHint(QPainter::Antialiasing);
