@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+#include <memory>
+
 namespace kestrune {
 namespace {
 
@@ -138,7 +140,7 @@ std::vector<BadFile> BadFiles()
     QByteArray unknown = head;
     for (int i = 0; i < 1000; ++i)
         unknown += "Unknown" + QByteArray::number(i) + "=value " + QByteArray::number(i) + "\r\n";
-    const QByteArray longLine(10 * 1024 * 1024, 'x');
+    const QByteArray longLine(10 << 20, 'x');
     return {
         {"1000 unknown keys", unknown, unknown.mid(head.size())},
         {"another section and a comment", head + "; mine\r\n[Other]\r\na=b\r\n", "; mine\r\n[Other]\r\na=b\r\n"},
@@ -148,7 +150,7 @@ std::vector<BadFile> BadFiles()
         {"CR only", "[Kestrune]\rTermType=8\rNote=x\r", "Note=x\r"},
         {"LF only", "[Kestrune]\nTermType=8\nNote=x\n", "Note=x\n"},
         {"10 MB line", head + "Note=" + longLine + "\r\n", "Note=" + longLine + "\r\n"},
-        {"1 MB title", head + "SessionTitle=" + longLine.left(1024 * 1024) + "\r\nNote=x\r\n", "Note=x\r\n"},
+        {"1 MB title", head + "SessionTitle=" + longLine.left(1 << 20) + "\r\nNote=x\r\n", "Note=x\r\n"},
         {"numbers out of range", head + "NormCols=99999999999\r\nBaud=-7\r\nHistoryRows=lots\r\nNote=x\r\n",
          "Note=x\r\n"},
         {"NUL inside", head + QByteArray("Note=a\0b\r\n", 10), QByteArray("Note=a\0b\r\n", 10)},
@@ -203,11 +205,11 @@ TEST(SessionFile, FailedSaveChangesNothing)
     struct Full : SessionBench
     {
         // The disk is full from the next write on.
-        static SaveCalls Calls(bool& full)
+        static SaveCalls Calls(std::shared_ptr<bool> full)
         {
             SaveCalls calls;
-            calls.write = [&full, real = calls.write](int file, const void* from, size_t size) {
-                if (full) {
+            calls.write = [full = std::move(full), real = calls.write](int file, const void* from, size_t size) {
+                if (*full) {
                     errno = ENOSPC;
                     return ssize_t(-1);
                 }
@@ -216,7 +218,7 @@ TEST(SessionFile, FailedSaveChangesNothing)
             return calls;
         }
     };
-    bool full = false;
+    const auto full = std::make_shared<bool>(false);
     FakeApplication::nextCalls = Full::Calls(full);
     SessionBench bench;
     const QString path = bench.SessionFile(u"a.orcf"_s);
@@ -224,7 +226,7 @@ TEST(SessionFile, FailedSaveChangesNothing)
     const auto session = bench.sessions.Add(path, -1, 0, AddHidden::NotOnLine);
     session->SetCaption(u"Mine"_s);
     session->Settings().Set(u"HostName"_s, u"other"_s);
-    full = true;
+    *full = true;
     try {
         session->Save();
         FAIL() << "the disk is full";
@@ -238,7 +240,7 @@ TEST(SessionFile, FailedSaveChangesNothing)
     EXPECT_THROW(session->SaveAs(), Failure);
     EXPECT_EQ(session->FileName(), path) << "the next save goes where the file is";
     EXPECT_EQ(QDir(bench.layer.folders.HomeDir).entryList(QDir::Files), QStringList{u"a.orcf"_s});
-    full = false;
+    *full = false;
     session->Save();
     EXPECT_EQ(bench.Key(path, u"SessionTitle"_s), u"Mine"_s);
     EXPECT_EQ(bench.Key(path, u"HostName"_s), u"other"_s);
