@@ -21,6 +21,12 @@ bool SetTcpKeepalive(qintptr socket, int seconds)
     return !on || (set(IPPROTO_TCP, TCP_KEEPIDLE, seconds) && set(IPPROTO_TCP, TCP_KEEPINTVL, seconds));
 }
 
+void KeepUrgentInline(qintptr socket)
+{
+    const int on = 1;
+    ::setsockopt(static_cast<int>(socket), SOL_SOCKET, SO_OOBINLINE, &on, sizeof on);
+}
+
 std::optional<quint16> ServicePort(const QByteArray& name)
 {
     addrinfo hints{};

@@ -12,6 +12,10 @@ namespace kestrune {
 // 0 switches it off. False: the system refused.
 bool SetTcpKeepalive(qintptr socket, int seconds);
 
+// Urgent bytes (RFC 9293, 3.8.5) stay where they were sent in the stream, instead of vanishing from it: a telnet
+// host sends the second half of a command so.
+void KeepUrgentInline(qintptr socket);
+
 // The port of a TCP service name ("telnet") as the system's own list has it.
 std::optional<quint16> ServicePort(const QByteArray& name);
 
