@@ -5,6 +5,7 @@
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace kestrune {
@@ -25,6 +26,12 @@ void KeepUrgentInline(qintptr socket)
 {
     const int on = 1;
     ::setsockopt(static_cast<int>(socket), SOL_SOCKET, SO_OOBINLINE, &on, sizeof on);
+}
+
+bool HasUrgentAhead(qintptr socket)
+{
+    pollfd ask{.fd = static_cast<int>(socket), .events = POLLPRI, .revents = 0};
+    return ::poll(&ask, 1, 0) == 1 && (ask.revents & POLLPRI) != 0;
 }
 
 std::optional<quint16> ServicePort(const QByteArray& name)

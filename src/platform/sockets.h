@@ -16,6 +16,9 @@ bool SetTcpKeepalive(qintptr socket, int seconds);
 // host sends the second half of a command so.
 void KeepUrgentInline(qintptr socket);
 
+// An urgent byte has been announced that has not been read yet.
+bool HasUrgentAhead(qintptr socket);
+
 // The port of a TCP service name ("telnet") as the system's own list has it.
 std::optional<quint16> ServicePort(const QByteArray& name);
 

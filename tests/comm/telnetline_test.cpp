@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/socket.h>
+
 namespace kestrune {
 
 namespace {
@@ -249,6 +251,23 @@ TEST(TelnetLine, BreaksAsTheSettingsSay)
         rig.line->Break(250);
         EXPECT_TRUE(host.Hears(rig, alternate ? "\xff\xf4" : "\xff\xf3"));
     }
+}
+
+// The mark comes as the urgent byte that RFC 854 asks for, right after its IAC.
+TEST(TelnetLine, ThrowsOldOutputAwayWhenTheHostIsUrgent)
+{
+    ScriptedHost host;
+    LineRig rig(host.Options());
+    ASSERT_TRUE(host.Takes(rig));
+    rig.line->SetReceiving(false);
+    host.Says("old text" + QByteArray(100'000, 'x') + "\xff");
+    host.Caller().flush();
+    const char mark = '\xf2';
+    ASSERT_EQ(::send(static_cast<int>(host.Caller().socketDescriptor()), &mark, 1, MSG_OOB), 1);
+    host.Says("new text");
+    rig.line->SetReceiving(true);
+    ASSERT_TRUE(rig.UntilReceived("new text"));
+    EXPECT_EQ(rig.received, "new text");
 }
 
 TEST(TelnetLine, NeverTellsAUserNameThatBeginsWithADash)

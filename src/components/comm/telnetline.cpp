@@ -209,6 +209,8 @@ void TelnetLine::TakeWaiting()
         const QByteArray held = std::exchange(held_, {});
         Listener().LineReceived({held.constData(), static_cast<std::size_t>(held.size())});
     }
+    if (IsUrgent())
+        telnet_.BeginSynch();
     while (IsOpen() && Receiving() && socket_->bytesAvailable() > 0) {
         const QByteArray piece = socket_->read(ReadPiece);
         const std::string_view bytes(piece.constData(), static_cast<std::size_t>(piece.size()));
@@ -217,9 +219,13 @@ void TelnetLine::TakeWaiting()
         else
             telnet_.Receive(bytes);
     }
+    if (!IsUrgent() && IsOpen() && socket_->bytesAvailable() == 0)
+        telnet_.EndSynch();
     if (IsOpen() && hostHasClosed_ && held_.isEmpty() && socket_->bytesAvailable() == 0)
         End({.stateText = tr("The host %1 has closed the connection.").arg(host_)});
 }
+
+bool TelnetLine::IsUrgent() const { return IsOpen() && !IsRaw() && HasUrgentAhead(socket_->socketDescriptor()); }
 
 void TelnetLine::TelnetData(std::string_view bytes)
 {

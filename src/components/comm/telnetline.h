@@ -43,6 +43,7 @@ private:
     void TcpWantsProxyLogin(const QString& proxy, bool again) override;
 
     bool IsRaw() const;
+    bool IsUrgent() const;
     void StartTalking();
     void SocketFailed(QAbstractSocket::SocketError error);
     void SocketWrote();
