@@ -1,12 +1,14 @@
 #include <platform/sockets.h>
 
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace kestrune {
 
@@ -32,6 +34,20 @@ bool HasUrgentAhead(qintptr socket)
 {
     pollfd ask{.fd = static_cast<int>(socket), .events = POLLPRI, .revents = 0};
     return ::poll(&ask, 1, 0) == 1 && (ask.revents & POLLPRI) != 0;
+}
+
+int DuplicateSocket(qintptr socket) { return ::fcntl(static_cast<int>(socket), F_DUPFD_CLOEXEC, 0); }
+
+void ShutDownSocket(int socket)
+{
+    if (socket >= 0)
+        ::shutdown(socket, SHUT_RDWR);
+}
+
+void CloseSocket(int socket)
+{
+    if (socket >= 0)
+        ::close(socket);
 }
 
 std::optional<quint16> ServicePort(const QByteArray& name)

@@ -19,6 +19,14 @@ void KeepUrgentInline(qintptr socket);
 // An urgent byte has been announced that has not been read yet.
 bool HasUrgentAhead(qintptr socket);
 
+// A second descriptor of the same socket, not inherited by programs; -1: the system has none left.
+int DuplicateSocket(qintptr socket);
+
+// Ends both directions of a socket without closing its descriptor, so that whoever waits for it returns.
+void ShutDownSocket(int socket);
+
+void CloseSocket(int socket); // -1 is harmless
+
 // The port of a TCP service name ("telnet") as the system's own list has it.
 std::optional<quint16> ServicePort(const QByteArray& name);
 
