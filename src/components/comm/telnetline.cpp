@@ -156,7 +156,7 @@ void TelnetLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
 
 void TelnetLine::MakeSecure()
 {
-    EnterState(LineState::Authenticating, tr("Making the connection to %1 secure").arg(host_));
+    EnterState(LineState::Authenticating, tr("Securing %1").arg(host_));
     if (HasEnded())
         return;
     tls_ = std::make_unique<TlsHandshake>(static_cast<QSslSocket&>(*socket_),
