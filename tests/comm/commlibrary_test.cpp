@@ -1,6 +1,7 @@
 #include "linerig.h"
 
 #include <fakes/fakeclock.h>
+#include <platform/serialport.h>
 
 #include <gtest/gtest.h>
 
@@ -22,8 +23,8 @@ TEST(CommLibrary, KnowsWhichDevicesAreHere)
         if (without.ORCommExist(device))
             presentWithout.push_back(device);
     }
-    EXPECT_EQ(present, (std::vector<int>{2, 3, 5, 6, 7}));
-    EXPECT_EQ(presentWithout, (std::vector<int>{2, 3, 5, 7}));
+    EXPECT_EQ(present, (std::vector<int>{1, 2, 3, 5, 6, 7}));
+    EXPECT_EQ(presentWithout, (std::vector<int>{1, 2, 3, 5, 7}));
 }
 
 TEST(CommLibrary, NamesDevicesIntoABufferOfGivenLength)
@@ -47,11 +48,36 @@ TEST(CommLibrary, NamesDevicesIntoABufferOfGivenLength)
 
 TEST(CommLibrary, MakesNoLineForADeviceThatIsNotHere)
 {
-    for (const Device device : {Device::None, Device::Modem, Device::SerialPort}) {
+    for (const Device device : {Device::None, Device::Modem, Device::Modem}) {
         LineOptions options;
         options.device = device;
         EXPECT_EQ(LineRig(options).line, nullptr);
     }
+}
+
+TEST(CommLibrary, ListsSerialPortsByNumber)
+{
+    FakeClock clock;
+    const CommLibrary library(clock, {});
+    QString list;
+    const int count = library.ORCommList(1, 9, list);
+    EXPECT_TRUE(list.endsWith(QString(2, QChar(0))));
+    const QStringList names = list.split(QChar(0), Qt::SkipEmptyParts);
+    EXPECT_EQ(names.size(), count);
+    for (const QString& name : names) {
+        EXPECT_TRUE(name.startsWith(u"Port "_s)) << name.toStdString();
+        const int number = name.section(u' ', 1, 1).chopped(1).toInt();
+        EXPECT_TRUE(name.endsWith(QString::fromStdString(SerialPortPath(number)).section(u'/', -1)));
+    }
+    EXPECT_EQ(library.ORCommList(4, 9, list), 0);
+    EXPECT_EQ(list, QString(2, QChar(0)));
+
+    EXPECT_EQ(SerialPortPath(1), "/dev/ttyS0");
+    EXPECT_EQ(SerialPortPath(33), "/dev/ttyUSB0");
+    EXPECT_EQ(SerialPortPath(96), "/dev/ttyACM31");
+    EXPECT_EQ(SerialPortPath(127), "/dev/ttyAMA30");
+    for (const int none : {-1, 0, 128})
+        EXPECT_EQ(SerialPortPath(none), "");
 }
 
 TEST(CommLibrary, TranslatesNumbersWithoutALocation)

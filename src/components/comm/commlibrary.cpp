@@ -4,6 +4,9 @@
 #include "sshline.h"
 #include "telnetline.h"
 
+#include <comm/serialline.h>
+#include <platform/serialport.h>
+
 #include <QCoreApplication>
 #include <QLibrary>
 
@@ -31,7 +34,7 @@ struct DeviceRow
 };
 
 constexpr std::array DeviceRows{
-    DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), nullptr},
+    DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), &MakeLine<comm::SerialLine>},
     DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Telnet, QT_TRANSLATE_NOOP("CommLibrary", "Telnet"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), nullptr},
@@ -81,10 +84,19 @@ void CommLibrary::ORCommID(int device, int& length, QString& text) const
     length = static_cast<int>(text.size());
 }
 
-int CommLibrary::ORCommList(int, int, QString& list) const
+int CommLibrary::ORCommList(int kind, int, QString& list) const
 {
-    list = QString(2, QChar(0));
-    return 0;
+    using namespace Qt::StringLiterals;
+    list.clear();
+    int count = 0;
+    if (static_cast<Device>(kind) == Device::SerialPort)
+        for (const int number : SerialPortNumbers()) {
+            const QString device = QString::fromStdString(SerialPortPath(number)).section(u'/', -1);
+            list += QCoreApplication::translate("CommLibrary", "Port %1: %2").arg(number).arg(device) + QChar(0);
+            ++count;
+        }
+    list += QString(count == 0 ? 2 : 1, QChar(0));
+    return count;
 }
 
 int CommLibrary::ORDialLocationInfo(int, QString& text, int) const

@@ -38,7 +38,8 @@ public:
     // length: room in characters, then the size of the identifier; 0: the device is not available.
     void ORCommID(int device, int& length, QString& text) const;
     // The ports of a device kind, each name ended by a NUL and the list by a second one; what is always 9.
-    // Result: the number of ports. Empty until the serial and modem devices exist.
+    // Result: the number of ports. A name begins with the port's number ("Port 33: ttyUSB0", see
+    // platform/serialport.h); the modem device has none yet.
     int ORCommList(int kind, int what, QString& list) const;
     // what: 0 country code, 1 area code. The platform keeps no dialing location: the text is empty, its length 0.
     int ORDialLocationInfo(int what, QString& text, int length) const;
