@@ -101,6 +101,12 @@ public:
         receivedAtEnd = receivedBytes;
     }
     void LineRemoteEcho(bool remote) override { remoteEcho = remote; }
+    void LineAsks(const LineQuestion& question) override
+    {
+        questions.push_back(question);
+        if (onQuestion)
+            line->Answer(onQuestion(question));
+    }
     void LineDrained() override { ++drained; }
 
     QByteArray received;
@@ -116,6 +122,8 @@ public:
     bool anyFatal = false;
     int closed = 0, programEnds = 0, exitCode = -1, signalNumber = -1, drained = 0;
     std::optional<bool> remoteEcho;
+    std::vector<LineQuestion> questions;
+    std::function<LineAnswer(const LineQuestion&)> onQuestion; // null: the test answers later
 
 private:
     EventClock eventClock_;

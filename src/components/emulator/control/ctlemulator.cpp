@@ -7,6 +7,7 @@
 #include "pastequeue.h"
 #include "screentext.h"
 #include "sessionoptions.h"
+#include "standingquestion.h"
 
 #include <dispatch/failure.h>
 #include <emulator/personalities/personalities.h>
@@ -70,6 +71,7 @@ public:
                                         : tr("Process ended with exit code %1").arg(exitCode);
     }
     void LineRemoteEcho(bool remote) override { c_.hostEchoes_ = remote; }
+    void LineAsks(const LineQuestion& question) override { c_.LineAsked(question); }
     void LineDrained() override
     {
         if (c_.line_)
@@ -85,7 +87,7 @@ private:
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
       paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
-      selection_(std::make_unique<HeldSelection>())
+      selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>())
 {
     size_.cols = settings_.Integer(Setting("NormCols"));
     size_.rows = settings_.Integer(Setting("NormRows"));
@@ -236,6 +238,8 @@ void ctlEmulator::LineEnded()
     paste_->Abort(nullptr);
     if (shutDown_)
         return;
+    if (question_->Withdraw())
+        emit QuestionWithdrawn();
     const bool asked = std::exchange(closing_, false);
     if (std::exchange(reopen_, false)) {
         lineState_ = LineState::Closed;
@@ -278,13 +282,51 @@ void ctlEmulator::Reset(int mode)
             SetOnLine(true);
         }
         return;
-    case ResetMode::Resume:
     case ResetMode::HostKeyCancel:
+        AnswerTrust(LineAnswer::Choice::Cancel);
+        return;
     case ResetMode::HostKeyContinue:
+        AnswerTrust(LineAnswer::Choice::Continue);
+        return;
     case ResetMode::HostKeyUpdate:
+        AnswerTrust(LineAnswer::Choice::Update);
+        return;
+    case ResetMode::Resume:
         RefuseResume();
     }
     throw Failure(ErrorNumber::InvalidCall, tr("There is no reset %1.").arg(mode), kSource);
+}
+
+// --- questions of the line
+
+void ctlEmulator::LineAsked(const LineQuestion& question)
+{
+    if (shutDown_ || closing_)
+        return;
+    question_->Stand(question);
+    bool taken = false;
+    if (ports_.ask.HasUser() && question_->IsTrust()) {
+        quint32 word = question_->TrustWord();
+        emit CommError(&word, question_->TrustText(), false);
+        taken = word == 0;
+    } else if (ports_.ask.HasUser()) {
+        emit SecretsWanted(question, &taken);
+    }
+    // Not taken, but perhaps answered by then.
+    if (!taken && line_ && (question_->IsTrust() || question_->IsSecrets()))
+        line_->Answer(question_->Take(LineAnswer::Choice::Nobody));
+}
+
+void ctlEmulator::AnswerTrust(LineAnswer::Choice choice)
+{
+    if (line_ && question_->IsTrust())
+        line_->Answer(question_->Take(choice));
+}
+
+void ctlEmulator::AnswerSecrets(LineAnswer::Choice choice, std::vector<Secret> values)
+{
+    if (line_ && question_->IsSecrets())
+        line_->Answer(question_->Take(choice, std::move(values)));
 }
 
 // --- bytes

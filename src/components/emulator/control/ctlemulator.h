@@ -31,6 +31,7 @@ namespace kestrune {
 class HeldSelection;
 class HostText;
 class PasteQueue;
+class StandingQuestion;
 
 struct EmulatorPorts // all must outlive the control
 {
@@ -99,8 +100,11 @@ public:
     void Break();
     void Abort(); // ends a paste that is still going out
     void Dial(const QString& phoneNumber, int wait = 0);
-    void HangUp(int wait = 0);     // closes the line
-    void Reset(int mode = 0);      // ResetMode
+    void HangUp(int wait = 0); // closes the line
+    // ResetMode. The three about a host key answer the question that CommError has put; nothing happens without one.
+    void Reset(int mode = 0);
+    // Answers SecretsWanted; nothing happens when that question no longer stands.
+    void AnswerSecrets(LineAnswer::Choice choice, std::vector<Secret> values);
     void Shutdown();               // the last call that a control receives: closes the line, no event after it
     int Busy() const { return 0; } // positive while the control must not be closed
 
@@ -249,6 +253,9 @@ signals:
     void Disconnect();
     void CommError(quint32* word, const QString& description, bool fatal); // a handler zeroes what it dealt with
     void ConnectionStatus(qint16 status, QString* text);                   // status: LineState
+    // The line waits for AnswerSecrets. A handler sets taken; untaken, the line is told that nobody is there.
+    void SecretsWanted(const LineQuestion& question, bool* taken);
+    void QuestionWithdrawn(); // the line that asked for trust or secrets has ended
     void DeviceStatus(const QString& text);
     void TermTypeChange(int termType);
     void PrinterChange(int state);
@@ -285,6 +292,8 @@ private:
     void OnSettingChanged(SettingId id);
     [[noreturn]] static void RefuseExtendedScreen();
     [[noreturn]] static void RefuseResume();
+    void LineAsked(const LineQuestion& question);
+    void AnswerTrust(LineAnswer::Choice choice);
     void OpenLine();
     void RefuseDevice(Device device);
     void TellSize();
@@ -323,6 +332,7 @@ private:
     std::unique_ptr<PasteQueue> paste_;
     std::unique_ptr<HostText> hostText_; // for the macro recorder
     std::unique_ptr<HeldSelection> selection_;
+    std::unique_ptr<StandingQuestion> question_;
     LineState lineState_ = LineState::Closed;
     bool closing_ = false; // we asked for the end of the line
     bool reopen_ = false;  // and want it opened again

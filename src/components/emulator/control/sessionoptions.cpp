@@ -98,6 +98,15 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.telnet.bypass = settings.Boolean(Setting("TelnetBypass"));
     options.telnet.alternateBreak = settings.Boolean(Setting("TelnetAltBreak"));
     options.telnet.keepaliveIsNop = settings.Boolean(Setting("TelnetKeepaliveIsNOP"));
+    options.ssh.cipher = settings.Integer(Setting("SSHCipher"));
+    options.ssh.onlyPreferredCipher = settings.Boolean(Setting("SSHUseOnlyPreferredCipher"));
+    options.ssh.auth = SshAuth(settings.Integer(Setting("SSHAuth")));
+    options.ssh.keyFile = settings.Text(Setting("SSHKey"));
+    options.ssh.keepAlive = settings.Integer(Setting("SSHKeepAlive"));
+    options.ssh.noDelay = settings.Boolean(Setting("SSHNoDelay"));
+    options.ssh.breakCharacter = settings.Integer(Setting("SSHBreakCharacter"));
+    options.ssh.hostKeyValidation = HostKeyValidation(settings.Integer(Setting("HostKeyValidation")));
+    options.ssh.hostKeyFingerprint = settings.Text(Setting("HostKeyFingerprint"));
     options.serial.port = settings.Integer(Setting("Port"));
     options.serial.baud = kBauds.at(size_t(settings.Integer(Setting("Baud"))));
     options.serial.dataBits = settings.Integer(Setting("DataBits"));
