@@ -28,8 +28,9 @@ namespace {
 
 using Time = std::chrono::steady_clock;
 constexpr std::size_t kPiece = 0x4000;
-constexpr std::size_t kMostUnsent = 0x20000; // to a login that takes nothing
-constexpr std::size_t kMostInput = 0x20000;  // for a shell that takes nothing
+constexpr std::size_t kMostUnsent = 0x20000;         // to a login that takes nothing
+constexpr std::size_t kMostInput = 0x20000;          // for a shell that takes nothing
+constexpr auto kLastWords = std::chrono::seconds(5); // for a terminal to say that it has seen the end
 constexpr auto kKeepEnded = std::chrono::minutes(10);
 
 std::string LoginShell()
@@ -84,7 +85,7 @@ private:
         if (quit_)
             return true;
         if (login_)
-            return exitCode_ && !stream_.HasOutput() && login_->Unsent() == 0;
+            return stream_.EndSeen() || (exitCode_ && Time::now() - ended_ >= kLastWords);
         const auto keep = exitCode_ ? std::min<Time::duration>(options_.keep, kKeepEnded) : options_.keep;
         return Time::now() - alone_ >= keep;
     }
@@ -100,12 +101,11 @@ private:
             {login_ ? login_->Socket() : -1,
              short((readsLogin ? POLLIN : 0) | (login_ && login_->Unsent() > 0 ? POLLOUT : 0)), 0},
         };
-        constexpr int wait = 10; // seconds, when alone: to see the time go by
         // The child's end is told only in here, so none is missed between a look and the wait.
-        const timespec limit{wait, 0};
+        const timespec limit{1, 0}; // where the time counts
         sigset_t none;
         sigemptyset(&none);
-        if (ppoll(watched, std::size(watched), login_ ? nullptr : &limit, &none) < 0) {
+        if (ppoll(watched, std::size(watched), login_ && !exitCode_ ? nullptr : &limit, &none) < 0) {
             quit_ = quit_ || errno != EINTR;
             for (pollfd& one : watched)
                 one.revents = 0;
@@ -232,6 +232,7 @@ private:
     void End()
     {
         exitCode_ = status_;
+        ended_ = Time::now();
         stream_.End(*exitCode_);
     }
 
@@ -255,6 +256,7 @@ private:
     std::optional<int> exitCode_; // once that is read too
     bool quit_ = false;
     Time::time_point alone_;
+    Time::time_point ended_;
 };
 
 // Away from the login: its terminal's end must not reach us.

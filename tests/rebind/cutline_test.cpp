@@ -97,7 +97,7 @@ TEST_F(Rebind, AShellGoesOnWhereItWas)
     EXPECT_EQ(second.agreed, "same");
     second.Resize(40, 90);
     second.terminal.FromUser("sleep 0.1; stty size; echo $kept; exit 3\r");
-    ASSERT_TRUE(second.TurnUntil([&] { return second.ended >= 0; })) << second.screen;
+    ASSERT_TRUE(second.TurnUntil([&] { return second.ended >= 0 && second.out.empty(); })) << second.screen;
     EXPECT_EQ(second.ended, 3);
     EXPECT_NE(second.screen.find("40 90"), std::string::npos) << second.screen;
     EXPECT_NE(second.screen.find("\nhere"), std::string::npos) << second.screen;

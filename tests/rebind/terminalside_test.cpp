@@ -115,6 +115,7 @@ TEST(RebindTerminal, ABoundSessionEndsOrBreaks)
                                           "c3;\x10"
                                           "e4;");
     EXPECT_EQ(ended.log, "answered new ended 4 ");
+    EXPECT_TRUE(ended.line.ends_with("\x10s0;"));
     EXPECT_FALSE(ended.terminal.TakeTicket()) << "there is nothing to resume";
 
     Rig broken;

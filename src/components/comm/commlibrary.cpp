@@ -1,6 +1,7 @@
 #include <comm/commlibrary.h>
 
 #include "localshell.h"
+#include "resumableline.h"
 #include "telnetline.h"
 
 #include <QCoreApplication>
@@ -64,7 +65,12 @@ QString CommLibrary::Name(Device device) const
 
 std::unique_ptr<Line> CommLibrary::Make(const LineOptions& options, LineListener& listener)
 {
-    return Exists(options.device) ? RowOf(options.device)->make(options, listener, clock_) : nullptr;
+    if (!Exists(options.device))
+        return nullptr;
+    const LineMaker make = RowOf(options.device)->make;
+    if (comm::ResumableLine::IsWanted(options))
+        return std::make_unique<comm::ResumableLine>(options, listener, clock_, make);
+    return make(options, listener, clock_);
 }
 
 int CommLibrary::ORCommExist(int device) const { return Exists(static_cast<Device>(device)) ? 1 : 0; }

@@ -11,7 +11,7 @@ namespace {
 constexpr unsigned char kDle = 0x10;
 constexpr unsigned char kFlip = 0x40; // DLE goes as DLE P, DEL as DLE ?
 constexpr char kHigh = '+';
-constexpr char kAcknowledge = 'a', kCheck = 'c', kEnd = 'e', kQuit = 'q';
+constexpr char kAcknowledge = 'a', kCheck = 'c', kEnd = 'e', kSeen = 's', kQuit = 'q';
 constexpr std::size_t kMostDigits = 16;
 constexpr std::uint64_t kCheckEvery = 0x10000;
 constexpr std::uint64_t kTellEvery = 4096;
@@ -49,7 +49,8 @@ void ResumableStream::Quit() { quit_ = true; }
 
 bool ResumableStream::HasOutput() const
 {
-    return sent_ < Kept().size() || quit_ || (end_ && !endSent_) || received_ - told_ >= kTellEvery;
+    return sent_ < Kept().size() || quit_ || (end_ && !endSent_) || (ended_ && !endedTold_) ||
+           received_ - told_ >= kTellEvery;
 }
 
 void ResumableStream::Encode(std::string& wire, unsigned char byte) const
@@ -96,6 +97,8 @@ std::string ResumableStream::TakeOutput(std::size_t most)
     }
     if (all && end_ && !std::exchange(endSent_, true))
         SayCount(wire, kEnd, static_cast<std::uint64_t>(*end_));
+    if (ended_ && !std::exchange(endedTold_, true))
+        SayCount(wire, kSeen, 0);
     if (std::exchange(quit_, false))
         SayCount(wire, kQuit, 0);
     return wire;
@@ -189,6 +192,9 @@ bool ResumableStream::TakeMessage()
         return count == received_;
     case kEnd:
         ended_ = static_cast<int>(count & 0xFF);
+        return true;
+    case kSeen:
+        endSeen_ = true;
         return true;
     case kQuit:
         quitAsked_ = true;

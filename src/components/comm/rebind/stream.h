@@ -8,7 +8,7 @@
 // control, DEL, DLE and, where the line has only seven bits, all above 0x7F): each goes as DLE and a printable byte.
 // Bare control bytes are therefore the line's own noise and are passed over. DLE and a small letter is a message with a
 // number and ";": a count received, a count sent (so that a line that changes or drops bytes is noticed), the end with
-// its exit code, the user's wish to end.
+// its exit code, that the end has been seen (servers drop what a program has printed last), the user's wish to end.
 
 #include <cstdint>
 #include <optional>
@@ -41,6 +41,7 @@ public:
     // other side does not speak this: give the connection up; the stream itself stays whole.
     [[nodiscard]] bool Receive(std::string_view wire, std::string& data);
     std::optional<int> Ended() const { return ended_; } // the other side's End, once all before it has been received
+    bool EndSeen() const { return endSeen_; }           // by the other side
     bool QuitAsked() const { return quitAsked_; }
 
     // --- the next connection
@@ -83,6 +84,8 @@ private:
     std::uint64_t received_ = 0;
     std::uint64_t told_ = 0; // of received_, on any connection
     std::optional<int> ended_;
+    bool endedTold_ = false;
+    bool endSeen_ = false;
     bool quitAsked_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include "latintext.h"
 #include "pasteadvice.h"
 #include "pastequeue.h"
+#include "resumption.h"
 #include "screentext.h"
 #include "sessionoptions.h"
 #include "standingquestion.h"
@@ -42,7 +43,11 @@ public:
     explicit Listener(ctlEmulator& control) : c_(control) {}
 
     // --- the engine
-    void Reply(std::string_view bytes) override { c_.SendBytes(bytes); }
+    void Reply(std::string_view bytes) override
+    {
+        if (!c_.replaying_)
+            c_.SendBytes(bytes);
+    }
     void Bell() override { c_.bell_ = true; }
     void TitleChanged(std::string_view utf8) override
     {
@@ -71,6 +76,7 @@ public:
                                         : tr("Process ended with exit code %1").arg(exitCode);
     }
     void LineRemoteEcho(bool remote) override { c_.hostEchoes_ = remote; }
+    void LineResumed(bool sameSession) override { c_.Resumed(sameSession); }
     void LineAsks(const LineQuestion& question) override { c_.LineAsked(question); }
     void LineDrained() override
     {
@@ -87,12 +93,12 @@ private:
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
       paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
-      selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>())
+      selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>()),
+      resumption_(std::make_unique<Resumption>())
 {
     size_.cols = settings_.Integer(Setting("NormCols"));
     size_.rows = settings_.Integer(Setting("NormRows"));
-    terminal_ = std::make_unique<emu::Terminal>(TerminalOptionsOf(settings_, {size_.cols, size_.rows}),
-                                                PersonalityFromSettings(), *listener_);
+    terminal_ = NewScreen();
     connect(&settings_, &EmulatorSettings::SettingChanged, this, &ctlEmulator::OnSettingChanged);
     connect(&settings_, &EmulatorSettings::PaletteChanged, this, &ctlEmulator::LookChanged);
     connect(&settings_, &EmulatorSettings::ColorsChanged, this, &ctlEmulator::LookChanged);
@@ -100,6 +106,12 @@ ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
 }
 
 ctlEmulator::~ctlEmulator() = default;
+
+std::unique_ptr<emu::Terminal> ctlEmulator::NewScreen()
+{
+    return std::make_unique<emu::Terminal>(TerminalOptionsOf(settings_, {size_.cols, size_.rows}),
+                                           PersonalityFromSettings(), *listener_);
+}
 
 EmulatorSettings& ctlEmulator::Settings(bool) { return settings_; }
 const EmulatorSettings& ctlEmulator::Settings() const { return settings_; }
@@ -150,6 +162,8 @@ bool ctlEmulator::OnLine() const { return line_ && !closing_; }
 
 void ctlEmulator::SetOnLine(bool on)
 {
+    if (!on)
+        StopResuming();
     if (shutDown_ || on == OnLine()) {
         reopen_ = reopen_ && on;
         return;
@@ -165,9 +179,10 @@ void ctlEmulator::SetOnLine(bool on)
     }
 }
 
-void ctlEmulator::OpenLine()
+void ctlEmulator::OpenLine(std::shared_ptr<LineResume> from)
 {
-    const LineOptions options = LineOptionsOf(settings_, terminal_->CurrentPersonality(), size_);
+    LineOptions options = LineOptionsOf(settings_, terminal_->CurrentPersonality(), size_);
+    options.resume.from = std::move(from);
     bytesIn_ = bytesOut_ = told_.bytesIn = 0;
     closing_ = reopen_ = wasConnected_ = false;
     endText_.clear();
@@ -229,11 +244,14 @@ void ctlEmulator::LineFailed(quint32 word, const QString& description, bool fata
         return;
     if (fatal)
         endText_ = description;
+    if (fatal && FailureWaits(word))
+        return;
     emit CommError(&word, description, fatal);
 }
 
 void ctlEmulator::LineEnded()
 {
+    resumption_->Keep(closing_ || !line_ ? nullptr : line_->TakeResume());
     line_.reset();
     paste_->Abort(nullptr);
     if (shutDown_)
@@ -246,9 +264,13 @@ void ctlEmulator::LineEnded()
         OpenLine();
         return;
     }
+    if (!asked && GoesOnResuming())
+        return;
+    StopResuming();
     if (endText_.isEmpty() && wasConnected_)
         endText_ = asked ? tr("Disconnected") : tr("Connection closed by the host");
-    if (!endText_.isEmpty())
+    // The screen of a session that can be resumed is left as its programs know it.
+    if (!endText_.isEmpty() && !resumption_->IsPossible())
         Notice(endText_);
     SetStatus(LineState::Closed, {});
     if (!asked)
@@ -259,6 +281,8 @@ void ctlEmulator::Shutdown()
 {
     shutDown_ = true;
     blockSignals(true);
+    resumption_->Stop();
+    resumeTimer_.reset();
     paste_->Abort(nullptr);
     if (line_)
         line_->Close(); // destroyed when it says that it is closed, or with this control
@@ -292,7 +316,8 @@ void ctlEmulator::Reset(int mode)
         AnswerTrust(LineAnswer::Choice::Update);
         return;
     case ResetMode::Resume:
-        RefuseResume();
+        Resume();
+        return;
     }
     throw Failure(ErrorNumber::InvalidCall, tr("There is no reset %1.").arg(mode), kSource);
 }
@@ -336,6 +361,8 @@ void ctlEmulator::Received(std::string_view bytes)
     if (shutDown_)
         return;
     bytesIn_ += bytes.size();
+    if (resumption_->IsUnderWay())
+        resumption_->Received(bytes);
     if (settings_.Boolean(Setting("Strip8th"))) {
         std::string stripped(bytes);
         for (char& c : stripped)

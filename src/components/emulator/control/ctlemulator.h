@@ -31,6 +31,7 @@ namespace kestrune {
 class HeldSelection;
 class HostText;
 class PasteQueue;
+class Resumption;
 class StandingQuestion;
 
 struct EmulatorPorts // all must outlive the control
@@ -291,10 +292,18 @@ private:
     const emu::Personality& PersonalityFromSettings() const;
     void OnSettingChanged(SettingId id);
     [[noreturn]] static void RefuseExtendedScreen();
-    [[noreturn]] static void RefuseResume();
     void LineAsked(const LineQuestion& question);
     void AnswerTrust(LineAnswer::Choice choice);
-    void OpenLine();
+    std::unique_ptr<emu::Terminal> NewScreen();
+    void OpenLine(std::shared_ptr<LineResume> from = {});
+    bool ResumesByItself() const;
+    bool FailureWaits(quint32 word) const;
+    void Resume();
+    void NextResume();
+    bool GoesOnResuming();
+    void StopResuming();
+    void Resumed(bool sameSession);
+    void ShowScreen(std::unique_ptr<emu::Terminal> other, bool keep);
     void RefuseDevice(Device device);
     void TellSize();
     void Received(std::string_view bytes);
@@ -333,6 +342,9 @@ private:
     std::unique_ptr<HostText> hostText_; // for the macro recorder
     std::unique_ptr<HeldSelection> selection_;
     std::unique_ptr<StandingQuestion> question_;
+    std::unique_ptr<Resumption> resumption_;
+    std::unique_ptr<Clock::Timer> resumeTimer_;
+    bool replaying_ = false; // the host has had the answers to what the screen now takes again
     LineState lineState_ = LineState::Closed;
     bool closing_ = false; // we asked for the end of the line
     bool reopen_ = false;  // and want it opened again

@@ -24,7 +24,6 @@ struct LaterMember
 constexpr std::array kLater{
     LaterMember{"ScrMode", QT_TRANSLATE_NOOP("Later", "extended screen mode")},
     LaterMember{"Dial", QT_TRANSLATE_NOOP("Later", "dialer")},
-    LaterMember{"Reset", QT_TRANSLATE_NOOP("Later", "resuming of a connection")},
     LaterMember{"PrinterMode", QT_TRANSLATE_NOOP("Later", "slave printer")},
     LaterMember{"PrintScreen", QT_TRANSLATE_NOOP("Later", "screen printing")},
     LaterMember{"Capture", QT_TRANSLATE_NOOP("Later", "capture")},
@@ -56,7 +55,6 @@ consteval const char* FeatureOf(std::string_view member)
 } // namespace
 
 void ctlEmulator::RefuseExtendedScreen() { RaiseNotBuilt(FeatureOf("ScrMode")); }
-void ctlEmulator::RefuseResume() { RaiseNotBuilt(FeatureOf("Reset")); }
 void ctlEmulator::Dial(const QString&, int) { RaiseNotBuilt(FeatureOf("Dial")); }
 void ctlEmulator::SetPrinterMode(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
 void ctlEmulator::PrinterOn(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }

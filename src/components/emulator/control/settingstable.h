@@ -199,8 +199,13 @@ inline constexpr auto SettingsTable = [] {
         I("PasteOptions"),
         // Kept for the macro recorder's comparison, which knows them.
         I("AttributeMask", 10),
-        I("ResumeAfterDisconnect").DefaultTextInBag(),
-        I("ResumeBufferSize", -1, Least32, Most32),
+        // 0 the user is asked, 1 it is tried at once, -1 no host is ever agreed with.
+        I("ResumeAfterDisconnect", 0, -1, 1).DefaultTextInBag(),
+        I("ResumeBufferSize", -1, Least32, Most32), // KB; -1: the line's own
+        // Seconds before the first try, seconds between two, and how many; -1: 2, 5 and 5.
+        I("ResumeReconnectDelay", -1, -1, 3600),
+        I("ResumeReconnectInterval", -1, -1, 3600),
+        I("ResumeRetryCount", -1, -1, 1000),
     };
 }();
 
