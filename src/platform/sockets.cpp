@@ -1,11 +1,13 @@
 #include <platform/sockets.h>
 
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace kestrune {
 
@@ -19,6 +21,20 @@ bool SetTcpKeepalive(qintptr socket, int seconds)
     if (!set(SOL_SOCKET, SO_KEEPALIVE, on))
         return false;
     return !on || (set(IPPROTO_TCP, TCP_KEEPIDLE, seconds) && set(IPPROTO_TCP, TCP_KEEPINTVL, seconds));
+}
+
+int DuplicateSocket(qintptr socket) { return ::fcntl(static_cast<int>(socket), F_DUPFD_CLOEXEC, 0); }
+
+void ShutDownSocket(int socket)
+{
+    if (socket >= 0)
+        ::shutdown(socket, SHUT_RDWR);
+}
+
+void CloseSocket(int socket)
+{
+    if (socket >= 0)
+        ::close(socket);
 }
 
 std::optional<quint16> ServicePort(const QByteArray& name)

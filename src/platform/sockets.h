@@ -12,6 +12,14 @@ namespace kestrune {
 // 0 switches it off. False: the system refused.
 bool SetTcpKeepalive(qintptr socket, int seconds);
 
+// A second descriptor of the same socket, not inherited by programs; -1: the system has none left.
+int DuplicateSocket(qintptr socket);
+
+// Ends both directions of a socket without closing its descriptor, so that whoever waits for it returns.
+void ShutDownSocket(int socket);
+
+void CloseSocket(int socket); // -1 is harmless
+
 // The port of a TCP service name ("telnet") as the system's own list has it.
 std::optional<quint16> ServicePort(const QByteArray& name);
 

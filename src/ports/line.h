@@ -141,6 +141,7 @@ inline constexpr quint16 HostUnknown = 0x20; // with Device::Ssh: a question, se
 inline constexpr quint16 HostChanged = 0x21;
 inline constexpr quint16 AccessDenied = 10013;
 inline constexpr quint16 InvalidArgument = 10022;
+inline constexpr quint16 ProtocolNotSupported = 10043;
 inline constexpr quint16 NetworkDown = 10050;
 inline constexpr quint16 NetworkUnreachable = 10051;
 inline constexpr quint16 ConnectionReset = 10054;

@@ -7,6 +7,8 @@
 #include <sessions/childlogic.h>
 #include <sessions/tools.h>
 
+#include "sessionpanels.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
@@ -57,7 +59,8 @@ PlatformKey FromKeyEvent(const QKeyEvent& event)
 frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulator> emulator,
                          std::unique_ptr<taMenuBar> menu)
     : application_(application), emulator_(std::move(emulator)), menu_(std::move(menu)),
-      view_(new TerminalView(*emulator_)), logic_(std::make_unique<ChildLogic>(application, *this))
+      view_(new TerminalView(*emulator_)), panels_(new SessionPanels(*this, *view_)),
+      logic_(std::make_unique<ChildLogic>(application, *this))
 {
     setWidget(view_);
     setAttribute(Qt::WA_DeleteOnClose, false); // it goes by Unload
@@ -66,6 +69,9 @@ frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulat
     ChangeIcon({});
     SetState(application.InitChildWindowState());
     connect(this, &QMdiSubWindow::windowStateChanged, this, &frmMdiChild::StateChanged);
+    connect(panels_, &SessionPanels::Pressed, this, [this](LineButton button) { logic_->PanelPressed(button); });
+    connect(panels_, &SessionPanels::SecretsTyped, this,
+            [this](const auto& take, bool remember) { logic_->SecretsTyped(take(), remember); });
 }
 
 frmMdiChild::~frmMdiChild()
@@ -73,6 +79,7 @@ frmMdiChild::~frmMdiChild()
     disconnect(this, nullptr, this, nullptr); // the base class still reports states while it goes
     view_->removeEventFilter(this);
     logic_.reset();
+    delete panels_; // before the terminal that it watches
     delete view_;
 }
 
@@ -87,6 +94,7 @@ void frmMdiChild::TakeOverSystemMenu()
 }
 
 MenuTools& frmMdiChild::Tools() { return *menu_; }
+LinePanels& frmMdiChild::Panels() { return *panels_; }
 
 // --- title and icon
 
@@ -212,7 +220,13 @@ void frmMdiChild::resizeEvent(QResizeEvent* event)
 
 // --- focus and keys
 
-void frmMdiChild::TakeFocus() { view_->setFocus(Qt::OtherFocusReason); }
+void frmMdiChild::TakeFocus()
+{
+    if (panels_->Shown() != LinePanel::None)
+        panels_->TakeFocus();
+    else
+        view_->setFocus(Qt::OtherFocusReason);
+}
 
 void frmMdiChild::TakeWindowFocus() { setFocus(Qt::OtherFocusReason); }
 

@@ -2,6 +2,7 @@
 
 #include "localshell.h"
 #include "resumableline.h"
+#include "sshline.h"
 #include "telnetline.h"
 
 #include <QCoreApplication>
@@ -34,7 +35,7 @@ constexpr std::array DeviceRows{
     DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), nullptr},
     DeviceRow{Device::Telnet, QT_TRANSLATE_NOOP("CommLibrary", "Telnet"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), nullptr},
-    DeviceRow{Device::Ssh, QT_TRANSLATE_NOOP("CommLibrary", "SSH"), nullptr},
+    DeviceRow{Device::Ssh, QT_TRANSLATE_NOOP("CommLibrary", "SSH"), &MakeLine<comm::SshLine>},
     DeviceRow{Device::Extension, QT_TRANSLATE_NOOP("CommLibrary", "Local Shell"), &MakeLine<comm::LocalShell>},
     DeviceRow{Device::SslTelnet, QT_TRANSLATE_NOOP("CommLibrary", "SSL/Telnet"), nullptr},
 };
