@@ -80,6 +80,15 @@ struct LineOptions
     bool utf8 = false;            // local program: its tty erases whole UTF-8 characters
     char eraseCharacter = '\x7f'; // local program: what the Backspace key sends, for the tty's erase character
 
+    // What network devices connect through. Its password is asked for, never kept with the session.
+    struct Proxy
+    {
+        int kind = 0; // 0 none, 1 SOCKS5, 2 HTTP CONNECT
+        QString host;
+        QString port; // number or service name
+        QString user; // empty: a proxy that wants to know is told by the user
+    } proxy;
+
     struct Telnet
     {
         bool binary = false;         // ask for BINARY in both directions

@@ -32,7 +32,7 @@ struct DeviceRow
 
 constexpr std::array DeviceRows{
     DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), nullptr},
-    DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), nullptr},
+    DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Telnet, QT_TRANSLATE_NOOP("CommLibrary", "Telnet"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), nullptr},
     DeviceRow{Device::Ssh, QT_TRANSLATE_NOOP("CommLibrary", "SSH"), &MakeLine<comm::SshLine>},

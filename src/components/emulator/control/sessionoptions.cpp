@@ -91,6 +91,10 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     // TelnetNoDelay is the name of earlier releases.
     options.tcpNoDelay = settings.Boolean(Setting("TcpNoDelay")) || settings.Boolean(Setting("TelnetNoDelay"));
     options.tcpIdn = settings.Boolean(Setting("TcpIdn"));
+    options.proxy.kind = settings.Integer(Setting("ProxyType"));
+    options.proxy.host = settings.Text(Setting("ProxyHost"));
+    options.proxy.port = settings.Text(Setting("ProxyPort"));
+    options.proxy.user = settings.Text(Setting("ProxyUser"));
     options.utf8 = CharsetOf(settings) == emu::HostCharset::Utf8;
     const bool sendsDel = settings.Boolean(Setting("BkspSendsDel")) || type.backspaceSendsDel;
     options.eraseCharacter = sendsDel ? '\x7f' : '\b';

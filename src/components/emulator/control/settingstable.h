@@ -206,6 +206,10 @@ inline constexpr auto SettingsTable = [] {
         I("ResumeReconnectDelay", -1, -1, 3600),
         I("ResumeReconnectInterval", -1, -1, 3600),
         I("ResumeRetryCount", -1, -1, 1000),
+        I("ProxyType", 0, 0, 2), // 0 none, 1 SOCKS5, 2 HTTP CONNECT
+        T("ProxyHost"),
+        T("ProxyPort"),
+        T("ProxyUser"), // its password is asked for and stands nowhere
     };
 }();
 
