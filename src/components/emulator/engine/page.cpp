@@ -207,6 +207,14 @@ void Page::RotateDown(int top, int bottom, int count, StyleId blank)
 
 void Page::Resize(Size size)
 {
+    if (size.rows == size_.rows && size.cols <= capacity_) { // also 80 to 132 columns and back, whatever the pace
+        for (int i = 0; i < size.rows; ++i) {
+            Part(*rows_[i], size.cols, size.cols);
+            rows_[i]->generation = ++clock_;
+        }
+        size_ = size;
+        return;
+    }
     constexpr int step = int(kPackedAtOnce);
     const int capacity = std::max(capacity_, (size.cols + step - 1) / step * step);
     auto cells = std::make_unique<Cell[]>(size_t(capacity) * size_t(size.rows));

@@ -182,9 +182,10 @@ void Screen::Repeat(int count)
 {
     if (lastPoint_ == 0)
         return;
-    count = std::min(count, Extent().cols * Extent().rows);
-    for (const char32_t point = lastPoint_; count > 0; --count)
-        WritePoint(point);
+    std::array<char32_t, 256> run{};
+    run.fill(lastPoint_);
+    for (count = std::min(count, Extent().cols * Extent().rows); count > 0; count -= int(run.size()))
+        WritePoints(std::span(run).first(std::min(size_t(count), run.size())));
 }
 
 // --- cursor
