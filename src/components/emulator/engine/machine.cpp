@@ -356,6 +356,12 @@ void Machine::Execute(uint8_t control)
         Aborted(control);
 }
 
+void Machine::LineEnd() // also under LNM, whose second return changes nothing
+{
+    screen_.CarriageReturn();
+    screen_.LineFeed();
+}
+
 void Machine::Aborted(uint8_t)
 {
     if (Speaks(Dialect::Vt220))

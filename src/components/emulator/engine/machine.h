@@ -95,6 +95,7 @@ public:
     void HighBytes(std::span<const uint8_t> run) override;
     void Points(std::span<const char32_t> run) override { screen_.WritePoints(run); }
     void Execute(uint8_t control) override;
+    void LineEnd() override;
     void Aborted(uint8_t by) override;
     void Escape(char intermediate, char final) override;
     void Control(const ControlSequence& sequence) override;

@@ -151,6 +151,8 @@ private:
     int Top() const { return modes_.Has(Mode::Origin) ? top_ : 0; }
     int Bottom() const { return modes_.Has(Mode::Origin) ? bottom_ : Extent().rows; }
     StyleId PenId();
+    // Erased cells keep the background only. The DEC types have no colours, so for their hosts this is the normal
+    // rendition; hosts that send colours count on it.
     StyleId BlankId();
     void WrapNow();
     void Advance(int columns);
@@ -182,6 +184,7 @@ private:
     StyleId blankId_ = 0;
     StyleId newestStyle_ = 0; // given out, but perhaps in no cell yet
     bool penChanged_ = false;
+    Color blankBackground_; // of blankId_
     int top_ = 0;
     int bottom_ = 0; // past the last row of the region
     std::vector<bool> tabs_;
