@@ -12,6 +12,7 @@
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
 #include <platform/eventclock.h>
+#include <platform/eventwaiter.h>
 #include <platform/hive.h>
 #include <platform/nativefiles.h>
 #include <platform/processors.h>
@@ -133,7 +134,8 @@ private:
 
     std::unique_ptr<ctlEmulator> MakeEmulator()
     {
-        return std::make_unique<ctlEmulator>(EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_});
+        return std::make_unique<ctlEmulator>(
+            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_});
     }
 
     static bool UnloadForms()
@@ -163,6 +165,7 @@ private:
     CommLibrary lines_;
     SystemClipboard clipboard_;
     NativeTextFiles texts_{files_};
+    EventWaiter waiter_;
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;

@@ -7,6 +7,7 @@
 #include <fakes/fakeclock.h>
 #include <fakes/fakeline.h>
 #include <fakes/fakequestions.h>
+#include <fakes/fakewaiter.h>
 #include <fakes/memorykeyfile.h>
 
 namespace kestrune {
@@ -53,7 +54,9 @@ struct EmulatorBench
     FakeQuestions ask;
     FakeClipboard clipboard;
     MemoryTextFiles texts;
-    ctlEmulator control{EmulatorPorts{lines, clock, files, ask, clipboard, texts}};
+    FakeWaiter waiter{clock};
+    EmulatorPorts Ports(Questions& asked) { return {lines, clock, files, asked, clipboard, texts, waiter}; }
+    ctlEmulator control{Ports(ask)};
 };
 
 } // namespace kestrune

@@ -17,6 +17,7 @@
 #include "fakemainwindow.h"
 #include "fakequestions.h"
 #include "fakesystem.h"
+#include "fakewaiter.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -106,7 +107,7 @@ struct FakeSurroundings
           layer(PathStyle::Native(), files, system, user, machine)
     {}
 
-    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts}; }
+    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter}; }
 
     QTemporaryDir folder;
     FakeSystem system;
@@ -119,6 +120,7 @@ struct FakeSurroundings
     FakeClipboard clipboard;
     FakeLineFactory lines;
     MemoryTextFiles texts;
+    FakeWaiter waiter{clock};
     FakeRecorder recorder;
 
 private:

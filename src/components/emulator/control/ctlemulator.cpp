@@ -1,5 +1,7 @@
 #include "ctlemulator.h"
 
+#include "datastream.h"
+#include "extensionfilter.h"
 #include "heldselection.h"
 #include "hosttext.h"
 #include "latintext.h"
@@ -85,6 +87,7 @@ private:
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
       paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
+      stream_(std::make_unique<DataStream>(ports.clock)), extension_(std::make_unique<ExtensionFilter>()),
       selection_(std::make_unique<HeldSelection>())
 {
     size_.cols = settings_.Integer(Setting("NormCols"));
@@ -206,7 +209,11 @@ void ctlEmulator::Break()
         line_->Break(kBreakMilliseconds);
 }
 
-void ctlEmulator::Abort() { bytesOut_ += paste_->Abort(line_.get()); }
+void ctlEmulator::Abort()
+{
+    bytesOut_ += paste_->Abort(line_.get());
+    stream_->Cancel();
+}
 
 void ctlEmulator::HangUp(int) { SetOnLine(false); }
 
@@ -236,6 +243,9 @@ void ctlEmulator::LineEnded()
     paste_->Abort(nullptr);
     if (shutDown_)
         return;
+    ShowHostBytes(extension_->TakeHeld());
+    extension_->Reset();
+    stream_->Cancel();
     const bool asked = std::exchange(closing_, false);
     if (std::exchange(reopen_, false)) {
         lineState_ = LineState::Closed;
@@ -256,6 +266,7 @@ void ctlEmulator::Shutdown()
     shutDown_ = true;
     blockSignals(true);
     paste_->Abort(nullptr);
+    stream_->Cancel();
     if (line_)
         line_->Close(); // destroyed when it says that it is closed, or with this control
 }
@@ -294,17 +305,16 @@ void ctlEmulator::Received(std::string_view bytes)
     if (shutDown_)
         return;
     bytesIn_ += bytes.size();
+    std::string changed;
     if (settings_.Boolean(Setting("Strip8th"))) {
-        std::string stripped(bytes);
-        for (char& c : stripped)
+        changed = bytes;
+        for (char& c : changed)
             c = char(c & 0x7F);
-        terminal_->Receive(stripped);
-    } else {
-        terminal_->Receive(bytes);
+        bytes = changed;
     }
-    if (recordingText_)
-        emit RecordText(hostText_->Decode(bytes));
-    AfterChange();
+    if (extension_->IsOn())
+        bytes = changed = WithoutExtensions(bytes);
+    ShowHostBytes(bytes);
 }
 
 void ctlEmulator::AfterChange()
@@ -383,6 +393,7 @@ void ctlEmulator::RunEvents()
         emit HostTitleChange(*title);
     if (std::exchange(bell_, false))
         emit Bell();
+    RunStreamEvents();
 }
 
 // --- typing
@@ -398,7 +409,7 @@ void ctlEmulator::SetLockKeyboard(bool on)
 bool ctlEmulator::MayType()
 {
     const bool local = settings_.Integer(Setting("Duplex")) == 2;
-    if (!shutDown_ && !LockKeyboard() && (Connected() || local))
+    if (!shutDown_ && !LockKeyboard() && !stream_->RefusesTyping() && (Connected() || local))
         return true;
     ports_.ask.Beep();
     emit InputRefused();

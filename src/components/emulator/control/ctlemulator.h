@@ -19,6 +19,7 @@
 #include <ports/line.h>
 #include <ports/questions.h>
 #include <ports/textfiles.h>
+#include <ports/waiter.h>
 
 #include <QObject>
 
@@ -28,6 +29,8 @@
 
 namespace kestrune {
 
+class DataStream;
+class ExtensionFilter;
 class HeldSelection;
 class HostText;
 class PasteQueue;
@@ -40,6 +43,7 @@ struct EmulatorPorts // all must outlive the control
     Questions& ask;
     Clipboard& clipboard;
     TextFiles& texts;
+    Waiter& waiter;
 };
 
 enum class ResetMode : int
@@ -97,7 +101,7 @@ public:
     qint32 BytesIn() const; // since the line was last opened; stays at the largest number
     qint32 BytesOut() const;
     void Break();
-    void Abort(); // ends a paste that is still going out
+    void Abort(); // ends a paste that is still going out, and a call that waits for the host
     void Dial(const QString& phoneNumber, int wait = 0);
     void HangUp(int wait = 0);     // closes the line
     void Reset(int mode = 0);      // ResetMode
@@ -136,6 +140,25 @@ public:
     void PastePrimary();
     bool CanPaste() const;
 
+    // --- from the host, for programs
+    // What becomes of the host's text besides going to the screen. 0: a waiting call sees what comes while it waits.
+    // 1: it is also kept for the calls to come (the newest DataStream::MaxKept characters), and DataReady tells of it;
+    // while a call waits, typing is refused. 2: as 1, and the screen does not get it. Other numbers are as 1.
+    int InputMode() const;
+    void SetInputMode(int mode);
+    // Both wait with a live window, for timeout seconds at most (0: not at all, below 0: without end). Abort, the end
+    // of the line and the end of the session end a wait as if time were up. Control characters count as text. Raise
+    // Failure when another call is waiting on this control, which may itself be gone after them.
+    // mode 0: length characters. 1: up to the end of the line (CR, LF or both), which is taken and not returned, but
+    // not more than length. When time is up: what there is.
+    QString ReadText(int mode = 0, int length = 80, int timeout = 30);
+    // 1 to 10: the target that came first, which is taken with all before it; 0: time was up, and nothing is taken.
+    // compare 0: exactly, 1: without regard to case. Empty targets are not looked for.
+    int WaitFor(int compare, int timeout, const QStringList& targets);
+    // From now on what the host sends between the two is not shown: the event Extension has it. An empty lead-in
+    // ends that; an empty terminator is a carriage return.
+    void SetExtension(QString& leadIn, QString& terminator);
+
     // --- selection and clipboard
     void SetSelection(int left = 0, int top = 0, int right = ToEdge, int bottom = ToEdge);
     void SetSelection(const SelectionArea& area);
@@ -171,8 +194,6 @@ public:
     // --- held for the shell and for pieces to come
     QString Title() const { return title_; }
     void SetTitle(const QString& title);
-    int InputMode() const { return inputMode_; }
-    void SetInputMode(int mode) { inputMode_ = mode; }
     int CustomMode() const { return customMode_; }
     void SetCustomMode(int mode) { customMode_ = mode; }
     int TextFileEncoding() const { return textFileEncoding_; }
@@ -221,9 +242,6 @@ public:
     void PlayWave(const QString& fileName);
     void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
     void DetachAlternateSink() {} // none can be attached
-    QString ReadText(int mode = 0, int length = 80, int timeout = 30);
-    int WaitFor(int compare, int timeout, const QStringList& targets);
-    void SetExtension(QString& leadIn, QString& terminator);
 
     // --- for the view
     const emu::Terminal& Screen() const { return *terminal_; }
@@ -289,6 +307,10 @@ private:
     void RefuseDevice(Device device);
     void TellSize();
     void Received(std::string_view bytes);
+    void ShowHostBytes(std::string_view bytes);
+    std::string WithoutExtensions(std::string_view bytes);
+    void RefuseSecondWait() const; // raises Failure
+    void RunStreamEvents();
     void AfterChange();
     void SendBytes(std::string_view bytes);
     bool MayType(); // false: refused, with a sign
@@ -321,7 +343,9 @@ private:
     std::unique_ptr<emu::Terminal> terminal_;
     std::unique_ptr<Line> line_;
     std::unique_ptr<PasteQueue> paste_;
-    std::unique_ptr<HostText> hostText_; // for the macro recorder
+    std::unique_ptr<HostText> hostText_; // for the macro recorder and for programs that read
+    std::unique_ptr<DataStream> stream_;
+    std::unique_ptr<ExtensionFilter> extension_;
     std::unique_ptr<HeldSelection> selection_;
     LineState lineState_ = LineState::Closed;
     bool closing_ = false; // we asked for the end of the line
@@ -339,6 +363,9 @@ private:
     bool bell_ = false;
     std::optional<int> printerState_;
     std::optional<QString> hostTitle_;
+    QStringList extensions_; // told in the next turn
+    bool dataReady_ = false;
+    std::unique_ptr<Clock::Timer> leadInTimer_;
     int color_ = 0;
     bool lockHistory_ = false;
     bool lockKeyboard_ = false;
@@ -347,7 +374,6 @@ private:
     bool recordingText_ = false;
     bool recordingKeys_ = false;
     bool shutDown_ = false;
-    int inputMode_ = 0;
     int customMode_ = 0;
     int textFileEncoding_ = 0;
     int funcBarPos_ = 0;

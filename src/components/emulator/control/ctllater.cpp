@@ -33,8 +33,6 @@ constexpr std::array kLater{
     LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
     LaterMember{"PlayWave", QT_TRANSLATE_NOOP("Later", "playing of sounds")},
     LaterMember{"AttachAlternateSink", QT_TRANSLATE_NOOP("Later", "alternate sink")},
-    LaterMember{"ReadText", QT_TRANSLATE_NOOP("Later", "reading of host text by scripts")},
-    LaterMember{"SetExtension", QT_TRANSLATE_NOOP("Later", "host extension")},
 };
 
 consteval const char* FeatureOf(std::string_view member)
@@ -77,8 +75,5 @@ void ctlEmulator::AttachAlternateSink(ctlEmulator&, qint16&, qint16&)
 {
     RaiseNotBuilt(FeatureOf("AttachAlternateSink"));
 }
-QString ctlEmulator::ReadText(int, int, int) { RaiseNotBuilt(FeatureOf("ReadText")); }
-int ctlEmulator::WaitFor(int, int, const QStringList&) { RaiseNotBuilt(FeatureOf("ReadText")); }
-void ctlEmulator::SetExtension(QString&, QString&) { RaiseNotBuilt(FeatureOf("SetExtension")); }
 
 } // namespace kestrune
