@@ -9,6 +9,7 @@
 #include <fakes/fakequestions.h>
 #include <fakes/fakewaiter.h>
 #include <fakes/memorykeyfile.h>
+#include <fakes/memoryoutput.h>
 
 namespace kestrune {
 
@@ -55,7 +56,8 @@ struct EmulatorBench
     FakeClipboard clipboard;
     MemoryTextFiles texts;
     FakeWaiter waiter{clock};
-    EmulatorPorts Ports(Questions& asked) { return {lines, clock, files, asked, clipboard, texts, waiter}; }
+    MemoryOutputFiles outputs{clock};
+    EmulatorPorts Ports(Questions& asked) { return {lines, clock, files, asked, clipboard, texts, waiter, outputs}; }
     ctlEmulator control{Ports(ask)};
 };
 

@@ -18,6 +18,7 @@
 #include "fakequestions.h"
 #include "fakesystem.h"
 #include "fakewaiter.h"
+#include "memoryoutput.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -107,7 +108,7 @@ struct FakeSurroundings
           layer(PathStyle::Native(), files, system, user, machine)
     {}
 
-    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter}; }
+    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs}; }
 
     QTemporaryDir folder;
     FakeSystem system;
@@ -121,6 +122,7 @@ struct FakeSurroundings
     FakeLineFactory lines;
     MemoryTextFiles texts;
     FakeWaiter waiter{clock};
+    MemoryOutputFiles outputs{clock};
     FakeRecorder recorder;
 
 private:

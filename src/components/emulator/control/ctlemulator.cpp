@@ -3,6 +3,7 @@
 #include "datastream.h"
 #include "extensionfilter.h"
 #include "heldselection.h"
+#include "hostcapture.h"
 #include "hosttext.h"
 #include "latintext.h"
 #include "pasteadvice.h"
@@ -51,6 +52,7 @@ public:
     }
     void ScreenSizeChanged(emu::Size) override { sizeChanged = true; }
     void PrinterStateChanged(int state) override { c_.printerState_ = state; }
+    void PrinterData(std::string_view bytes) override { c_.Print(bytes); }
     void HistoryAdded(int rows) override
     {
         if (c_.scrollback_ > 0)
@@ -60,7 +62,12 @@ public:
     // --- the line
     void LineReceived(std::string_view bytes) override { c_.Received(bytes); }
     void LineStateChanged(LineState state, const QString& text) override { c_.SetStatus(state, text); }
-    void LineDeviceStatus(const QString& text) override { emit c_.DeviceStatus(text); }
+    void LineDeviceStatus(const QString& text) override
+    {
+        c_.toldTimer_.reset();
+        c_.deviceStatus_ = text;
+        emit c_.DeviceStatus(text);
+    }
     void LineError(quint32 word, const QString& description, bool fatal) override
     {
         c_.LineFailed(word, description, fatal);
@@ -265,6 +272,7 @@ void ctlEmulator::Shutdown()
 {
     shutDown_ = true;
     blockSignals(true);
+    StopCapture({});
     paste_->Abort(nullptr);
     stream_->Cancel();
     if (line_)
@@ -305,6 +313,8 @@ void ctlEmulator::Received(std::string_view bytes)
     if (shutDown_)
         return;
     bytesIn_ += bytes.size();
+    if (capture_)
+        capture_->Put(HostCapture::Received, bytes); // as it came
     std::string changed;
     if (settings_.Boolean(Setting("Strip8th"))) {
         changed = bytes;

@@ -17,6 +17,7 @@
 #include <ports/clipboard.h>
 #include <ports/clock.h>
 #include <ports/line.h>
+#include <ports/outputfiles.h>
 #include <ports/questions.h>
 #include <ports/textfiles.h>
 #include <ports/waiter.h>
@@ -32,6 +33,7 @@ namespace kestrune {
 class DataStream;
 class ExtensionFilter;
 class HeldSelection;
+class HostCapture;
 class HostText;
 class PasteQueue;
 
@@ -44,6 +46,7 @@ struct EmulatorPorts // all must outlive the control
     Clipboard& clipboard;
     TextFiles& texts;
     Waiter& waiter;
+    OutputFiles& outputs;
 };
 
 enum class ResetMode : int
@@ -159,6 +162,18 @@ public:
     // ends that; an empty terminator is a carriage return.
     void SetExtension(QString& leadIn, QString& terminator);
 
+    // --- capture
+    // Writes what comes from now on into a file: what the host sends as it is received (source 1), or what would be
+    // printed (2). mode 0: a new file only, 1: overwrites, 2: appends, 3: to the clipboard, when the capture ends; 128
+    // added: the text only, in TextFileEncoding (0: the host's own bytes). A capture that runs is ended first. A
+    // relative name is taken in DefaultCaptureDir. When the file cannot be written, the status line says why and
+    // CaptureSource stays 0. Raises Failure for a source or mode that does not exist.
+    void Capture(const QString& fileName, int source, int mode);
+    void CaptureEnd();
+    QString CaptureFileName() const; // empty: none, or to the clipboard
+    int CaptureMode() const;
+    int CaptureSource() const; // 0: no capture runs
+
     // --- selection and clipboard
     void SetSelection(int left = 0, int top = 0, int right = ToEdge, int bottom = ToEdge);
     void SetSelection(const SelectionArea& area);
@@ -219,9 +234,6 @@ public:
     int XferBytes() const { return 0; }
     int XferFiles() const { return 0; }
     int XferStatus() const { return 0; }
-    QString CaptureFileName() const { return {}; }
-    int CaptureMode() const { return 0; }
-    int CaptureSource() const { return 0; }
     int AttachState() const { return 0; }
     int PrinterMode() const { return 0; }
     void SetPrinterMode(int mode);
@@ -229,8 +241,6 @@ public:
     void PrinterOff();
     void PrinterClose();
     void PrintScreen();
-    void Capture(const QString& fileName, int source, int mode);
-    void CaptureEnd();
     int Upload(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     Variant GetBlock(int left, int top, int right, int bottom, int page = Present);
@@ -311,6 +321,9 @@ private:
     std::string WithoutExtensions(std::string_view bytes);
     void RefuseSecondWait() const; // raises Failure
     void RunStreamEvents();
+    void Print(std::string_view bytes);
+    void StopCapture(const QString& why); // empty: it was asked for
+    void TellUser(const QString& line);   // in the place of the device's status, for a while
     void AfterChange();
     void SendBytes(std::string_view bytes);
     bool MayType(); // false: refused, with a sign
@@ -346,6 +359,7 @@ private:
     std::unique_ptr<HostText> hostText_; // for the macro recorder and for programs that read
     std::unique_ptr<DataStream> stream_;
     std::unique_ptr<ExtensionFilter> extension_;
+    std::unique_ptr<HostCapture> capture_; // null: none runs
     std::unique_ptr<HeldSelection> selection_;
     LineState lineState_ = LineState::Closed;
     bool closing_ = false; // we asked for the end of the line
@@ -366,6 +380,8 @@ private:
     QStringList extensions_; // told in the next turn
     bool dataReady_ = false;
     std::unique_ptr<Clock::Timer> leadInTimer_;
+    QString deviceStatus_;
+    std::unique_ptr<Clock::Timer> toldTimer_;
     int color_ = 0;
     bool lockHistory_ = false;
     bool lockKeyboard_ = false;

@@ -27,7 +27,6 @@ constexpr std::array kLater{
     LaterMember{"Reset", QT_TRANSLATE_NOOP("Later", "resuming of a connection")},
     LaterMember{"PrinterMode", QT_TRANSLATE_NOOP("Later", "slave printer")},
     LaterMember{"PrintScreen", QT_TRANSLATE_NOOP("Later", "screen printing")},
-    LaterMember{"Capture", QT_TRANSLATE_NOOP("Later", "capture")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
     LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
     LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
@@ -61,8 +60,6 @@ void ctlEmulator::PrinterOn(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
 void ctlEmulator::PrinterOff() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
 void ctlEmulator::PrinterClose() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
 void ctlEmulator::PrintScreen() { RaiseNotBuilt(FeatureOf("PrintScreen")); }
-void ctlEmulator::Capture(const QString&, int, int) { RaiseNotBuilt(FeatureOf("Capture")); }
-void ctlEmulator::CaptureEnd() { RaiseNotBuilt(FeatureOf("Capture")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 Variant ctlEmulator::GetBlock(int, int, int, int, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
