@@ -11,11 +11,14 @@
 #include <comm/commlibrary.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
+#include <platform/backgroundfiles.h>
 #include <platform/eventclock.h>
+#include <platform/eventwaiter.h>
 #include <platform/hive.h>
 #include <platform/nativefiles.h>
 #include <platform/processors.h>
 #include <platform/system.h>
+#include <platform/textcodec.h>
 #include <ports/recorder.h>
 #include <ports/textfiles.h>
 #include <settings/layer.h>
@@ -58,8 +61,25 @@ public:
         textfile::TextCode code = textfile::TextCode::ByContent;
         return textfile::ReadTextFile(path, code);
     }
+    QByteArray Encode(const QString& text, int encoding) override { return EncodeText(text, EncodingOf(encoding)); }
+    QByteArray Mark(int encoding) override
+    {
+        switch (EncodingOf(encoding)) {
+        case TextEncoding::Utf16Le:
+            return MarkOf(TextEncoding::Utf16LeMark);
+        case TextEncoding::Utf8:
+            return MarkOf(TextEncoding::Utf8Mark);
+        default:
+            return {};
+        }
+    }
 
 private:
+    static TextEncoding EncodingOf(int number)
+    {
+        return number == 2 ? TextEncoding::Utf16Le : number == 3 ? TextEncoding::Utf8 : TextEncoding::Ansi;
+    }
+
     const FileSystem& files_;
 };
 
@@ -133,7 +153,8 @@ private:
 
     std::unique_ptr<ctlEmulator> MakeEmulator()
     {
-        return std::make_unique<ctlEmulator>(EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_});
+        return std::make_unique<ctlEmulator>(
+            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_, outputs_});
     }
 
     static bool UnloadForms()
@@ -163,6 +184,8 @@ private:
     CommLibrary lines_;
     SystemClipboard clipboard_;
     NativeTextFiles texts_{files_};
+    EventWaiter waiter_;
+    BackgroundFiles outputs_{clock_};
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;

@@ -17,6 +17,8 @@
 #include "fakemainwindow.h"
 #include "fakequestions.h"
 #include "fakesystem.h"
+#include "fakewaiter.h"
+#include "memoryoutput.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -106,7 +108,7 @@ struct FakeSurroundings
           layer(PathStyle::Native(), files, system, user, machine)
     {}
 
-    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts}; }
+    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs}; }
 
     QTemporaryDir folder;
     FakeSystem system;
@@ -119,6 +121,8 @@ struct FakeSurroundings
     FakeClipboard clipboard;
     FakeLineFactory lines;
     MemoryTextFiles texts;
+    FakeWaiter waiter{clock};
+    MemoryOutputFiles outputs{clock};
     FakeRecorder recorder;
 
 private:

@@ -373,7 +373,7 @@ TEST(EmulatorLine, TheSessionMayGoWhileThePasteQuestionIsUp)
         FakeLine* line = nullptr;
     } ask;
     EmulatorBench bench;
-    ctlEmulator control(EmulatorPorts{bench.lines, bench.clock, bench.files, ask, bench.clipboard, bench.texts});
+    ctlEmulator control(bench.Ports(ask));
     control.Settings().Set(u"Device"_s, int(Device::Telnet));
     control.SetOnLine(true);
     bench.Host().Connect();

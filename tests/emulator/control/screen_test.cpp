@@ -263,7 +263,6 @@ TEST(EmulatorScreen, WhatIsNotBuiltSaysSo)
     };
     EXPECT_EQ(text([&] { control.Upload(u"x"_s, 0, 0); }),
               u"The file transfer has not been implemented at this time."_s);
-    EXPECT_EQ(text([&] { control.CaptureEnd(); }), u"The capture has not been implemented at this time."_s);
     EXPECT_EQ(text([&] { control.SetScrMode(1); }),
               u"The extended screen mode has not been implemented at this time."_s);
     EXPECT_EQ(FailureNumber([&] { control.Reset(7); }), 5);

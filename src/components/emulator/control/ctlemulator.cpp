@@ -1,6 +1,9 @@
 #include "ctlemulator.h"
 
+#include "datastream.h"
+#include "extensionfilter.h"
 #include "heldselection.h"
+#include "hostcapture.h"
 #include "hosttext.h"
 #include "latintext.h"
 #include "pasteadvice.h"
@@ -55,6 +58,7 @@ public:
     }
     void ScreenSizeChanged(emu::Size) override { sizeChanged = true; }
     void PrinterStateChanged(int state) override { c_.printerState_ = state; }
+    void PrinterData(std::string_view bytes) override { c_.Print(bytes); }
     void HistoryAdded(int rows) override
     {
         if (c_.scrollback_ > 0)
@@ -64,7 +68,12 @@ public:
     // --- the line
     void LineReceived(std::string_view bytes) override { c_.Received(bytes); }
     void LineStateChanged(LineState state, const QString& text) override { c_.SetStatus(state, text); }
-    void LineDeviceStatus(const QString& text) override { emit c_.DeviceStatus(text); }
+    void LineDeviceStatus(const QString& text) override
+    {
+        c_.toldTimer_.reset();
+        c_.deviceStatus_ = text;
+        emit c_.DeviceStatus(text);
+    }
     void LineError(quint32 word, const QString& description, bool fatal) override
     {
         c_.LineFailed(word, description, fatal);
@@ -93,6 +102,7 @@ private:
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
       paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
+      stream_(std::make_unique<DataStream>(ports.clock)), extension_(std::make_unique<ExtensionFilter>()),
       selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>()),
       resumption_(std::make_unique<Resumption>())
 {
@@ -223,7 +233,11 @@ void ctlEmulator::Break()
         line_->Break(kBreakMilliseconds);
 }
 
-void ctlEmulator::Abort() { bytesOut_ += paste_->Abort(line_.get()); }
+void ctlEmulator::Abort()
+{
+    bytesOut_ += paste_->Abort(line_.get());
+    stream_->Cancel();
+}
 
 void ctlEmulator::HangUp(int) { SetOnLine(false); }
 
@@ -258,6 +272,9 @@ void ctlEmulator::LineEnded()
         return;
     if (question_->Withdraw())
         emit QuestionWithdrawn();
+    ShowHostBytes(extension_->TakeHeld());
+    extension_->Reset();
+    stream_->Cancel();
     const bool asked = std::exchange(closing_, false);
     if (std::exchange(reopen_, false)) {
         lineState_ = LineState::Closed;
@@ -283,7 +300,9 @@ void ctlEmulator::Shutdown()
     blockSignals(true);
     resumption_->Stop();
     resumeTimer_.reset();
+    StopCapture({});
     paste_->Abort(nullptr);
+    stream_->Cancel();
     if (line_)
         line_->Close(); // destroyed when it says that it is closed, or with this control
 }
@@ -363,17 +382,18 @@ void ctlEmulator::Received(std::string_view bytes)
     bytesIn_ += bytes.size();
     if (resumption_->IsUnderWay())
         resumption_->Received(bytes);
+    if (capture_)
+        capture_->Put(HostCapture::Received, bytes); // as it came
+    std::string changed;
     if (settings_.Boolean(Setting("Strip8th"))) {
-        std::string stripped(bytes);
-        for (char& c : stripped)
+        changed = bytes;
+        for (char& c : changed)
             c = char(c & 0x7F);
-        terminal_->Receive(stripped);
-    } else {
-        terminal_->Receive(bytes);
+        bytes = changed;
     }
-    if (recordingText_)
-        emit RecordText(hostText_->Decode(bytes));
-    AfterChange();
+    if (extension_->IsOn())
+        bytes = changed = WithoutExtensions(bytes);
+    ShowHostBytes(bytes);
 }
 
 void ctlEmulator::AfterChange()
@@ -452,6 +472,7 @@ void ctlEmulator::RunEvents()
         emit HostTitleChange(*title);
     if (std::exchange(bell_, false))
         emit Bell();
+    RunStreamEvents();
 }
 
 // --- typing
@@ -467,7 +488,7 @@ void ctlEmulator::SetLockKeyboard(bool on)
 bool ctlEmulator::MayType()
 {
     const bool local = settings_.Integer(Setting("Duplex")) == 2;
-    if (!shutDown_ && !LockKeyboard() && (Connected() || local))
+    if (!shutDown_ && !LockKeyboard() && !stream_->RefusesTyping() && (Connected() || local))
         return true;
     ports_.ask.Beep();
     emit InputRefused();

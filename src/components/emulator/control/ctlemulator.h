@@ -17,8 +17,10 @@
 #include <ports/clipboard.h>
 #include <ports/clock.h>
 #include <ports/line.h>
+#include <ports/outputfiles.h>
 #include <ports/questions.h>
 #include <ports/textfiles.h>
+#include <ports/waiter.h>
 
 #include <QObject>
 
@@ -28,7 +30,10 @@
 
 namespace kestrune {
 
+class DataStream;
+class ExtensionFilter;
 class HeldSelection;
+class HostCapture;
 class HostText;
 class PasteQueue;
 class Resumption;
@@ -42,6 +47,8 @@ struct EmulatorPorts // all must outlive the control
     Questions& ask;
     Clipboard& clipboard;
     TextFiles& texts;
+    Waiter& waiter;
+    OutputFiles& outputs;
 };
 
 enum class ResetMode : int
@@ -99,7 +106,7 @@ public:
     qint32 BytesIn() const; // since the line was last opened; stays at the largest number
     qint32 BytesOut() const;
     void Break();
-    void Abort(); // ends a paste that is still going out
+    void Abort(); // ends a paste that is still going out, and a call that waits for the host
     void Dial(const QString& phoneNumber, int wait = 0);
     void HangUp(int wait = 0); // closes the line
     // ResetMode. The three about a host key answer the question that CommError has put; nothing happens without one.
@@ -141,6 +148,37 @@ public:
     void PastePrimary();
     bool CanPaste() const;
 
+    // --- from the host, for programs
+    // What becomes of the host's text besides going to the screen. 0: a waiting call sees what comes while it waits.
+    // 1: it is also kept for the calls to come (the newest DataStream::MaxKept characters), and DataReady tells of it;
+    // while a call waits, typing is refused. 2: as 1, and the screen does not get it. Other numbers are as 1.
+    int InputMode() const;
+    void SetInputMode(int mode);
+    // Both wait with a live window, for timeout seconds at most (0: not at all, below 0: without end). Abort, the end
+    // of the line and the end of the session end a wait as if time were up. Control characters count as text. Raise
+    // Failure when another call is waiting on this control, which may itself be gone after them.
+    // mode 0: length characters. 1: up to the end of the line (CR, LF or both), which is taken and not returned, but
+    // not more than length. When time is up: what there is.
+    QString ReadText(int mode = 0, int length = 80, int timeout = 30);
+    // 1 to 10: the target that came first, which is taken with all before it; 0: time was up, and nothing is taken.
+    // compare 0: exactly, 1: without regard to case. Empty targets are not looked for.
+    int WaitFor(int compare, int timeout, const QStringList& targets);
+    // From now on what the host sends between the two is not shown: the event Extension has it. An empty lead-in
+    // ends that; an empty terminator is a carriage return.
+    void SetExtension(QString& leadIn, QString& terminator);
+
+    // --- capture
+    // Writes what comes from now on into a file: what the host sends as it is received (source 1), or what would be
+    // printed (2). mode 0: a new file only, 1: overwrites, 2: appends, 3: to the clipboard, when the capture ends; 128
+    // added: the text only, in TextFileEncoding (0: the host's own bytes). A capture that runs is ended first. A
+    // relative name is taken in DefaultCaptureDir. When the file cannot be written, the status line says why and
+    // CaptureSource stays 0. Raises Failure for a source or mode that does not exist.
+    void Capture(const QString& fileName, int source, int mode);
+    void CaptureEnd();
+    QString CaptureFileName() const; // empty: none, or to the clipboard
+    int CaptureMode() const;
+    int CaptureSource() const; // 0: no capture runs
+
     // --- selection and clipboard
     void SetSelection(int left = 0, int top = 0, int right = ToEdge, int bottom = ToEdge);
     void SetSelection(const SelectionArea& area);
@@ -176,8 +214,6 @@ public:
     // --- held for the shell and for pieces to come
     QString Title() const { return title_; }
     void SetTitle(const QString& title);
-    int InputMode() const { return inputMode_; }
-    void SetInputMode(int mode) { inputMode_ = mode; }
     int CustomMode() const { return customMode_; }
     void SetCustomMode(int mode) { customMode_ = mode; }
     int TextFileEncoding() const { return textFileEncoding_; }
@@ -203,9 +239,6 @@ public:
     int XferBytes() const { return 0; }
     int XferFiles() const { return 0; }
     int XferStatus() const { return 0; }
-    QString CaptureFileName() const { return {}; }
-    int CaptureMode() const { return 0; }
-    int CaptureSource() const { return 0; }
     int AttachState() const { return 0; }
     int PrinterMode() const { return 0; }
     void SetPrinterMode(int mode);
@@ -213,8 +246,6 @@ public:
     void PrinterOff();
     void PrinterClose();
     void PrintScreen();
-    void Capture(const QString& fileName, int source, int mode);
-    void CaptureEnd();
     int Upload(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     Variant GetBlock(int left, int top, int right, int bottom, int page = Present);
@@ -226,9 +257,6 @@ public:
     void PlayWave(const QString& fileName);
     void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
     void DetachAlternateSink() {} // none can be attached
-    QString ReadText(int mode = 0, int length = 80, int timeout = 30);
-    int WaitFor(int compare, int timeout, const QStringList& targets);
-    void SetExtension(QString& leadIn, QString& terminator);
 
     // --- for the view
     const emu::Terminal& Screen() const { return *terminal_; }
@@ -307,6 +335,13 @@ private:
     void RefuseDevice(Device device);
     void TellSize();
     void Received(std::string_view bytes);
+    void ShowHostBytes(std::string_view bytes);
+    std::string WithoutExtensions(std::string_view bytes);
+    void RefuseSecondWait() const; // raises Failure
+    void RunStreamEvents();
+    void Print(std::string_view bytes);
+    void StopCapture(const QString& why); // empty: it was asked for
+    void TellUser(const QString& line);   // in the place of the device's status, for a while
     void AfterChange();
     void SendBytes(std::string_view bytes);
     bool MayType(); // false: refused, with a sign
@@ -339,7 +374,10 @@ private:
     std::unique_ptr<emu::Terminal> terminal_;
     std::unique_ptr<Line> line_;
     std::unique_ptr<PasteQueue> paste_;
-    std::unique_ptr<HostText> hostText_; // for the macro recorder
+    std::unique_ptr<HostText> hostText_; // for the macro recorder and for programs that read
+    std::unique_ptr<DataStream> stream_;
+    std::unique_ptr<ExtensionFilter> extension_;
+    std::unique_ptr<HostCapture> capture_; // null: none runs
     std::unique_ptr<HeldSelection> selection_;
     std::unique_ptr<StandingQuestion> question_;
     std::unique_ptr<Resumption> resumption_;
@@ -361,6 +399,11 @@ private:
     bool bell_ = false;
     std::optional<int> printerState_;
     std::optional<QString> hostTitle_;
+    QStringList extensions_; // told in the next turn
+    bool dataReady_ = false;
+    std::unique_ptr<Clock::Timer> leadInTimer_;
+    QString deviceStatus_;
+    std::unique_ptr<Clock::Timer> toldTimer_;
     int color_ = 0;
     bool lockHistory_ = false;
     bool lockKeyboard_ = false;
@@ -369,7 +412,6 @@ private:
     bool recordingText_ = false;
     bool recordingKeys_ = false;
     bool shutDown_ = false;
-    int inputMode_ = 0;
     int customMode_ = 0;
     int textFileEncoding_ = 0;
     int funcBarPos_ = 0;

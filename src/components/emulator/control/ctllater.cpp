@@ -26,14 +26,11 @@ constexpr std::array kLater{
     LaterMember{"Dial", QT_TRANSLATE_NOOP("Later", "dialer")},
     LaterMember{"PrinterMode", QT_TRANSLATE_NOOP("Later", "slave printer")},
     LaterMember{"PrintScreen", QT_TRANSLATE_NOOP("Later", "screen printing")},
-    LaterMember{"Capture", QT_TRANSLATE_NOOP("Later", "capture")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
     LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
     LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
     LaterMember{"PlayWave", QT_TRANSLATE_NOOP("Later", "playing of sounds")},
     LaterMember{"AttachAlternateSink", QT_TRANSLATE_NOOP("Later", "alternate sink")},
-    LaterMember{"ReadText", QT_TRANSLATE_NOOP("Later", "reading of host text by scripts")},
-    LaterMember{"SetExtension", QT_TRANSLATE_NOOP("Later", "host extension")},
 };
 
 consteval const char* FeatureOf(std::string_view member)
@@ -61,8 +58,6 @@ void ctlEmulator::PrinterOn(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
 void ctlEmulator::PrinterOff() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
 void ctlEmulator::PrinterClose() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
 void ctlEmulator::PrintScreen() { RaiseNotBuilt(FeatureOf("PrintScreen")); }
-void ctlEmulator::Capture(const QString&, int, int) { RaiseNotBuilt(FeatureOf("Capture")); }
-void ctlEmulator::CaptureEnd() { RaiseNotBuilt(FeatureOf("Capture")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 Variant ctlEmulator::GetBlock(int, int, int, int, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
@@ -75,8 +70,5 @@ void ctlEmulator::AttachAlternateSink(ctlEmulator&, qint16&, qint16&)
 {
     RaiseNotBuilt(FeatureOf("AttachAlternateSink"));
 }
-QString ctlEmulator::ReadText(int, int, int) { RaiseNotBuilt(FeatureOf("ReadText")); }
-int ctlEmulator::WaitFor(int, int, const QStringList&) { RaiseNotBuilt(FeatureOf("ReadText")); }
-void ctlEmulator::SetExtension(QString&, QString&) { RaiseNotBuilt(FeatureOf("SetExtension")); }
 
 } // namespace kestrune
