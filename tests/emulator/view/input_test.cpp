@@ -158,6 +158,18 @@ TEST(ViewInput, ADragKeepsItsTextWhileOutputScrolls)
     QTest::mouseRelease(&bench.view, Qt::LeftButton, kNone, to);
 }
 
+TEST(ViewInput, TheMouseFindsWhatStandsUnderIt)
+{
+    ViewBench bench(30, 6, EmulatorBench::Vt220);
+    bench.HostSays("אבג abc\r\n\x1b#6wide line\r\n");
+    EXPECT_LT(bench.view.CellRect(2, 0).left(), bench.view.CellRect(0, 0).left()) << "Hebrew runs to the left";
+    EXPECT_EQ(bench.view.CellRect(2, 0).left(), bench.view.CellRect(0, 2).left());
+    Drag(bench, bench.view.CellRect(0, 0).center() + QPoint(3, 0), bench.view.CellRect(1, 0).center() - QPoint(3, 0));
+    EXPECT_EQ(bench.control.Selection(), u"אב"_s);
+    Drag(bench, bench.LeftEdge(5, 1), bench.LeftEdge(9, 1));
+    EXPECT_EQ(bench.control.Selection(), u"line"_s) << "columns of double width";
+}
+
 TEST(ViewInput, MiddleAndRightButton)
 {
     ViewBench bench;

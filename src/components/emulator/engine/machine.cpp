@@ -80,6 +80,8 @@ void Machine::SetCharset(HostCharset charset)
 
 void Machine::SetOptions(const TerminalOptions& options)
 {
+    if (options.cursor != options_.cursor)
+        cursorShape_ = options.cursor;
     options_ = options;
     options_.answerBack.resize(std::min(options_.answerBack.size(), kMaxAnswerBack));
     TakeKeyOptions();
@@ -126,7 +128,7 @@ void Machine::PowerUp()
     eightBitReplies_ = false;
     singleShift_ = -1;
     romFont_ = RomFont::Off;
-    cursorShape_ = CursorShape::BlinkBlock;
+    cursorShape_ = options_.cursor;
     charset_ = options_.charset;
     palette_.fill(0);
     parser_.Reset(); // also ends a printer controller mode that the host has forgotten

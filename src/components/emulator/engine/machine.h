@@ -78,6 +78,7 @@ public:
     void SetRomFont(RomFont font) { romFont_ = font; }
     void SelectUtf8(bool on); // ESC % G, ESC % @
     void SetCursorShape(CursorShape shape) { cursorShape_ = shape; }
+    CursorShape UsualShape() const { return options_.cursor; } // the user's choice
     CursorShape Shape() const { return cursorShape_; }
     void UpdateRules(); // after a change of type, level, charset or VT52 mode
     void SetColumns132(bool on);

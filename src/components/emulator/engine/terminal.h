@@ -50,6 +50,16 @@ enum class BackspaceKey : uint8_t
     Del
 };
 
+enum class CursorShape : uint8_t // in the order of DECSCUSR 1 to 6
+{
+    BlinkBlock,
+    Block,
+    BlinkUnderline,
+    UnderlineBar,
+    BlinkBar,
+    Bar
+};
+
 struct TerminalOptions
 {
     Size size;
@@ -60,6 +70,7 @@ struct TerminalOptions
     bool applicationCursor = false; // power-up states of DECCKM and DECKPAM
     bool applicationKeypad = false;
     BackspaceKey backspace = BackspaceKey::AsType;
+    CursorShape cursor = CursorShape::BlinkBlock; // until the host asks for another
     std::string answerBack; // bytes sent for ENQ, at most 255
 };
 
@@ -89,16 +100,6 @@ enum class MouseReport : uint8_t
     Drag,
     Motion
 }; // X10/normal, button motion, any motion
-enum class CursorShape : uint8_t
-{
-    BlinkBlock,
-    Block,
-    BlinkUnderline,
-    UnderlineBar,
-    BlinkBar,
-    Bar
-};
-
 struct ModesView // what drawing and input need to know
 {
     bool applicationCursor = false;

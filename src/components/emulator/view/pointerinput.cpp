@@ -45,20 +45,6 @@ PointerInput::PointerInput(ctlEmulator& emulator, QWidget& host, ScreenCanvas& c
     QObject::connect(&scroll_, &QTimer::timeout, &host_, [this] { ScrollWhileSelecting(); });
 }
 
-TextPlace PointerInput::PlaceAt(QPointF position) const
-{
-    const auto [cols, rows] = emulator_.Screen().ScreenSize();
-    const QPointF device = canvas_.DevicePosition(position);
-    const int line = std::clamp(int(std::floor(device.y() / canvas_.CellHeight())), 0, rows - 1);
-    TextPlace place;
-    place.row = line - emulator_.RowsBack();
-    const bool doubled = emulator_.Screen().Row(place.row).size != emu::LineSize::Normal;
-    const double column = device.x() / canvas_.CellWidth() / (doubled ? 2 : 1);
-    place.cell = std::clamp(int(std::floor(column)), 0, cols - 1);
-    place.boundary = std::clamp(int(std::lround(column)), 0, cols);
-    return place;
-}
-
 bool PointerInput::HostWantsMouse(Qt::KeyboardModifiers modifiers) const
 {
     return emulator_.Screen().Modes().mouse != emu::MouseReport::None && emulator_.RowsBack() == 0 &&
@@ -68,7 +54,7 @@ bool PointerInput::HostWantsMouse(Qt::KeyboardModifiers modifiers) const
 bool PointerInput::Report(emu::MouseKind kind, emu::MouseButton button, const QPointF& position,
                           Qt::KeyboardModifiers modifiers)
 {
-    const TextPlace place = PlaceAt(position);
+    const TextPlace place = canvas_.PlaceAt(position);
     lastReport_ = {place.cell, place.row};
     return emulator_.SendMouse({kind, button, MapModifiers(modifiers), place.cell, place.row});
 }
@@ -99,11 +85,11 @@ void PointerInput::Press(const QMouseEvent& event)
     case Qt::LeftButton:
         if (event.modifiers().testFlag(Qt::ShiftModifier)) {
             clicks_ = 0;
-            gesture_.Extend(PlaceAt(event.position()));
+            gesture_.Extend(canvas_.PlaceAt(event.position()));
             return;
         }
         CountClick(event);
-        gesture_.Press(PlaceAt(event.position()), clicks_, event.modifiers().testFlag(Qt::AltModifier));
+        gesture_.Press(canvas_.PlaceAt(event.position()), clicks_, event.modifiers().testFlag(Qt::AltModifier));
         return;
     case Qt::MiddleButton:
         emulator_.PastePrimary();
@@ -120,7 +106,7 @@ void PointerInput::Move(const QMouseEvent& event)
 {
     lastMove_ = event.position();
     if (gesture_.IsActive()) {
-        gesture_.Extend(PlaceAt(event.position()));
+        gesture_.Extend(canvas_.PlaceAt(event.position()));
         const bool outside = event.position().y() < 0 || event.position().y() >= host_.height();
         if (outside != scroll_.isActive())
             outside ? scroll_.start() : scroll_.stop();
@@ -130,7 +116,7 @@ void PointerInput::Move(const QMouseEvent& event)
     const bool dragged = reported_ != emu::MouseButton::None && wanted != emu::MouseReport::Click;
     if (!dragged && !(wanted == emu::MouseReport::Motion && HostWantsMouse(event.modifiers())))
         return;
-    const TextPlace place = PlaceAt(event.position());
+    const TextPlace place = canvas_.PlaceAt(event.position());
     if (lastReport_ != emu::Position{place.cell, place.row})
         Report(emu::MouseKind::Move, reported_, event.position(), event.modifiers());
 }
@@ -156,7 +142,7 @@ void PointerInput::ScrollWhileSelecting()
     const double beyond = lastMove_.y() < 0 ? -lastMove_.y() : lastMove_.y() - host_.height();
     const int rows = 1 + int(beyond * host_.devicePixelRatioF() / canvas_.CellHeight());
     emulator_.ScrollTo(emulator_.RowsBack() + (lastMove_.y() < 0 ? rows : -rows));
-    gesture_.Extend(PlaceAt(lastMove_));
+    gesture_.Extend(canvas_.PlaceAt(lastMove_));
 }
 
 void PointerInput::Wheel(const QWheelEvent& event)

@@ -26,7 +26,6 @@ public:
     void FollowModes();       // the host may have asked for reports, or for none: pointer shape and tracking
 
 private:
-    TextPlace PlaceAt(QPointF position) const;
     bool HostWantsMouse(Qt::KeyboardModifiers modifiers) const;
     bool Report(emu::MouseKind kind, emu::MouseButton button, const QPointF& position, Qt::KeyboardModifiers modifiers);
     void ScrollWhileSelecting();

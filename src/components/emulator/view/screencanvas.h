@@ -5,7 +5,9 @@
 
 #include "colorscheme.h"
 #include "gridfont.h"
+#include "roworder.h"
 #include "rowpainter.h"
+#include "selectiongesture.h"
 
 #include <emulator/control/ctlemulator.h>
 
@@ -44,7 +46,7 @@ public:
     QSize GridPixels(emu::Size grid) const; // device pixels
     QRect CellRect(int col, int row) const;
     QRect CursorRect() const;
-    QPointF DevicePosition(QPointF position) const;        // from the grid's corner
+    TextPlace PlaceAt(QPointF position) const;             // the nearest one
     int CellWidth() const { return font_->CellWidth(); }   // device pixels
     int CellHeight() const { return font_->CellHeight(); } // device pixels
     QFont Font() const;
@@ -67,6 +69,16 @@ private:
         bool operator==(const PaintedCursor&) const = default;
     };
 
+    struct RowShape
+    {
+        RowOrder order;
+        int scale; // cells of a column: 2 in rows of double width
+    };
+
+    RowShape ShapeOf(int row) const;
+    QRect DeviceCell(int col, int row) const;
+    QRect CursorCell() const; // device pixels; all of a wide character
+    QRect FromDevice(const QRect& rect) const;
     void RebuildFont();
     void Frame();
     void Invalidate();
@@ -79,7 +91,7 @@ private:
     bool CursorShown() const;
     void PaintLine(QPainter& painter, RowPainter& rows, int line);
     void PaintCursor(QPainter& painter, RowPainter& rows);
-    void PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape) const;
+    void PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape, const QColor& color) const;
     void PaintSigns(QPainter& painter) const;
     void PaintSign(QPainter& painter, const QString& text, Qt::Edge edge) const;
     int Margin() const; // device pixels
