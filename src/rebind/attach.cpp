@@ -136,7 +136,7 @@ public:
     // Ready: the streams flow. False: the holder does not have that session from there.
     bool Bind(std::uint64_t received)
     {
-        channel_.Send(Packet::Hello, (sevenBit_ ? "7 " : "8 ") + std::to_string(received));
+        channel_.Send(Packet::Hello, std::string(sevenBit_ ? "7 " : "8 ").append(std::to_string(received)));
         SendSize();
         while (channel_.IsOpen()) {
             Wait(false);

@@ -48,7 +48,8 @@ std::string LoginShell()
     std::string program;
     if (command.empty()) {
         program = LoginShell();
-        command = {"-" + program.substr(program.rfind('/') + 1)}; // how login(1) tells a shell that it is the first
+        command = {program.substr(program.rfind('/') + 1)
+                       .insert(0, 1, '-')}; // how login(1) tells a shell that it is the first
     } else {
         program = command.front();
     }

@@ -39,7 +39,7 @@ std::string InstallInProfile(const std::string& home, bool& ok)
     std::ofstream file(profile, std::ios::app);
     file << kLines;
     ok = file.flush().good();
-    return ok ? "The next login reads it from " + profile + "." : profile + " cannot be written.";
+    return ok ? std::string("The next login reads it from ").append(profile) + "." : profile + " cannot be written.";
 }
 
 } // namespace kestrune::rebind

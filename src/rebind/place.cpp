@@ -19,7 +19,7 @@ namespace {
 std::string FolderName()
 {
     const char* named = std::getenv("KESTRUNE_REBIND_DIR"); // NOLINT(concurrency-mt-unsafe): one thread
-    return named && *named ? named : "/tmp/kestrune-rebind-" + std::to_string(getuid());
+    return named && *named ? named : std::string("/tmp/kestrune-rebind-").append(std::to_string(getuid()));
 }
 
 int WithSocket(const std::string& path, int (*use)(int, const sockaddr*, socklen_t))

@@ -19,7 +19,7 @@ namespace {
 constexpr int DefaultConnectTimeout = 30; // seconds
 // One wake-up takes at most so much, which the engine parses in about 3 ms; the window is drawn in between.
 constexpr qsizetype MostAtOnce = qsizetype{256} * 1024;
-constexpr qsizetype ReadPiece = qsizetype{64} * 1024;
+constexpr qsizetype MailPiece = qsizetype{64} * 1024;
 
 } // namespace
 
@@ -137,7 +137,7 @@ void SshLine::TakeWaiting()
         return;
     qsizetype taken = 0;
     while (!HasEnded() && Receiving() && taken < MostAtOnce) {
-        const QByteArray piece = mail_->TakeReceived(ReadPiece);
+        const QByteArray piece = mail_->TakeReceived(MailPiece);
         if (piece.isEmpty())
             break;
         taken += piece.size();
