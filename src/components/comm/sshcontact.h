@@ -83,6 +83,8 @@ private:
     SshSessionHandle session_;
     QString host_;
     int port_ = 22;
+    int socket_ = -1;    // ours
+    int duplicate_ = -1; // the library's
     quint32 lastQuestion_ = 0;
 };
 
