@@ -100,7 +100,7 @@ void SshContact::Connect(int socket)
 }
 
 // The library names the list in which nothing was found in common, in English: "no match for method encryption
-// algo client->server: server [a,b], client [c]".
+// client->server: server [a,b], client [c]".
 void SshContact::FailToAgree()
 {
     struct Subject
@@ -109,7 +109,7 @@ void SshContact::FailToAgree()
         const char* text;
     };
     static constexpr std::array subjects{
-        Subject{"encryption algo"_L1,
+        Subject{"encryption "_L1,
                 QT_TRANSLATE_NOOP("SshLine", "Unable to connect to %1: the host and this session have no cipher in "
                                              "common. The host offers %2.")},
         Subject{"kex algo"_L1,

@@ -59,10 +59,13 @@ public:
     template <typename Step>
     int Until(Step step)
     {
+        static_assert(int(SSH_AUTH_ERROR) == SSH_ERROR);
         for (;;) {
             const int result = step();
             if (result != SSH_AGAIN && result != SSH_AUTH_AGAIN)
                 return result;
+            if (IsLost())
+                return SSH_ERROR; // some calls go on asking for patience; SSH_AUTH_ERROR is the same number
             WaitForHost();
         }
     }
