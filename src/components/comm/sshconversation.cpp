@@ -6,7 +6,6 @@
 #include "sshtrust.h"
 
 #include <platform/processors.h>
-#include <platform/sockets.h>
 
 #include <QCoreApplication>
 
@@ -33,20 +32,6 @@ SshTarget TargetOf(const LineOptions& options)
         target.user = QString::fromUtf8(options.userName);
     return target;
 }
-
-// Owned by the conversation until the library takes it over.
-class DialledSocket
-{
-public:
-    explicit DialledSocket(int socket) : socket_(socket) {}
-    ~DialledSocket() { CloseSocket(socket_); }
-    DialledSocket(const DialledSocket&) = delete;
-    DialledSocket& operator=(const DialledSocket&) = delete;
-    int Release() { return std::exchange(socket_, -1); }
-
-private:
-    int socket_;
-};
 
 void State(SshContact& contact, LineState state, const QString& text)
 {
@@ -80,9 +65,9 @@ SshEnding Converse(const LineOptions& options, SshMailbox& mail)
     mail.Tell([text = ConversationText::tr("SSH %1").arg(contact.Address())](SshNotices& line) {
         line.SshDeviceStatus(text);
     });
-    DialledSocket socket(Dial(contact));
+    const int socket = Dial(contact); // owned by contact from here on
     State(contact, LineState::Authenticating, ConversationText::tr("Agreeing with %1").arg(contact.Host()));
-    contact.Connect(socket.Release());
+    contact.Connect(socket);
     CheckHostKey(contact);
     State(contact, LineState::Authenticating, ConversationText::tr("Logging in to %1").arg(contact.Host()));
     LogIn(contact);

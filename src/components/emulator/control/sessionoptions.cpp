@@ -106,7 +106,8 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.telnet.keepaliveIsNop = settings.Boolean(Setting("TelnetKeepaliveIsNOP"));
     options.ssh.cipher = settings.Integer(Setting("SSHCipher"));
     options.ssh.onlyPreferredCipher = settings.Boolean(Setting("SSHUseOnlyPreferredCipher"));
-    options.ssh.auth = SshAuth(settings.Integer(Setting("SSHAuth")));
+    if (const auto auth = SshAuth(settings.Integer(Setting("SSHAuth"))); auth > SshAuth{} && auth <= SshAuth::Agent)
+        options.ssh.auth = auth;
     options.ssh.keyFile = settings.Text(Setting("SSHKey"));
     options.ssh.keepAlive = settings.Integer(Setting("SSHKeepAlive"));
     options.ssh.noDelay = settings.Boolean(Setting("SSHNoDelay"));
