@@ -64,6 +64,15 @@ public:
     virtual ~LineResume() = default;
 };
 
+// What is done about a host's certificate that is not in order, as HostCertificateValidation stands in session files.
+enum class CertificateValidation : qint32
+{
+    Ask = 0,
+    Strict = 1,    // it ends the connection
+    AcceptNew = 2, // one that nobody known has signed is remembered without a question; about all else it is asked
+    None = 3,      // every certificate is good: for laboratories
+};
+
 // A copy of what the settings say at the moment of connecting. Each device reads its own part.
 struct LineOptions
 {
@@ -97,6 +106,13 @@ struct LineOptions
         bool alternateBreak = false; // a break is IAC IP instead of IAC BRK
         bool keepaliveIsNop = false; // IAC NOP instead of the TCP keep-alive
     } telnet;
+
+    struct Tls
+    {
+        CertificateValidation validation = CertificateValidation::Ask;
+        QString clientCertificate; // PEM or PKCS#12 file, in trustFolder or anywhere; empty: none
+        QString trustFolder;       // filled in by the library: what this user trusts
+    } tls;
 
     struct Ssh
     {

@@ -56,6 +56,7 @@ struct NetworkDevice
 constexpr std::array NetworkDevices{
     NetworkDevice{Device::PicLan, 0, QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "PicLan %1:%2")},
     NetworkDevice{Device::Telnet, 23, QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "Telnet %1:%2")},
+    NetworkDevice{Device::SslTelnet, 992, QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "SSL/Telnet %1:%2")},
 };
 
 const NetworkDevice& NetworkDeviceOf(Device device)
@@ -77,6 +78,11 @@ TelnetLine::~TelnetLine()
         socket_->disconnect(this);
 }
 
+std::chrono::seconds TelnetLine::TimeLimit() const
+{
+    return std::chrono::seconds(Options().connectTimeout > 0 ? Options().connectTimeout : DefaultConnectTimeout);
+}
+
 bool TelnetLine::IsRaw() const { return Options().telnet.bypass || Options().device == Device::PicLan; }
 
 void TelnetLine::Begin()
@@ -93,10 +99,12 @@ void TelnetLine::Begin()
     Listener().LineDeviceStatus(tr(device.status).arg(host_).arg(port_));
     if (HasEnded())
         return;
-    const int seconds = Options().connectTimeout > 0 ? Options().connectTimeout : DefaultConnectTimeout;
+    TcpCalls calls;
+    if (Options().device == Device::SslTelnet)
+        calls.makeSocket = [] { return std::make_unique<QSslSocket>(); };
     connector_ = std::make_unique<TcpConnector>(
-        TcpTarget{.host = host_, .port = port_, .limit = std::chrono::seconds(seconds), .proxy = Options().proxy},
-        static_cast<TcpConnectorEvents&>(*this), Time());
+        TcpTarget{.host = host_, .port = port_, .limit = TimeLimit(), .proxy = Options().proxy},
+        static_cast<TcpConnectorEvents&>(*this), Time(), std::move(calls));
     connector_->Start();
 }
 
@@ -137,17 +145,39 @@ void TelnetLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
 {
     socket_ = std::move(socket);
     socket_->setReadBufferSize(ReadAhead);
-    connect(socket_.get(), &QAbstractSocket::errorOccurred, this, &TelnetLine::SocketFailed);
-    connect(socket_.get(), &QIODevice::readyRead, this, &TelnetLine::TakeWaiting);
-    connect(socket_.get(), &QIODevice::bytesWritten, this, &TelnetLine::SocketWrote);
     KeepUrgentInline(socket_->socketDescriptor());
     if (Options().tcpNoDelay)
         socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    StartTalking();
+    if (Options().device == Device::SslTelnet)
+        MakeSecure();
+    else
+        StartTalking();
+}
+
+void TelnetLine::MakeSecure()
+{
+    EnterState(LineState::Authenticating, tr("Securing %1").arg(host_));
+    if (HasEnded())
+        return;
+    tls_ = std::make_unique<TlsHandshake>(static_cast<QSslSocket&>(*socket_),
+                                          TlsHandshake::Peer{.host = host_, .port = port_, .limit = TimeLimit()},
+                                          Options().tls, static_cast<TlsEvents&>(*this), Time());
+    tls_->Start();
+}
+
+void TelnetLine::TlsAsks(const LineQuestion& question, std::function<void(LineAnswer)> then)
+{
+    Ask(question, std::move(then));
 }
 
 void TelnetLine::StartTalking()
 {
+    connect(socket_.get(), &QAbstractSocket::errorOccurred, this, &TelnetLine::SocketFailed);
+    connect(socket_.get(), &QIODevice::readyRead, this, &TelnetLine::TakeWaiting);
+    connect(socket_.get(), &QIODevice::bytesWritten, this, &TelnetLine::SocketWrote);
+    if (tls_)
+        connect(static_cast<QSslSocket*>(socket_.get()), &QSslSocket::encryptedBytesWritten, this,
+                &TelnetLine::SocketWrote);
     SetKeepalive();
     BecomeOpen(tr("Connected to %1").arg(host_));
     // On other ports there may be something that is no telnet server; there the host speaks first.
@@ -181,6 +211,11 @@ void TelnetLine::SocketFailed(QAbstractSocket::SocketError error)
 {
     if (HasEnded())
         return;
+    if (tls_ && !tls_->Refusal().isEmpty()) {
+        Fail(LineErrorNumber::AccessDenied,
+             tr("The host %1 has ended the secure connection: %2").arg(host_, tls_->Refusal()));
+        return;
+    }
     if (IsOpen() && error == QAbstractSocket::RemoteHostClosedError) {
         hostHasClosed_ = true;
         Post([this] { TakeWaiting(); }); // the socket is still in the middle of closing
@@ -195,6 +230,8 @@ void TelnetLine::LetGo()
     keepalive_.reset();
     if (connector_)
         connector_->Cancel();
+    if (tls_)
+        tls_->Stop();
     if (!socket_)
         return;
     socket_->flush(); // what was typed last still goes out
@@ -225,7 +262,18 @@ void TelnetLine::TakeWaiting()
         End({.stateText = tr("The host %1 has closed the connection.").arg(host_)});
 }
 
-bool TelnetLine::IsUrgent() const { return IsOpen() && !IsRaw() && HasUrgentAhead(socket_->socketDescriptor()); }
+// There is no urgent byte in a secure stream.
+bool TelnetLine::IsUrgent() const
+{
+    return IsOpen() && !IsRaw() && !tls_ && HasUrgentAhead(socket_->socketDescriptor());
+}
+
+qsizetype TelnetLine::Unsent() const
+{
+    if (!socket_)
+        return 0;
+    return socket_->bytesToWrite() + (tls_ ? static_cast<QSslSocket&>(*socket_).encryptedBytesToWrite() : 0);
+}
 
 void TelnetLine::TelnetData(std::string_view bytes)
 {

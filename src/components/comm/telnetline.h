@@ -1,10 +1,12 @@
 #pragma once
 
-// Devices 2 and 3: a TCP connection that speaks telnet, or nothing at all (bypass). PicLan (2) is always the
+// Devices 2, 3 and 7: a TCP connection that speaks telnet, or nothing at all (bypass). SSL/telnet (7) is secure before
+// the first word of either, as telnet has no way to become it later that is in use. PicLan (2) is always the
 // latter: of what its servers say to each other nothing is public, so it is the bare bytes on the port that the
 // session names.
 
 #include "deviceline.h"
+#include "tlshandshake.h"
 
 #include <comm/tcpconnector.h>
 #include <comm/telnet.h>
@@ -16,7 +18,7 @@
 
 namespace kestrune::comm {
 
-class TelnetLine final : public DeviceLine, private TelnetEvents, private TcpConnectorEvents
+class TelnetLine final : public DeviceLine, private TelnetEvents, private TcpConnectorEvents, private TlsEvents
 {
     Q_OBJECT
 
@@ -25,7 +27,7 @@ public:
     ~TelnetLine() override;
 
     void Send(std::string_view bytes) override;
-    qsizetype Unsent() const override { return socket_ ? socket_->bytesToWrite() : 0; }
+    qsizetype Unsent() const override;
     void Resize(const TerminalSize& size) override;
     void Break(int milliseconds) override; // the length is the host's affair; nothing in bypass
 
@@ -42,7 +44,14 @@ private:
     void TcpFailed(quint16 number, const QString& text) override { Fail(number, text); }
     void TcpWantsProxyLogin(const QString& proxy, bool again) override;
 
+    void TlsReady() override { StartTalking(); }
+    void TlsFailed(quint16 number, const QString& text) override { Fail(number, text); }
+    void TlsAsks(const LineQuestion& question, std::function<void(LineAnswer)> then) override;
+    void TlsCancelled() override { Close(); }
+
     bool IsRaw() const;
+    std::chrono::seconds TimeLimit() const;
+    void MakeSecure();
     bool IsUrgent() const;
     void StartTalking();
     void SocketFailed(QAbstractSocket::SocketError error);
@@ -58,6 +67,7 @@ private:
     QByteArray held_;     // decoded, but receiving was switched off in the middle
     std::unique_ptr<TcpConnector> connector_;
     std::unique_ptr<QTcpSocket> socket_;
+    std::unique_ptr<TlsHandshake> tls_; // of socket_, which is a QSslSocket then
     std::unique_ptr<Clock::Timer> keepalive_;
 };
 

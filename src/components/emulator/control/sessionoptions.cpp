@@ -104,6 +104,8 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.telnet.bypass = settings.Boolean(Setting("TelnetBypass"));
     options.telnet.alternateBreak = settings.Boolean(Setting("TelnetAltBreak"));
     options.telnet.keepaliveIsNop = settings.Boolean(Setting("TelnetKeepaliveIsNOP"));
+    options.tls.validation = CertificateValidation(settings.Integer(Setting("HostCertificateValidation")));
+    options.tls.clientCertificate = settings.Text(Setting("ClientCertificateID"));
     options.ssh.cipher = settings.Integer(Setting("SSHCipher"));
     options.ssh.onlyPreferredCipher = settings.Boolean(Setting("SSHUseOnlyPreferredCipher"));
     if (const auto auth = SshAuth(settings.Integer(Setting("SSHAuth"))); auth > SshAuth{} && auth <= SshAuth::Agent)
