@@ -101,7 +101,8 @@ TEST(EngineReports, TypesHaveTheNamesHostsKnow)
     {
         int number;
         const char* hostName;
-    } cases[] = {{0, "tty"}, {7, "vt52"}, {8, "vt220"}, {12, "vt100"}, {13, "vt320"}, {14, "vt420"}, {16, "linux"}};
+    } cases[] = {{0, "tty"},    {7, "vt52"},   {8, "vt220"}, {9, "ansi"},   {12, "vt100"},
+                 {13, "vt320"}, {14, "vt420"}, {15, "ansi"}, {16, "linux"}, {77, "vt220"}};
     for (const auto& test : cases)
         EXPECT_EQ(FindPersonality(test.number)->hostName, test.hostName) << test.number;
     EXPECT_EQ(AllPersonalities().size(), std::size(cases));

@@ -1,6 +1,7 @@
 #include "machine.h"
 
 #include "controls.h"
+#include "pcconsole.h"
 
 #include <algorithm>
 
@@ -126,6 +127,8 @@ void Machine::PowerUp()
     eightBitReplies_ = false;
     singleShift_ = -1;
     romFont_ = RomFont::Off;
+    preferredSet_ = &SupplementalSet();
+    attributeExtent_ = ChangeExtent::Stream;
     cursorShape_ = CursorShape::BlinkBlock;
     charset_ = options_.charset;
     palette_.fill(0);
@@ -258,6 +261,7 @@ void Machine::SetColumns132(bool on)
         screen_.Resize({cols, screen_.Extent().rows});
         listener_.ScreenSizeChanged(screen_.Extent());
     }
+    modes_.Set(Mode::SideMargins, false);
     screen_.ResetMargins();
     screen_.ClearPage();
 }
@@ -287,11 +291,29 @@ void Machine::SwitchAlternate(bool on, Mode how)
 void Machine::Designate(int which, bool wide96, std::string_view designator)
 {
     const CharacterSet* set = FindCharacterSet(designator, wide96, speaks_);
+    if (set == &SupplementalSet())
+        set = preferredSet_; // "<" names whatever the user prefers
     if (set == nullptr || (which >= 2 && !Speaks(Dialect::Vt220)))
         return;
     if (set->kind == CharacterSet::Kind::National && !modes_.Has(Mode::NationalSets))
         set = &AsciiSet();
     screen_.Charsets().g[size_t(which)] = set;
+}
+
+void Machine::PreferSet(std::string_view designator, bool wide96)
+{
+    // The makers offer two: their own supplemental set and Latin-1.
+    if (wide96 ? designator == "A" : designator == "%5")
+        preferredSet_ = FindCharacterSet(designator, wide96, speaks_);
+}
+
+char32_t Machine::GraphicFor(uint8_t byte) const
+{
+    const CharsetState& sets = screen_.Cursor().charsets;
+    const CharacterSet& set = *sets.g[size_t(byte < 0x80 ? sets.gl : sets.gr)];
+    if (&set == &UpperHalfSet())
+        return HostPoint(charset_, byte | 0x80);
+    return set.glyphs[size_t(byte & 0x7F) - 0x20];
 }
 
 void Machine::WriteThrough(const CharacterSet& set, std::span<const uint8_t> run)
@@ -345,7 +367,8 @@ void Machine::HighBytes(std::span<const uint8_t> run)
 
 void Machine::Execute(uint8_t control)
 {
-    if (romFont_ != RomFont::Off && !((kAlwaysControls >> control) & 1u)) {
+    const bool isAlways = ((kAlwaysControls >> control) & 1u) != 0;
+    if ((romFont_ != RomFont::Off && !isAlways) || pc::Draws(personality_->drawnControls, control)) {
         const char32_t point = RomGlyph(control);
         screen_.WritePoints({&point, 1});
         return;

@@ -75,6 +75,12 @@ public:
     void LockingShift(int which) { screen_.Charsets().gl = which; }
     void LockingShiftRight(int which) { screen_.Charsets().gr = which; }
     void SingleShift(int which) { singleShift_ = which; }
+    int PendingShift() const { return singleShift_; }         // -1: none
+    char32_t GraphicFor(uint8_t byte) const;                  // what a graphic byte shows under the present sets
+    void PreferSet(std::string_view designator, bool wide96); // DECAUPSS; one that is unknown changes nothing
+    const CharacterSet& PreferredSet() const { return *preferredSet_; }
+    ChangeExtent AttributeExtent() const { return attributeExtent_; } // DECSACE
+    void SetAttributeExtent(ChangeExtent extent) { attributeExtent_ = extent; }
     void SetRomFont(RomFont font) { romFont_ = font; }
     void SelectUtf8(bool on); // ESC % G, ESC % @
     void SetCursorShape(CursorShape shape) { cursorShape_ = shape; }
@@ -136,6 +142,8 @@ private:
     int level_ = 0;
     bool eightBitReplies_ = false;
     int singleShift_ = -1;
+    const CharacterSet* preferredSet_ = &SupplementalSet();
+    ChangeExtent attributeExtent_ = ChangeExtent::Stream;
     RomFont romFont_ = RomFont::Off;
     CursorShape cursorShape_ = CursorShape::BlinkBlock;
     int normalCols_;

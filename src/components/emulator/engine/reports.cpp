@@ -31,6 +31,7 @@ constexpr StatusRow kStatus[] = {
 struct SettingRow
 {
     std::string_view request;
+    Dialects dialects;
     std::string (*value)(const Machine& machine);
 };
 
@@ -39,17 +40,26 @@ std::string Margins(const Machine& m)
     return std::to_string(m.Display().TopMargin() + 1) + ';' + std::to_string(m.Display().BottomMargin() + 1);
 }
 
+std::string SideMargins(const Machine& m)
+{
+    return std::to_string(m.Display().LeftMargin() + 1) + ';' + std::to_string(m.Display().RightMargin() + 1);
+}
+
 constexpr SettingRow kSettings[] = {
-    {"m", [](const Machine& m) { return m.SgrSetting(); }},
-    {"r", Margins},
-    {"t", [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
-    {"$|", [](const Machine& m) { return std::to_string(m.Display().Extent().cols); }},
-    {" q", [](const Machine& m) { return std::to_string(int(m.Shape()) + 1); }},
-    {"\"p",
+    {"s", Dialect::Vt420, SideMargins},
+    {"*x", Dialect::Vt420,
+     [](const Machine& m) { return std::string(m.AttributeExtent() == ChangeExtent::Rectangle ? "2" : "1"); }},
+    {"*|", Dialect::Vt420, [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
+    {"m", Dialect::Vt320, [](const Machine& m) { return m.SgrSetting(); }},
+    {"r", Dialect::Vt320, Margins},
+    {"t", Dialect::Vt320, [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
+    {"$|", Dialect::Vt320, [](const Machine& m) { return std::to_string(m.Display().Extent().cols); }},
+    {" q", Dialect::Vt320, [](const Machine& m) { return std::to_string(int(m.Shape()) + 1); }},
+    {"\"p", Dialect::Vt320,
      [](const Machine& m) {
          return std::to_string(60 + m.Level()) + (m.Level() == 1 ? "" : m.SendsEightBit() ? ";0" : ";1");
      }},
-    {"\"q",
+    {"\"q", Dialect::Vt320,
      [](const Machine& m) { return std::string(m.Display().Cursor().pen.attributes & Attr::Protected ? "1" : "0"); }},
 };
 
@@ -92,7 +102,8 @@ void Machine::ReportStatus(const ControlSequence& sequence)
 {
     const int request = sequence.params.At(0);
     const bool isPrivate = sequence.marker == '?';
-    const std::string place = std::to_string(screen_.RowForHost() + 1) + ';' + std::to_string(screen_.Cursor().col + 1);
+    const std::string place =
+        std::to_string(screen_.RowForHost() + 1) + ';' + std::to_string(screen_.ColumnForHost() + 1);
     if (request == 6 && !isPrivate) {
         ReplyControl(place + 'R');
     } else if (request == 6 && Speaks(Dialect::Vt320)) {
@@ -128,7 +139,7 @@ void Machine::RequestSetting(std::string_view request)
     if (!Speaks(Dialect::Vt320))
         return;
     for (const SettingRow& row : kSettings)
-        if (row.request == request) {
+        if (row.request == request && Speaks(row.dialects)) {
             ReplyDcs(std::string("1$r").append(row.value(*this)).append(row.request));
             return;
         }

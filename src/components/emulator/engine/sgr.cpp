@@ -1,6 +1,7 @@
 // Select graphic rendition: ECMA-48 8.3.117, colours by index and direct colours as in ISO 8613-6.
 
 #include "machine.h"
+#include "pcconsole.h"
 
 #include <array>
 
@@ -127,12 +128,15 @@ void Machine::ApplySgr(const Params& params)
 {
     if (params.HasColons() && !Speaks(Dialect::Extension))
         return;
+    const bool isSco = Speaks(Dialect::Sco);
+    if (isSco && pc::ScoColors(*this, params))
+        return;
     Style& pen = screen_.Pen();
     if (params.Size() == 0)
         ResetPen(pen);
     for (int at = 0; at < params.Size(); ++at) {
         const int code = params.At(at);
-        if (params.AfterColon(at) || PaletteCode(pen, code))
+        if (params.AfterColon(at) || (isSco && pc::ScoRendition(pen, code)) || PaletteCode(pen, code))
             continue; // a part of something unknown, or done
         if (code < int(kByCode.size()) && kByCode[size_t(code)].code != 0) {
             const SgrRow& row = kByCode[size_t(code)];

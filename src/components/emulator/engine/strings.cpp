@@ -2,6 +2,7 @@
 // read back to the host.
 
 #include "machine.h"
+#include "presentation.h"
 #include "widths.h"
 
 #include <algorithm>
@@ -105,6 +106,8 @@ void Machine::String(StringKind kind, std::string_view body)
     if (kind == StringKind::Dcs) {
         if (body.starts_with("$q"))
             RequestSetting(body.substr(2));
+        else
+            presentation::Take(*this, body);
         return;
     }
     if (Speaks(Dialect::Linux) && (body == "R" || (body.size() == 8 && body[0] == 'P')))
