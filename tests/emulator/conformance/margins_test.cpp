@@ -186,8 +186,8 @@ TEST(Conformance, EdgesCutWideCharacters)
         std::string bytes;
         const char* rows;
     } cases[] = {
-        {"scrolled out at the left edge", "a中文b\r\nc\x1b[?69h\x1b[3;6s\x1b[S", "a"},
-        {"ICH over the right margin", "abcde中f" + box + "\x1b[1;3H\x1b[@", "ab cd  f"},
+        {"scrolled out at the left edge", "a中文b\r\nc\x1b[?69h\x1b[3;6s\x1b[S", "a|c"},
+        {"ICH over the right margin", "abcde中f" + box + "\x1b[1;3H\x1b[@", "ab cde f"},
         {"DCH from the right margin", "abcde中f" + box + "\x1b[1;3H\x1b[P", "abde   f"},
     };
     for (const auto& test : cases) {

@@ -8,6 +8,9 @@ namespace {
 constexpr int kAnsi = 9;
 constexpr int kSco = 15;
 
+// The last column is filled without the wrap that these consoles do at once.
+const std::string kPage = "\x1b[?7l" + kLetters + "\x1b[?7h";
+
 struct ConsoleCase
 {
     const char* name;
@@ -30,16 +33,16 @@ const ConsoleCase kCases[] = {
     {"CSI U clears", kAnsi, "\x1b[44mab\x1b[Uc", "c", {1, 0}},
     {"ESC D scrolls wherever the cursor is",
      kAnsi,
-     kLetters + "\x1b"
-                "D",
+     kPage + "\x1b"
+             "D",
      "KLMNOPQRST|UVWXYZabcd|efghijklmn|opqrstuvwx",
      {0, 0}},
     {"ESC M scrolls wherever the cursor is",
      kAnsi,
-     kLetters + "\x1b[3;1H\x1bM",
+     kPage + "\x1b[3;1H\x1bM",
      "|ABCDEFGHIJ|KLMNOPQRST|UVWXYZabcd|efghijklmn",
      {0, 2}},
-    {"CSI Y deletes lines", kAnsi, kLetters + "\x1b[2;1H\x1b[3Y", "ABCDEFGHIJ|opqrstuvwx", {0, 1}},
+    {"CSI Y deletes lines", kAnsi, kPage + "\x1b[2;1H\x1b[3Y", "ABCDEFGHIJ|opqrstuvwx", {0, 1}},
     {"CSI s and u", kAnsi, "\x1b[2;3H\x1b[s\x1b[H\x1b[ux", "|  x", {3, 1}},
     {"DA1", kAnsi, "\x1b[c", "", {0, 0}, "\x1b[?1;2c"},
     {"size of the screen", kAnsi, "\x1b[255n", "", {0, 0}, "\x1b[5;10R"},
@@ -50,28 +53,24 @@ const ConsoleCase kCases[] = {
     {"glyph by number", kSco, "\x1b[=3g\x1b[=219;1;2g", "♥█", {2, 0}},
     {"font of control codes", kSco, "\x1b[11m\x01\x1b[10m", "☺", {1, 0}},
     {"font of the upper half", kSco, "\x1b[12mD3\x1b[10mD", "─│D", {3, 0}},
-    {"window",
-     kSco,
-     kLetters + "\x1b[2;3;4;7r\x1b[S",
-     "ABCDEFGHIJ|KLWXYZaRST|UVghijkbcd|ef     lmn|opqrstuvwx",
-     {2, 1}},
+    {"window", kSco, kPage + "\x1b[2;3;4;7r\x1b[S", "ABCDEFGHIJ|KLWXYZaRST|UVghijkbcd|ef     lmn|opqrstuvwx", {2, 1}},
     {"margins one by one",
      kSco,
-     kLetters + "\x1b[=0;2m\x1b[=1;4m\x1b[=2;3m\x1b[=3;7m\x1b[S",
+     kPage + "\x1b[=0;2m\x1b[=1;4m\x1b[=2;3m\x1b[=3;7m\x1b[S",
      "ABCDEFGHIJ|KLWXYZaRST|UVghijkbcd|ef     lmn|opqrstuvwx",
      {0, 0}},
     {"margins opened",
      kSco,
-     kLetters + "\x1b[2;3;4;7r\x1b[=r\x1b[S",
+     kPage + "\x1b[2;3;4;7r\x1b[=r\x1b[S",
      "KLMNOPQRST|UVWXYZabcd|efghijklmn|opqrstuvwx",
      {2, 1}},
     {"two values are a scroll region",
      kSco,
-     kLetters + "\x1b[2;4r\x1b[S",
+     kPage + "\x1b[2;4r\x1b[S",
      "ABCDEFGHIJ|UVWXYZabcd|efghijklmn||opqrstuvwx",
      {0, 0}},
-    {"locked lines", kSco, kLetters + "\x1b[3;2H\x1bl\x1b[S", "ABCDEFGHIJ|KLMNOPQRST|efghijklmn|opqrstuvwx", {1, 2}},
-    {"clear screen", kSco, kLetters + "\x1b[2;3;4;7r\x1b[5;5H\x1b[=l", "", {2, 1}},
+    {"locked lines", kSco, kPage + "\x1b[3;2H\x1bl\x1b[S", "ABCDEFGHIJ|KLMNOPQRST|efghijklmn|opqrstuvwx", {1, 2}},
+    {"clear screen", kSco, kPage + "\x1b[2;3;4;7r\x1b[5;5H\x1b[=l", "", {2, 1}},
 };
 
 TEST(PcConsole, Screen)

@@ -7,8 +7,10 @@ namespace kestrune::emu::areas {
 namespace {
 
 // Top, left, bottom, right from parameter `at` on, counted from 1 and relative to the margins in origin mode; what
-// is missing means the edge. Nothing when it holds no cell.
-std::optional<Area> AreaFrom(const Machine& machine, const Params& params, int at)
+// is missing means the edge. Nothing when it holds no cell. A stretch of text over several lines may end left of
+// where it starts.
+std::optional<Area> AreaFrom(const Machine& machine, const Params& params, int at,
+                             ChangeExtent extent = ChangeExtent::Rectangle)
 {
     const Area whole = machine.Display().Addressable();
     const auto first = [&](int index, int edge) { return edge + params.Count(index) - 1; };
@@ -17,7 +19,8 @@ std::optional<Area> AreaFrom(const Machine& machine, const Params& params, int a
     };
     const Area area{first(at, whole.top), first(at + 1, whole.left), last(at + 2, whole.top, whole.bottom),
                     last(at + 3, whole.left, whole.right)};
-    if (area.top >= area.bottom || area.left >= area.right)
+    const bool isStretch = extent == ChangeExtent::Stream && area.bottom - area.top > 1 && area.left < whole.right;
+    if (area.top >= area.bottom || (area.left >= area.right && !isStretch))
         return std::nullopt;
     return area;
 }
@@ -60,7 +63,7 @@ void Toggle(const Rendition& what, Style& style)
 
 void Change(Machine& machine, const Params& params, int lastCode, void (*step)(const Rendition&, Style&))
 {
-    const std::optional<Area> area = AreaFrom(machine, params, 0);
+    const std::optional<Area> area = AreaFrom(machine, params, 0, machine.AttributeExtent());
     if (!area)
         return;
     machine.Display().ChangeArea(*area, machine.AttributeExtent(), [&](Style& style) {
