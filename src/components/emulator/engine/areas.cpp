@@ -1,5 +1,7 @@
 #include "areas.h"
 
+#include "hexpairs.h"
+
 #include <algorithm>
 #include <optional>
 
@@ -74,14 +76,6 @@ void Change(Machine& machine, const Params& params, int lastCode, void (*step)(c
     });
 }
 
-std::string Hex(uint16_t value)
-{
-    std::string out;
-    for (int shift = 12; shift >= 0; shift -= 4)
-        out += "0123456789ABCDEF"[(value >> shift) & 15];
-    return out;
-}
-
 } // namespace
 
 void SetLeftAndRight(Machine& machine, const ControlSequence& sequence)
@@ -151,7 +145,7 @@ void Checksum(Machine& machine, const ControlSequence& sequence)
     uint16_t sum = 0;
     if (const auto area = AreaFrom(machine, params, 2))
         sum = machine.Display().ChecksumOf(*area);
-    machine.ReplyDcs(std::to_string(params.At(0)) + "!~" + Hex(uint16_t(-sum)));
+    machine.ReplyDcs(std::to_string(params.At(0)) + "!~" + HexWord(uint16_t(-sum)));
 }
 
 } // namespace kestrune::emu::areas

@@ -295,6 +295,7 @@ constexpr ControlRow kControls[] = {
     {"$t", "DECRARA", Vt420, areas::ReverseAttributes},
     {"*x", "DECSACE", Vt420, areas::SelectExtent},
     {"*y", "DECRQCRA", Vt420, areas::Checksum},
+    {"*z", "DECINVM", Vt420, [](Machine& m, Seq s) { m.InvokeMacro(s.params.At(0)); }},
     {"$w", "DECRQPSR", Vt320, presentation::Report},
     {"&u", "DECRQUPSS", Vt320, presentation::ReportPreferredSet},
     {"U", "clear", Ansi, [](Machine& m, Seq) { pc::ClearAll(m); }},

@@ -11,7 +11,9 @@ namespace {
 constexpr Size kLeast{1, 1};
 constexpr Size kMost{1000, 500};
 constexpr size_t kMaxAnswerBack = 255;
-constexpr char32_t kErrorCharacter = 0x2E2E; // reversed question mark, VT220 programmer reference 4.4
+constexpr int kMaxMacroDepth = 16;                        // VT420 programmer reference
+constexpr size_t kMaxMacroBytes = 32 * HostMacros::Space; // a macro that calls others many times must come to an end
+constexpr char32_t kErrorCharacter = 0x2E2E;              // reversed question mark, VT220 programmer reference 4.4
 
 Size Clamped(Size size)
 {
@@ -127,6 +129,8 @@ void Machine::PowerUp()
     eightBitReplies_ = false;
     singleShift_ = -1;
     romFont_ = RomFont::Off;
+    userKeys_.Clear();
+    macros_.Clear();
     preferredSet_ = &SupplementalSet();
     attributeExtent_ = ChangeExtent::Stream;
     cursorShape_ = CursorShape::BlinkBlock;
@@ -298,6 +302,20 @@ void Machine::Designate(int which, bool wide96, std::string_view designator)
     if (set->kind == CharacterSet::Kind::National && !modes_.Has(Mode::NationalSets))
         set = &AsciiSet();
     screen_.Charsets().g[size_t(which)] = set;
+}
+
+// As if the host had sent it. It may call others, but neither itself nor without end.
+void Machine::InvokeMacro(int id)
+{
+    const std::string bytes = macros_.At(id); // a copy: nothing may change what is being received
+    if (macroDepth_ == 0)
+        macroBytes_ = 0;
+    if (macroDepth_ >= kMaxMacroDepth || bytes.size() > kMaxMacroBytes - macroBytes_)
+        return;
+    macroBytes_ += bytes.size();
+    ++macroDepth_;
+    parser_.Feed(bytes);
+    --macroDepth_;
 }
 
 void Machine::PreferSet(std::string_view designator, bool wide96)

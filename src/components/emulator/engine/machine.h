@@ -4,8 +4,10 @@
 // of the present type and does it to the screen. The tables stand in controls.cpp, modes.cpp, sgr.cpp and
 // reports.cpp; their handlers use the operations below.
 
+#include "hostmacros.h"
 #include "parser.h"
 #include "screen.h"
+#include "userkeys.h"
 
 #include <array>
 #include <string>
@@ -81,6 +83,10 @@ public:
     const CharacterSet& PreferredSet() const { return *preferredSet_; }
     ChangeExtent AttributeExtent() const { return attributeExtent_; } // DECSACE
     void SetAttributeExtent(ChangeExtent extent) { attributeExtent_ = extent; }
+    const UserKeys& FunctionKeys() const { return userKeys_; }
+    bool FunctionKeysLocked() const { return options_.lockFunctionKeys || userKeys_.IsLocked(); } // for the host
+    const HostMacros& Macros() const { return macros_; }
+    void InvokeMacro(int id);
     void SetRomFont(RomFont font) { romFont_ = font; }
     void SelectUtf8(bool on); // ESC % G, ESC % @
     void SetCursorShape(CursorShape shape) { cursorShape_ = shape; }
@@ -120,6 +126,7 @@ private:
     void BuildIndex();
     void Changed(); // tells what one call did
     void WriteThrough(const CharacterSet& set, std::span<const uint8_t> run);
+    void DeviceControl(std::string_view body);
     void OperatingSystemCommand(std::string_view body);
     void RequestSetting(std::string_view request);
     void SetTitle(std::string_view text);
@@ -142,6 +149,10 @@ private:
     int level_ = 0;
     bool eightBitReplies_ = false;
     int singleShift_ = -1;
+    UserKeys userKeys_;
+    HostMacros macros_;
+    int macroDepth_ = 0;
+    size_t macroBytes_ = 0; // received from macros since the outermost one began
     const CharacterSet* preferredSet_ = &SupplementalSet();
     ChangeExtent attributeExtent_ = ChangeExtent::Stream;
     RomFont romFont_ = RomFont::Off;

@@ -1,5 +1,6 @@
 // Answers to the host. Only what the terminal itself knows goes back: never text that the host has sent.
 
+#include "hexpairs.h"
 #include "machine.h"
 
 namespace kestrune::emu {
@@ -17,7 +18,6 @@ struct StatusRow
 constexpr StatusRow kStatus[] = {
     {5, Dialect::Common, false, "0n"},        // in order
     {15, Dialect::Vt220, true, "?13n"},       // no printer
-    {25, Dialect::Vt220, true, "?21n"},       // user keys locked
     {26, Dialect::Vt420, true, "?27;1;0;0n"}, // North American keyboard, ready, LK401
     {26, Dialect::Vt320, true, "?27;1;0n"},   //
     {26, Dialect::Vt220, true, "?27;1n"},     //
@@ -110,6 +110,12 @@ void Machine::ReportStatus(const ControlSequence& sequence)
         ReplyControl('?' + place + ";1R");                              // one page
     } else if (request == 255 && !isPrivate && Speaks(Dialect::Ansi)) { // boards ask the size this way
         ReplyControl(std::to_string(screen_.Extent().rows) + ';' + std::to_string(screen_.Extent().cols) + 'R');
+    } else if (request == 25 && isPrivate) {
+        ReplyControl(FunctionKeysLocked() ? "?21n" : "?20n");
+    } else if (request == 62 && isPrivate && Speaks(Dialect::Vt420)) { // in units of 16 bytes
+        ReplyControl(std::to_string(macros_.SpaceLeft() / 16) + "*{");
+    } else if (request == 63 && isPrivate && Speaks(Dialect::Vt420)) {
+        ReplyDcs(std::to_string(sequence.params.At(1)) + "!~" + HexWord(macros_.Checksum()));
     } else {
         for (const StatusRow& row : kStatus)
             if (row.isPrivate == isPrivate && row.request == request && Speaks(row.dialects)) {

@@ -59,6 +59,7 @@ struct TerminalOptions
     bool autoWrap = true;
     bool applicationCursor = false; // power-up states of DECCKM and DECKPAM
     bool applicationKeypad = false;
+    bool lockFunctionKeys = false; // the host may not define what they send (DECUDK)
     BackspaceKey backspace = BackspaceKey::AsType;
     std::string answerBack; // bytes sent for ENQ, at most 255
 };
