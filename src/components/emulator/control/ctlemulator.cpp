@@ -138,7 +138,8 @@ void ctlEmulator::OnSettingChanged(SettingId id)
 {
     static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),       Setting("NoAutoWrap"),
                                        Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"), Setting("BkspSendsDel"),
-                                       Setting("AnswerBack"),    Setting("CursorType")};
+                                       Setting("AnswerBack"),    Setting("CursorType"),
+                                       Setting("LockFKeys")};
     static constexpr std::array look{Setting("FontName"), Setting("FontSize"), Setting("BoldFont"),
                                      Setting("LegibleFont")};
     const auto isOneOf = [id](const auto& ids) { return std::find(ids.begin(), ids.end(), id) != ids.end(); };

@@ -71,6 +71,7 @@ emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Si
     options.autoWrap = !settings.Boolean(Setting("NoAutoWrap"));
     options.applicationCursor = settings.Boolean(Setting("AnsiAppCursor"));
     options.applicationKeypad = settings.Boolean(Setting("AnsiAppKeypad"));
+    options.lockFunctionKeys = settings.Boolean(Setting("LockFKeys"));
     options.backspace = settings.Boolean(Setting("BkspSendsDel")) ? emu::BackspaceKey::Del : emu::BackspaceKey::AsType;
     options.cursor = emu::CursorShape(settings.Integer(Setting("CursorType"))); // the table's range is this list
     options.answerBack = settings.Text(Setting("AnswerBack")).toLatin1().toStdString();

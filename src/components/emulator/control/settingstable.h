@@ -164,7 +164,7 @@ inline constexpr auto SettingsTable = [] {
         B("SSHNoDelay"),
         I("SSHCipher"),
         I("SSHBreakCharacter"),
-        B("LockFKeys"),
+        B("LockFKeys"), // the host may not define function keys
         I("U2DeviceLicensing"),
         T("CharacterMapping"),
         B("AnsiAutoPrint"),

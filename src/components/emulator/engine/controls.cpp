@@ -1,5 +1,9 @@
 #include "controls.h"
 
+#include "areas.h"
+#include "pcconsole.h"
+#include "presentation.h"
+
 namespace kestrune::emu {
 namespace {
 
@@ -97,6 +101,12 @@ constexpr EscapeRow kEscapes[] = {
     {" G", "S8C1T", Vt220, [](Machine& m) { m.SetEightBitReplies(true); }},
     {"%@", "DOCS", Common, [](Machine& m) { m.SelectUtf8(false); }}, // ISO 2022
     {"%G", "DOCS", Common, [](Machine& m) { m.SelectUtf8(true); }},
+    {"6", "DECBI", Vt420, [](Machine& m) { m.Display().BackIndex(); }},
+    {"9", "DECFI", Vt420, [](Machine& m) { m.Display().ForwardIndex(); }},
+    {"D", "scroll up", Ansi, pc::ScrollOneUp},
+    {"M", "scroll down", Ansi, pc::ScrollOneDown},
+    {"l", "lock lines", Sco, [](Machine& m) { pc::ScoLockLines(m, true); }},
+    {"m", "unlock lines", Sco, [](Machine& m) { pc::ScoLockLines(m, false); }},
     {"%8", "DOCS", Linux, [](Machine& m) { m.SelectUtf8(true); }},
     // VT52, native or as a mode
     {"A", "CUU", Vt52, [](Machine& m) { m.Display().MoveUp(1); }},
@@ -275,6 +285,36 @@ constexpr ControlRow kControls[] = {
     {"?K", "DECSEL", Vt220,
      [](Machine& m, Seq s) { WithErase(s.params, [&](Erase what) { m.Display().EraseLine(what, Selective::Yes); }); }},
     {"r", "DECSTBM", Common, SetTopAndBottom},
+    {"r", "window", Sco, pc::ScoWindow},
+    {"s", "DECSLRM", Vt420, areas::SetLeftAndRight},
+    {"'}", "DECIC", Vt420, [](Machine& m, Seq s) { m.Display().InsertColumns(s.params.Count(0)); }},
+    {"'~", "DECDC", Vt420, [](Machine& m, Seq s) { m.Display().DeleteColumns(s.params.Count(0)); }},
+    {"$v", "DECCRA", Vt420, areas::Copy},
+    {"$x", "DECFRA", Vt420, areas::Fill},
+    {"$z", "DECERA", Vt420, areas::Erase},
+    {"${", "DECSERA", Vt420, areas::EraseUnprotected},
+    {"$r", "DECCARA", Vt420, areas::ChangeAttributes},
+    {"$t", "DECRARA", Vt420, areas::ReverseAttributes},
+    {"*x", "DECSACE", Vt420, areas::SelectExtent},
+    {"*y", "DECRQCRA", Vt420, areas::Checksum},
+    {"*z", "DECINVM", Vt420, [](Machine& m, Seq s) { m.InvokeMacro(s.params.At(0)); }},
+    {"$w", "DECRQPSR", Vt320, presentation::Report},
+    {"&u", "DECRQUPSS", Vt320, presentation::ReportPreferredSet},
+    {"U", "clear", Ansi, [](Machine& m, Seq) { pc::ClearAll(m); }},
+    {"Y", "DL", Ansi, [](Machine& m, Seq s) { m.Display().DeleteLines(s.params.Count(0)); }}, // some boards
+    {"b", "REP", Sco, pc::ScoRepeat},
+    {"=B", "bell", Sco, [](Machine& m, Seq) { m.Listener().Bell(); }},
+    {"=C", "cursor lines", Sco, pc::ScoCursorLines},
+    {"=D", "background intensity", Sco, pc::ScoBackgroundIntensity},
+    {"=E", "background intensity", Sco, pc::ScoBackgroundIntensity},
+    {"=F", "foreground", Sco, pc::ScoColor},
+    {"=G", "background", Sco, pc::ScoColor},
+    {"=c", "cursor", Sco, pc::ScoCursor},
+    {"=g", "glyph", Sco, pc::ScoGlyph},
+    {"=l", "clear screen", Sco, pc::ScoClearScreen},
+    {"=m", "margin", Sco, pc::ScoMargin},
+    {"=r", "reset margins", Sco, [](Machine& m, Seq) { m.Display().ResetMargins(); }},
+    {"=z", "clear tabs", Sco, [](Machine& m, Seq) { m.Display().ClearTabs(); }},
     {"s", "SCP", PcConsoles, [](Machine& m, Seq) { m.Display().SaveCursor(); }},
     {"u", "RCP", PcConsoles, [](Machine& m, Seq) { m.Display().RestoreCursor(); }},
     {"x", "DECREQTPARM", Vt100, TerminalParameters},
@@ -285,7 +325,8 @@ constexpr ControlRow kControls[] = {
      }},
 };
 
-// No two rows may claim one sequence in one dialect: a type that speaks both would have to choose.
+// No two rows may claim one sequence in one dialect. Of two rows in different dialects that a type speaks both, the
+// later holds: what a console has of its own stands after what all share.
 template <typename Table>
 consteval bool NoneClaimedTwice(const Table& rows)
 {

@@ -125,13 +125,13 @@ void Page::FillWith(char32_t point)
     }
 }
 
-void Page::Insert(int row, int col, int count, StyleId blank)
+void Page::Insert(int row, int col, int count, int limit, StyleId blank)
 {
     Row& line = Touch(row);
-    const int limit = Columns(row);
     count = std::min(count, limit - col);
     Reach(line, blank != 0 ? limit : col);
     Part(line, col, limit - count);
+    Part(line, limit, limit);
     const int moved = std::min(line.used, limit - count) - col;
     if (moved > 0)
         std::memmove(line.cells + col + count, line.cells + col, size_t(moved) * sizeof(Cell));
@@ -139,23 +139,45 @@ void Page::Insert(int row, int col, int count, StyleId blank)
     line.used = std::max(line.used, std::min(limit, std::max(line.used, col) + count));
 }
 
-void Page::Delete(int row, int col, int count, StyleId blank)
+void Page::Delete(int row, int col, int count, int limit, StyleId blank)
 {
     Row& line = Touch(row);
-    const int limit = Columns(row);
     count = std::min(count, limit - col);
     if (line.used > col) {
         Part(line, col, col + count);
+        Part(line, limit, limit);
         const int moved = std::min(line.used, limit) - col - count;
         if (moved > 0)
             std::memmove(line.cells + col, line.cells + col + count, size_t(moved) * sizeof(Cell));
-        line.used = std::max(col, std::min(line.used, limit) - count);
+        if (line.used > limit)
+            std::fill(line.cells + limit - count, line.cells + limit, Cell{});
+        else
+            line.used = std::max(col, line.used - count);
     }
     line.wraps = false;
     if (blank != 0) {
         Reach(line, limit);
         std::fill(line.cells + limit - count, line.cells + limit, Cell{0, blank, 0});
     }
+}
+
+void Page::CopyCells(const Page& source, Position from, Position to, int count)
+{
+    Row& line = Touch(to.row);
+    Reach(line, to.col + count);
+    Part(line, to.col, to.col + count);
+    const Row& origin = source.At(from.row);
+    const int held = std::clamp(origin.used - from.col, 0, count);
+    Cell* const first = line.cells + to.col;
+    std::memmove(first, origin.cells + from.col, size_t(held) * sizeof(Cell));
+    std::fill(first + held, first + count, Cell{});
+    if (!origin.hasWide)
+        return;
+    line.hasWide = true;
+    if (first->flags & Cell::WideTail)
+        *first = Cell{0, first->style, 0};
+    if (Cell& last = first[count - 1]; last.flags & Cell::Wide)
+        last = Cell{0, last.style, 0};
 }
 
 void Page::SetWraps(int row, bool wraps)

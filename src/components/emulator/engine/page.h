@@ -71,8 +71,20 @@ public:
     void Fill(int row, int from, int to, StyleId blank); // [from, to) becomes blank
     void FillRows(int from, int to, StyleId blank);      // whole rows, back to normal size
     void FillWith(char32_t point);                       // every cell, plain
-    void Insert(int row, int col, int count, StyleId blank);
-    void Delete(int row, int col, int count, StyleId blank);
+    // What follows moves within [col, limit).
+    void Insert(int row, int col, int count, int limit, StyleId blank);
+    void Delete(int row, int col, int count, int limit, StyleId blank);
+    // Cells of one row, perhaps of another page, into a row of this one. Half a wide character becomes a blank.
+    void CopyCells(const Page& source, Position from, Position to, int count);
+    // Another look for the cells [from, to): style(cell's style) is called for each.
+    template <typename StyleFor>
+    void Restyle(int row, int from, int to, StyleFor&& style)
+    {
+        Row& line = Touch(row);
+        Reach(line, to);
+        for (Cell* cell = line.cells + from; cell != line.cells + to; ++cell)
+            cell->style = style(cell->style);
+    }
     void SetWraps(int row, bool wraps);
     void SetLineSize(int row, LineSize size);
 

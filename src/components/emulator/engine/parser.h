@@ -114,7 +114,7 @@ class Parser
 {
 public:
     static constexpr size_t MaxOsc = size_t{256} * 1024; // a clipboard fits
-    static constexpr size_t MaxDcs = 4096;
+    static constexpr size_t MaxDcs = size_t{16} * 1024;  // the largest macro in hexadecimal
 
     explicit Parser(ParserSink& sink) : sink_(sink) {}
 

@@ -69,6 +69,7 @@ struct TerminalOptions
     bool autoWrap = true;
     bool applicationCursor = false; // power-up states of DECCKM and DECKPAM
     bool applicationKeypad = false;
+    bool lockFunctionKeys = false; // the host may not define what they send (DECUDK)
     BackspaceKey backspace = BackspaceKey::AsType;
     CursorShape cursor = CursorShape::BlinkBlock; // until the host asks for another
     std::string answerBack; // bytes sent for ENQ, at most 255
