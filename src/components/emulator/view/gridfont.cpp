@@ -30,6 +30,9 @@ GridFont::GridFont(const QString& family, double size, bool bold)
     base_.setKerning(false);
     base_.setBold(bold);
 
+    emoji_ = base_;
+    emoji_.setFamilies({QStringLiteral("emoji"), base_.family()}); // the desktop's choice goes by this name
+
     const QFontMetricsF metrics(base_);
     cellWidth_ = std::max(1, int(std::lround(metrics.horizontalAdvance(u'0'))));
     // A little air between the lines, shared above and below.
