@@ -71,6 +71,18 @@ INSTANTIATE_TEST_SUITE_P(All, ViewKeys,
                                          KeyCase{"ControlTabIsTheWindows", Qt::Key_Tab, kCtrl, "", "", ""}),
                          [](const auto& test) { return test.param.name; });
 
+TEST(ViewInput, ControlAndALetterOfAnotherScriptIsTheLetterInItsPlace)
+{
+    ViewBench bench;
+    constexpr quint32 placeOfC = 54;
+    QKeyEvent press(QEvent::KeyPress, 0x0421, kCtrl, placeOfC, 0, 0, u"с"_s); // Cyrillic es
+    QCoreApplication::sendEvent(&bench.view, &press);
+    EXPECT_EQ(bench.Host().TakeSent(), "\x03");
+    QKeyEvent plain(QEvent::KeyPress, 0x0421, kNone, placeOfC, 0, 0, u"с"_s);
+    QCoreApplication::sendEvent(&bench.view, &plain);
+    EXPECT_EQ(bench.Host().TakeSent(), "с");
+}
+
 TEST(ViewInput, TheViewsOwnKeysGiveWayToAGivenText)
 {
     ViewBench bench;

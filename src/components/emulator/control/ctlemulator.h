@@ -146,6 +146,7 @@ public:
     // control characters. Raises Failure when the file cannot be read; with no line it is refused with a sign.
     void Paste(const QString& fileName = {}, Cause cause = Cause::User);
     void PastePrimary();
+    void PasteDropped(const QString& text) { PasteText(text, Cause::User); } // what the user dropped on the view
     bool CanPaste() const;
 
     // --- from the host, for programs

@@ -93,6 +93,14 @@ CellColors ColorScheme::Selected(const CellColors& plain) const
     return {ink, paper, ink};
 }
 
+CellColors ColorScheme::Found(const CellColors& plain, bool current) const
+{
+    const QRgb mark = current ? Role(PaletteRole::Cursor) : Mix(Indexed(3), Role(PaletteRole::Background), 45);
+    const QRgb paper = LegibleOn(plain.background, mark, VisibleContrast);
+    const QRgb ink = LegibleOn(paper, plain.foreground);
+    return {ink, paper, ink};
+}
+
 CellColors ColorScheme::Cursor(const CellColors& plain) const
 {
     const QRgb paper = LegibleOn(plain.background, Role(PaletteRole::Cursor), VisibleContrast);

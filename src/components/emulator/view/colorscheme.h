@@ -30,6 +30,8 @@ public:
     CellColors Of(const emu::Style& style) const;
     // Selected text that has these colours otherwise: the selection's own, unless it would not be seen on them.
     CellColors Selected(const CellColors& plain) const;
+    // Text that a search has found; current: the hit that the user stands on.
+    CellColors Found(const CellColors& plain, bool current) const;
     // The cursor as background, and the text in it: seen on a cell of these colours whatever they are.
     CellColors Cursor(const CellColors& plain) const;
     QRgb Role(int paletteRole) const; // PaletteRole

@@ -27,6 +27,15 @@ bool IsBlank(const emu::Cell& cell)
     return cell.text == 0 || cell.text == U' ' || (cell.flags & emu::Cell::WideTail) != 0;
 }
 
+// Shown as a picture by default, or asked for as one (VARIATION SELECTOR-16).
+bool IsEmoji(const emu::Cell& cell, const QString& text)
+{
+    const char32_t first = text.isEmpty() ? 0 : text.toUcs4().front();
+    const bool wide = (cell.flags & emu::Cell::Wide) != 0;
+    return text.contains(QChar(0xFE0F)) || (wide && first >= 0x1F000 && first <= 0x1FAFF) ||
+           (wide && first >= 0x2300 && first <= 0x2BFF);
+}
+
 QString TextOfCell(const emu::Terminal& screen, const emu::Cell& cell)
 {
     if ((cell.text & emu::Cell::ClusterBit) != 0) {
@@ -52,6 +61,24 @@ void DrawWave(QPainter& painter, const QRect& line, QRgb color)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.strokePath(path, QPen(QColor(color), line.height()));
     painter.restore();
+}
+
+enum class TextMark
+{
+    None,
+    Found,
+    Current,
+    Selected
+};
+
+TextMark MarkOf(int column, const RowLook& look)
+{
+    if (column >= look.selectedFirst && column < look.selectedLast)
+        return TextMark::Selected;
+    for (const TextSearch::Span& span : look.found)
+        if (column >= span.first && column < span.last)
+            return span.current ? TextMark::Current : TextMark::Found;
+    return TextMark::None;
 }
 
 // Lines under a run, from its first pixel so that neighbouring runs join.
@@ -117,20 +144,19 @@ void RowPainter::CollectRuns(const emu::RowView& view, const RowOrder& order, co
     const int cols = screen_.ScreenSize().cols;
     const int used = std::min(cols, int(view.cells.size()));
     const auto styleAt = [&](int col) { return col < used ? view.cells[size_t(col)].style : emu::StyleId(0); };
-    const auto isSelected = [&](int shown) {
-        const int col = order.ColumnCounted(shown);
-        return col >= look.selectedFirst && col < look.selectedLast;
-    };
+    const auto markAt = [&](int shown) { return MarkOf(order.ColumnCounted(shown), look); };
     for (int first = 0; first < cols;) {
         const emu::StyleId id = styleAt(first);
-        const bool selected = isSelected(first);
+        const TextMark mark = markAt(first);
         int last = first + 1;
-        while (last < cols && styleAt(last) == id && isSelected(last) == selected)
+        while (last < cols && styleAt(last) == id && markAt(last) == mark)
             ++last;
         Run run{first, last, &screen_.StyleOf(id), {}};
         run.colors = colors_.Of(*run.style);
-        if (selected)
+        if (mark == TextMark::Selected)
             run.colors = colors_.Selected(run.colors);
+        else if (mark != TextMark::None)
+            run.colors = colors_.Found(run.colors, mark == TextMark::Current);
         const bool dark = look.blinkHidden && (run.style->attributes & emu::Attr::Blink) != 0;
         if (dark || (run.style->attributes & emu::Attr::Invisible) != 0)
             run.colors.foreground = run.colors.underline = run.colors.background;
@@ -216,9 +242,9 @@ void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints j
     }
     // A joiner beside a letter gives it the form that it has inside a word.
     const QString joiner{QChar(kJoiner)};
-    QTextLayout layout((joints.before ? joiner : QString()) + TextOfCell(screen_, cell) +
-                           (joints.after ? joiner : QString()),
-                       font_.Font(variant));
+    const QString text = TextOfCell(screen_, cell);
+    QTextLayout layout((joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString()),
+                       IsEmoji(cell, text) ? font_.EmojiFont() : font_.Font(variant));
     layout.beginLayout();
     QTextLine line = layout.createLine();
     layout.endLayout();
@@ -287,17 +313,18 @@ void RowPainter::PaintCursorCell(QPainter& painter, int row, int col, int x, int
     painter.restore();
 }
 
-int RowPainter::PaintText(QPainter& painter, const QString& text, int x, int y, QRgb foreground, QRgb background)
+void RowPainter::PaintText(QPainter& painter, const QString& text, int x, int y, int rightEdge, QRgb foreground,
+                           QRgb background)
 {
     const double natural = QFontMetricsF(font_.Font(0)).horizontalAdvance(text);
     const int cells = std::max(1, int(std::ceil(natural / font_.CellWidth() - 0.01)));
     const int width = cells * font_.CellWidth();
+    x = std::max(0, std::min(x, rightEdge - width));
     painter.fillRect(x, y, width, font_.CellHeight(), QColor(background));
     painter.setFont(font_.Font(0));
     painter.setPen(QColor(foreground));
     painter.drawText(QPointF(x, y + font_.Ascent()), text);
     painter.fillRect(x, y + font_.UnderlineTop(), width, font_.LineWidth(), QColor(foreground));
-    return width;
 }
 
 } // namespace kestrune

@@ -6,6 +6,7 @@
 #include "colorscheme.h"
 #include "gridfont.h"
 #include "roworder.h"
+#include "textsearch.h"
 
 #include <emulator/engine/terminal.h>
 
@@ -19,7 +20,8 @@ struct RowLook
 {
     int selectedFirst = 0; // columns first to one past the last are selected
     int selectedLast = 0;
-    bool blinkHidden = false; // blinking text is in its dark phase
+    std::vector<TextSearch::Span> found; // by a search
+    bool blinkHidden = false;            // blinking text is in its dark phase
 };
 
 class RowPainter
@@ -34,8 +36,10 @@ public:
     // One cell in the colours of a block cursor.
     void PaintCursorCell(QPainter& painter, int row, int col, int x, int y);
     CellColors ColorsAt(int row, int col) const;
-    // Text that is not on the screen: what an input method is composing. Returns its width in pixels.
-    int PaintText(QPainter& painter, const QString& text, int x, int y, QRgb foreground, QRgb background);
+    // Text that is not on the screen: what an input method is composing. It stands further left when it would
+    // pass rightEdge.
+    void PaintText(QPainter& painter, const QString& text, int x, int y, int rightEdge, QRgb foreground,
+                   QRgb background);
     bool HasBlink(int row) const;
 
 private:

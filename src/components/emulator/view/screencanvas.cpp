@@ -202,6 +202,8 @@ RowLook ScreenCanvas::LookOf(int line) const
         look.selectedFirst = columns.first;
         look.selectedLast = columns.last;
     }
+    if (marks_)
+        look.found = marks_(row);
     return look;
 }
 
@@ -211,7 +213,7 @@ bool ScreenCanvas::IsStale(int line) const
     const RowLook look = LookOf(line);
     return was.generation != emulator_.Screen().Row(line - emulator_.RowsBack()).generation ||
            was.selectedFirst != look.selectedFirst || was.selectedLast != look.selectedLast ||
-           (was.hasBlink && was.blinkHidden != blinkHidden_);
+           was.found != look.found || (was.hasBlink && was.blinkHidden != blinkHidden_);
 }
 
 void ScreenCanvas::Frame()
@@ -240,10 +242,27 @@ void ScreenCanvas::Frame()
         host_.update(paintedCursor_.where);
         host_.update(cursor.where);
     }
-    if (emulator_.RowsBack() != paintedBack_)
-        host_.update();
+    if (std::exchange(shownBack_, emulator_.RowsBack()) != emulator_.RowsBack())
+        host_.update(); // the sign that says so, too
     KeepBlinking();
     frameShown_();
+}
+
+void ScreenCanvas::MarksChanged()
+{
+    for (int line = 0; line < int(painted_.size()); ++line)
+        if (painted_[size_t(line)].found != marks_(line - emulator_.RowsBack()))
+            host_.update(LineRect(line));
+}
+
+void ScreenCanvas::SetLink(std::vector<LinkSpan> spans)
+{
+    if (spans == link_)
+        return;
+    std::swap(spans, link_);
+    for (const auto* changed : {&spans, &link_})
+        for (const LinkSpan& span : *changed)
+            host_.update(LineRect(span.row + emulator_.RowsBack()));
 }
 
 void ScreenCanvas::Invalidate()
@@ -338,9 +357,9 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     for (int line = first; line <= last; ++line)
         if (region.intersects(LineRect(line)))
             PaintLine(painter, rowPainter, line);
+    PaintLink(painter);
     PaintCursor(painter, rowPainter);
     PaintSigns(painter);
-    paintedBack_ = emulator_.RowsBack();
 }
 
 void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
@@ -348,8 +367,22 @@ void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
     const int row = line - emulator_.RowsBack();
     const RowLook look = LookOf(line);
     rows.PaintRow(painter, row, Margin(), Margin() + line * font_->CellHeight(), look);
-    painted_[size_t(line)] = {emulator_.Screen().Row(row).generation, look.selectedFirst, look.selectedLast,
-                              blinkHidden_, rows.HasBlink(row)};
+    painted_[size_t(line)] = {emulator_.Screen().Row(row).generation,
+                              look.selectedFirst,
+                              look.selectedLast,
+                              look.found,
+                              blinkHidden_,
+                              rows.HasBlink(row)};
+}
+
+void ScreenCanvas::PaintLink(QPainter& painter) const
+{
+    for (const LinkSpan& span : link_)
+        for (int column = span.first; column < span.last; ++column) {
+            const QRect cell = DeviceCell(column, span.row);
+            painter.fillRect(cell.left(), cell.top() + font_->UnderlineTop(), cell.width(), font_->LineWidth(),
+                             QColor(scheme_.Role(PaletteRole::Cursor)));
+        }
 }
 
 bool ScreenCanvas::CursorShown() const
@@ -367,7 +400,7 @@ void ScreenCanvas::PaintCursor(QPainter& painter, RowPainter& rows)
     const QRect cell = CursorCell();
     if (!preedit_.isEmpty()) {
         const QRgb paper = scheme_.Role(PaletteRole::Selection);
-        rows.PaintText(painter, preedit_, cell.left(), cell.top(),
+        rows.PaintText(painter, preedit_, cell.left(), cell.top(), Margin() + GridPixels(screen.ScreenSize()).width(),
                        LegibleOn(paper, scheme_.Role(PaletteRole::Foreground)), paper);
         return;
     }
