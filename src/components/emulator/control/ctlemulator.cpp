@@ -10,6 +10,7 @@
 #include "pastequeue.h"
 #include "screentext.h"
 #include "sessionoptions.h"
+#include "slaveprinter.h"
 
 #include <dispatch/failure.h>
 #include <emulator/personalities/personalities.h>
@@ -51,8 +52,8 @@ public:
         c_.hostTitle_ = QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
     }
     void ScreenSizeChanged(emu::Size) override { sizeChanged = true; }
-    void PrinterStateChanged(int state) override { c_.printerState_ = state; }
-    void PrinterData(std::string_view bytes) override { c_.Print(bytes); }
+    void PrinterStateChanged(int state) override { c_.hostPrints_ = state != 0; }
+    void PrinterData(std::string_view bytes) override { c_.HostPrints(bytes); }
     void HistoryAdded(int rows) override
     {
         if (c_.scrollback_ > 0)
@@ -95,6 +96,7 @@ ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
       paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
       stream_(std::make_unique<DataStream>(ports.clock)), extension_(std::make_unique<ExtensionFilter>()),
+      printer_(std::make_unique<SlavePrinter>(ports.printing, ports.clock, TellOutcome())),
       selection_(std::make_unique<HeldSelection>())
 {
     size_.cols = settings_.Integer(Setting("NormCols"));
@@ -150,6 +152,8 @@ void ctlEmulator::OnSettingChanged(SettingId id)
     }
     if (isOneOf(look))
         emit LookChanged();
+    if (id == Setting("SlavePrinterName") || id == Setting("PrinterName"))
+        ScheduleEvents();
 }
 
 // --- connection
@@ -273,6 +277,7 @@ void ctlEmulator::Shutdown()
     shutDown_ = true;
     blockSignals(true);
     StopCapture({});
+    PrinterClose();
     paste_->Abort(nullptr);
     stream_->Cancel();
     if (line_)
@@ -397,8 +402,8 @@ void ctlEmulator::RunEvents()
         TellCursor();
     if (LockKeyboard() != std::exchange(told_.locked, LockKeyboard()))
         emit KeyboardLock(LockKeyboard());
-    if (const auto state = std::exchange(printerState_, std::nullopt))
-        emit PrinterChange(*state);
+    if (PrinterState() != std::exchange(told_.printer, PrinterState()))
+        emit PrinterChange(PrinterState());
     if (const auto title = std::exchange(hostTitle_, std::nullopt))
         emit HostTitleChange(*title);
     if (std::exchange(bell_, false))

@@ -18,6 +18,7 @@
 #include <ports/clock.h>
 #include <ports/line.h>
 #include <ports/outputfiles.h>
+#include <ports/printing.h>
 #include <ports/questions.h>
 #include <ports/textfiles.h>
 #include <ports/waiter.h>
@@ -36,6 +37,7 @@ class HeldSelection;
 class HostCapture;
 class HostText;
 class PasteQueue;
+class SlavePrinter;
 
 struct EmulatorPorts // all must outlive the control
 {
@@ -47,6 +49,7 @@ struct EmulatorPorts // all must outlive the control
     TextFiles& texts;
     Waiter& waiter;
     OutputFiles& outputs;
+    Printing& printing;
 };
 
 enum class ResetMode : int
@@ -174,6 +177,19 @@ public:
     int CaptureMode() const;
     int CaptureSource() const; // 0: no capture runs
 
+    // --- printing. The host can print by itself; what it prints and what the calls below copy goes, as jobs, to
+    // SlavePrinterName (see PrintJob::printer; "No Printer": nothing is printed). SlavePrintMode 0: text that is laid
+    // out on pages here, 1: bytes for the printer as they come. A job ends when nothing has come for PrinterTimeout
+    // seconds; with 0, by PrinterOff and PrinterClose alone. Where it went, the status line says.
+    int PrinterMode() const { return printerMode_; } // 0 off, 1 copy, 2 transparent
+    void SetPrinterMode(int mode);                   // raises Failure for another number
+    void PrinterOn(int transparent = 0); // prints what the host sends from now on; transparent: and does not show it
+    void PrinterOff();
+    void PrinterClose(); // ends the job that is open; the mode stays
+    // The selection, or the screen, as a job for ScreenPrinterName. ScreenPrintMode 0: the text alone, others: bold and
+    // underlined text as such.
+    void PrintScreen();
+
     // --- selection and clipboard
     void SetSelection(int left = 0, int top = 0, int right = ToEdge, int bottom = ToEdge);
     void SetSelection(const SelectionArea& area);
@@ -235,12 +251,6 @@ public:
     int XferFiles() const { return 0; }
     int XferStatus() const { return 0; }
     int AttachState() const { return 0; }
-    int PrinterMode() const { return 0; }
-    void SetPrinterMode(int mode);
-    void PrinterOn(int transparent = 0);
-    void PrinterOff();
-    void PrinterClose();
-    void PrintScreen();
     int Upload(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     Variant GetBlock(int left, int top, int right, int bottom, int page = Present);
@@ -321,7 +331,11 @@ private:
     std::string WithoutExtensions(std::string_view bytes);
     void RefuseSecondWait() const; // raises Failure
     void RunStreamEvents();
+    int PrinterState() const;
     void Print(std::string_view bytes);
+    void HostPrints(std::string_view bytes);
+    QString PrintTitle() const;
+    std::function<void(const PrintOutcome&)> TellOutcome();
     void StopCapture(const QString& why); // empty: it was asked for
     void TellUser(const QString& line);   // in the place of the device's status, for a while
     void AfterChange();
@@ -348,6 +362,7 @@ private:
         quint64 bytesIn = 0; // by then
         emu::Size size{0, 0};
         bool locked = false;
+        int printer = 0;
     };
 
     EmulatorPorts ports_;
@@ -360,6 +375,9 @@ private:
     std::unique_ptr<DataStream> stream_;
     std::unique_ptr<ExtensionFilter> extension_;
     std::unique_ptr<HostCapture> capture_; // null: none runs
+    std::unique_ptr<SlavePrinter> printer_;
+    int printerMode_ = 0;
+    bool hostPrints_ = false; // by controller mode or auto print
     std::unique_ptr<HeldSelection> selection_;
     LineState lineState_ = LineState::Closed;
     bool closing_ = false; // we asked for the end of the line
@@ -375,7 +393,6 @@ private:
     std::unique_ptr<Clock::Timer> cursorTimer_;
     bool scheduled_ = false;
     bool bell_ = false;
-    std::optional<int> printerState_;
     std::optional<QString> hostTitle_;
     QStringList extensions_; // told in the next turn
     bool dataReady_ = false;

@@ -25,8 +25,6 @@ constexpr std::array kLater{
     LaterMember{"ScrMode", QT_TRANSLATE_NOOP("Later", "extended screen mode")},
     LaterMember{"Dial", QT_TRANSLATE_NOOP("Later", "dialer")},
     LaterMember{"Reset", QT_TRANSLATE_NOOP("Later", "resuming of a connection")},
-    LaterMember{"PrinterMode", QT_TRANSLATE_NOOP("Later", "slave printer")},
-    LaterMember{"PrintScreen", QT_TRANSLATE_NOOP("Later", "screen printing")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
     LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
     LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
@@ -55,11 +53,6 @@ consteval const char* FeatureOf(std::string_view member)
 void ctlEmulator::RefuseExtendedScreen() { RaiseNotBuilt(FeatureOf("ScrMode")); }
 void ctlEmulator::RefuseResume() { RaiseNotBuilt(FeatureOf("Reset")); }
 void ctlEmulator::Dial(const QString&, int) { RaiseNotBuilt(FeatureOf("Dial")); }
-void ctlEmulator::SetPrinterMode(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterOn(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterOff() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterClose() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrintScreen() { RaiseNotBuilt(FeatureOf("PrintScreen")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 Variant ctlEmulator::GetBlock(int, int, int, int, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }

@@ -112,7 +112,9 @@ void ctlEmulator::ShowHostBytes(std::string_view bytes)
     if (bytes.empty() || shutDown_)
         return;
     const QString text = recordingText_ || stream_->Listens() ? hostText_->Decode(bytes) : QString();
-    if (!stream_->HidesFromScreen())
+    if (printerMode_ != 0)
+        Print(bytes);
+    if (!stream_->HidesFromScreen() && printerMode_ != 2)
         terminal_->Receive(bytes);
     if (recordingText_)
         emit RecordText(text);
