@@ -45,7 +45,7 @@ public:
     explicit Listener(ctlEmulator& control) : c_(control) {}
 
     // --- the engine
-    void Reply(std::string_view bytes) override { c_.SendBytes(bytes); }
+    void Reply(std::string_view bytes) override { (c_.source_ ? *c_.source_ : c_).SendBytes(bytes); }
     void Bell() override { c_.bell_ = true; }
     void TitleChanged(std::string_view utf8) override
     {
@@ -254,6 +254,7 @@ void ctlEmulator::LineEnded()
     paste_->Abort(nullptr);
     if (shutDown_)
         return;
+    DetachAlternateSink();
     ShowHostBytes(extension_->TakeHeld());
     extension_->Reset();
     stream_->Cancel();
@@ -276,6 +277,7 @@ void ctlEmulator::Shutdown()
 {
     shutDown_ = true;
     blockSignals(true);
+    DetachAlternateSink();
     StopCapture({});
     PrinterClose();
     paste_->Abort(nullptr);
@@ -329,7 +331,10 @@ void ctlEmulator::Received(std::string_view bytes)
     }
     if (extension_->IsOn())
         bytes = changed = WithoutExtensions(bytes);
-    ShowHostBytes(bytes);
+    if (sink_)
+        ToSink(bytes);
+    else
+        ShowHostBytes(bytes);
 }
 
 void ctlEmulator::AfterChange()

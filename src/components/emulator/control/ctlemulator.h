@@ -24,6 +24,7 @@
 #include <ports/waiter.h>
 
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 #include <optional>
@@ -165,6 +166,14 @@ public:
     // ends that; an empty terminator is a carriage return.
     void SetExtension(QString& leadIn, QString& terminator);
 
+    // What the host of this control sends goes to the screen of another control, whose answers come back to this
+    // host; target may end at any time. exitMode 0: until DetachAlternateSink, 1: until the host sends the byte
+    // exitCode (0 to 255), which nobody gets. Neither value is changed. The end of this line ends it, too. Raises
+    // Failure for another mode or code, for this control itself, and for one that is part of another pair.
+    void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
+    void DetachAlternateSink();
+    int AttachState() const; // 0: not attached, 1: to another control, 2: another is attached to this one
+
     // --- capture
     // Writes what comes from now on into a file: what the host sends as it is received (source 1), or what would be
     // printed (2). mode 0: a new file only, 1: overwrites, 2: appends, 3: to the clipboard, when the capture ends; 128
@@ -250,7 +259,6 @@ public:
     int XferBytes() const { return 0; }
     int XferFiles() const { return 0; }
     int XferStatus() const { return 0; }
-    int AttachState() const { return 0; }
     int Upload(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     Variant GetBlock(int left, int top, int right, int bottom, int page = Present);
@@ -260,8 +268,6 @@ public:
     void UnloadImage(const QString& fileName = {});
     void PlayMIDI(const QString& notes);
     void PlayWave(const QString& fileName);
-    void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
-    void DetachAlternateSink() {} // none can be attached
 
     // --- for the view
     const emu::Terminal& Screen() const { return *terminal_; }
@@ -328,6 +334,7 @@ private:
     void TellSize();
     void Received(std::string_view bytes);
     void ShowHostBytes(std::string_view bytes);
+    void ToSink(std::string_view bytes);
     std::string WithoutExtensions(std::string_view bytes);
     void RefuseSecondWait() const; // raises Failure
     void RunStreamEvents();
@@ -394,7 +401,10 @@ private:
     bool scheduled_ = false;
     bool bell_ = false;
     std::optional<QString> hostTitle_;
-    QStringList extensions_; // told in the next turn
+    QPointer<ctlEmulator> sink_;   // gets our host's data
+    QPointer<ctlEmulator> source_; // whose host's data we show
+    int sinkExit_ = -1;            // the byte that ends it; below 0: none
+    QStringList extensions_;       // told in the next turn
     bool dataReady_ = false;
     std::unique_ptr<Clock::Timer> leadInTimer_;
     QString deviceStatus_;

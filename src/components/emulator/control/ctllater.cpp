@@ -29,7 +29,6 @@ constexpr std::array kLater{
     LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
     LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
     LaterMember{"PlayWave", QT_TRANSLATE_NOOP("Later", "playing of sounds")},
-    LaterMember{"AttachAlternateSink", QT_TRANSLATE_NOOP("Later", "alternate sink")},
 };
 
 consteval const char* FeatureOf(std::string_view member)
@@ -61,9 +60,5 @@ void ctlEmulator::LoadImage(const QString&, int, int, int, int, bool, int) { Rai
 void ctlEmulator::UnloadImage(const QString&) { RaiseNotBuilt(FeatureOf("LoadImage")); }
 void ctlEmulator::PlayMIDI(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
 void ctlEmulator::PlayWave(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
-void ctlEmulator::AttachAlternateSink(ctlEmulator&, qint16&, qint16&)
-{
-    RaiseNotBuilt(FeatureOf("AttachAlternateSink"));
-}
 
 } // namespace kestrune
