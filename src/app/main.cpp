@@ -21,6 +21,7 @@
 #include <platform/textcodec.h>
 #include <ports/recorder.h>
 #include <ports/textfiles.h>
+#include <printing/systemprinting.h>
 #include <settings/layer.h>
 #include <support/qtquestions.h>
 #include <textfile/textfiles.h>
@@ -95,7 +96,8 @@ public:
               clock_,
               layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {}, InstallationIniFile(layer_.folders)),
               system_.ConfigFolder()),
-          splash_(SplashChoice()), wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
+          printing_(clock_, layer_.folders.DocumentsDir), splash_(SplashChoice()),
+          wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
           main_({layer_, ask_, wizard_, welcome_, settingsDialog_, migration_, running_, splash_, KeepToOneProcessor,
                  [] { return QGuiApplication::primaryScreen()->depth(); },
@@ -156,7 +158,7 @@ private:
     std::unique_ptr<ctlEmulator> MakeEmulator()
     {
         return std::make_unique<ctlEmulator>(
-            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_, outputs_});
+            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_, outputs_, printing_});
     }
 
     static bool UnloadForms()
@@ -188,6 +190,7 @@ private:
     NativeTextFiles texts_{files_};
     EventWaiter waiter_;
     BackgroundFiles outputs_{clock_};
+    SystemPrinting printing_;
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;

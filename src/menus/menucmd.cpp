@@ -113,6 +113,43 @@ void ToggleMaximized(const CommandCall& call)
     call.session->SetWindowState(call.session->WindowState() == maximized ? 0 : maximized);
 }
 
+// Until the capture dialogs stand: the text of what comes in, to a file that a dialog asks for.
+void ToggleCapture(const CommandCall& call)
+{
+    const auto session = call.session->shared_from_this(); // the dialog runs the message loop
+    if (session->Emulator().CaptureSource() != 0) {
+        session->Emulator().CaptureEnd();
+        return;
+    }
+    constexpr int received = 1, overwrite = 1, textOnly = 128;
+    constexpr int askBeforeOverwriting = 2;
+    FileDialogRequest request;
+    request.title = u"File Capture"_s;
+    request.folder = session->Settings().Text(Setting("DefaultCaptureDir"));
+    if (request.folder.isEmpty())
+        request.folder = call.application.DefaultCaptureDir();
+    if (request.folder.isEmpty())
+        request.folder = call.application.Layer().folders.DocumentsDir;
+    request.filter = u"All files (*.*)|*.*"_s;
+    request.flags = askBeforeOverwriting;
+    const auto file = call.application.Ask().SaveFile(request);
+    if (!file || session->Terminated())
+        return;
+    session->Emulator().Capture(*file, received, overwrite | textOnly);
+    if (session->Emulator().CaptureSource() == 0)
+        MsgBox(call.application.Ask(), u"The selected file cannot be updated. Please choose a different file."_s,
+               MsgFlag::Exclamation);
+}
+
+void TogglePrinter(const CommandCall& call)
+{
+    ctlEmulator& emulator = call.session->Emulator();
+    if (emulator.PrinterMode() != 0)
+        emulator.PrinterOff();
+    else
+        emulator.PrinterOn();
+}
+
 void ToggleScreenMode(const CommandCall& call)
 {
     if (call.session->Emulator().ScrMode() != 0)
@@ -157,7 +194,7 @@ constexpr std::array kCommands = {
     CommandRow{108, Needs::Nothing, SaveLayoutCommand},
     CommandRow{109, Needs::Nothing, [](const CommandCall& c) { SaveLayoutAs(c.application); }},
     CommandRow{110, Needs::Nothing, [](const CommandCall& c) { c.host.Exit(); }},
-    CommandRow{201, Needs::Session, nullptr, "Printer"},
+    CommandRow{201, Needs::Session, TogglePrinter},
     CommandRow{202, Needs::Session, [](const CommandCall& c) { c.session->Emulator().PrintScreen(); }},
     CommandRow{203, Needs::Nothing, SettingsPage<'P'>},
     CommandRow{303, Needs::Session, [](const CommandCall& c) { c.session->Copy(); }},
@@ -181,7 +218,7 @@ constexpr std::array kCommands = {
     CommandRow{599, Needs::Session, ToggleMaximized},
     CommandRow{601, Needs::Session, nullptr, "File upload"},
     CommandRow{602, Needs::Session, nullptr, "File download"},
-    CommandRow{603, Needs::Session, nullptr, "Capture"},
+    CommandRow{603, Needs::Session, ToggleCapture},
     CommandRow{611, Needs::Session, nullptr, "File upload"},
     CommandRow{612, Needs::Session, nullptr, "File download"},
     CommandRow{704, Needs::Session, nullptr, "Dialer"},

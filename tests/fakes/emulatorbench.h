@@ -10,6 +10,7 @@
 #include <fakes/fakewaiter.h>
 #include <fakes/memorykeyfile.h>
 #include <fakes/memoryoutput.h>
+#include <fakes/memoryprinting.h>
 
 namespace kestrune {
 
@@ -57,7 +58,11 @@ struct EmulatorBench
     MemoryTextFiles texts;
     FakeWaiter waiter{clock};
     MemoryOutputFiles outputs{clock};
-    EmulatorPorts Ports(Questions& asked) { return {lines, clock, files, asked, clipboard, texts, waiter, outputs}; }
+    MemoryPrinting printing{clock};
+    EmulatorPorts Ports(Questions& asked)
+    {
+        return {lines, clock, files, asked, clipboard, texts, waiter, outputs, printing};
+    }
     ctlEmulator control{Ports(ask)};
 };
 

@@ -19,6 +19,7 @@
 #include "fakesystem.h"
 #include "fakewaiter.h"
 #include "memoryoutput.h"
+#include "memoryprinting.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -108,7 +109,7 @@ struct FakeSurroundings
           layer(PathStyle::Native(), files, system, user, machine)
     {}
 
-    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs}; }
+    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs, printing}; }
 
     QTemporaryDir folder;
     FakeSystem system;
@@ -123,6 +124,7 @@ struct FakeSurroundings
     MemoryTextFiles texts;
     FakeWaiter waiter{clock};
     MemoryOutputFiles outputs{clock};
+    MemoryPrinting printing{clock};
     FakeRecorder recorder;
 
 private:

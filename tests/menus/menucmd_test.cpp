@@ -68,9 +68,9 @@ TEST_F(MenuCmdTest, CommandsWithoutTheirSessionDoNothing)
 TEST_F(MenuCmdTest, PiecesThatAreNotThereSaySo)
 {
     const auto session = Open();
-    for (const int id : {601, 603, 704, 711, 804, 2001})
+    for (const int id : {601, 704, 711, 804, 2001})
         Do(u"[#%1]"_s.arg(id), session.get());
-    ASSERT_EQ(bench_.ask.boxes.size(), 6u);
+    ASSERT_EQ(bench_.ask.boxes.size(), 5u);
     for (const MsgBoxRequest& box : bench_.ask.boxes)
         EXPECT_TRUE(box.text.contains(u"has not been implemented at this time."_s)) << box.text.toStdString();
 }
@@ -103,6 +103,33 @@ TEST_F(MenuCmdTest, SessionCommands)
     EXPECT_EQ(application_.Sessions().Count(), 2);
     Do(u"[#104]"_s, session.get());
     EXPECT_EQ(application_.Sessions().Count(), 1);
+}
+
+TEST_F(MenuCmdTest, CaptureAndPrinterAreTurnedOnAndOff)
+{
+    const auto session = Open();
+    const QString file = bench_.Home(u"capture.txt"_s);
+    bench_.ask.files = {std::nullopt, file};
+    Do(u"[#603]"_s, session.get());
+    EXPECT_EQ(session->Emulator().CaptureSource(), 0) << "cancelled";
+    Do(u"[#603]"_s, session.get());
+    EXPECT_EQ(session->Emulator().CaptureFileName(), file);
+    Do(u"[#603]"_s, session.get());
+    EXPECT_EQ(session->Emulator().CaptureSource(), 0);
+    EXPECT_TRUE(bench_.outputs.files.contains(file));
+
+    bench_.outputs.readOnly = true;
+    bench_.ask.files = {file};
+    Do(u"[#603]"_s, session.get());
+    ASSERT_EQ(bench_.ask.boxes.size(), 1u);
+    EXPECT_EQ(bench_.ask.boxes[0].text, u"The selected file cannot be updated. Please choose a different file."_s);
+
+    Do(u"[#201]"_s, session.get());
+    EXPECT_EQ(session->Emulator().PrinterMode(), 1);
+    Do(u"[#201]"_s, session.get());
+    EXPECT_EQ(session->Emulator().PrinterMode(), 0);
+    Do(u"[#202]"_s, session.get());
+    EXPECT_EQ(bench_.printing.jobs.size(), 1u);
 }
 
 TEST_F(MenuCmdTest, BarsAreFlippedAndStored)
@@ -183,10 +210,10 @@ TEST_F(MenuCmdTest, FailuresOfAClickAreToldInTheStatusLineOrAsMissing)
     const auto session = Open();
     taMenuBar bars;
     LoadDefaultMenu(bars);
-    MenuTool print;
-    print.key = 202;
-    print.action = u"[#202]"_s;
-    menu_.ToolClick(bars, {}, print, session.get());
+    MenuTool extended;
+    extended.key = 506;
+    extended.action = u"[#506]"_s;
+    menu_.ToolClick(bars, {}, extended, session.get());
     ASSERT_EQ(bench_.ask.boxes.size(), 1u);
     EXPECT_EQ(bench_.ask.boxes[0].flags, MsgFlag::Information);
 }

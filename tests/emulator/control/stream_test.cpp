@@ -218,6 +218,60 @@ TEST(EmulatorExtension, NothingIsLostThatOnlyLookedLikeACommand)
     EXPECT_EQ(commands.size(), 1);
 }
 
+TEST(EmulatorSink, TheHostsDataGoesToTheOtherScreenAndItsAnswersComeBack)
+{
+    StreamBench bench, other;
+    qint16 byByte = 1, end = 4, untilDetached = 0, none = 0;
+    bench.control.AttachAlternateSink(other.control, byByte, end);
+    EXPECT_EQ(bench.control.AttachState(), 1);
+    EXPECT_EQ(other.control.AttachState(), 2);
+    bench.HostSays("there \x1b[5n");
+    EXPECT_EQ(bench.Host().TakeSent(), "\x1b[0n");
+    EXPECT_EQ(other.Host().TakeSent(), "");
+    bench.HostSays("too\x04here");
+    EXPECT_EQ(other.RowText(0), u"there too"_s);
+    EXPECT_EQ(bench.RowText(0), u"here"_s);
+    EXPECT_EQ(bench.control.AttachState() + other.control.AttachState(), 0);
+
+    bench.control.AttachAlternateSink(other.control, untilDetached, none);
+    EXPECT_EQ(FailureNumber([&] { other.control.AttachAlternateSink(bench.control, untilDetached, none); }),
+              int(ErrorNumber::InvalidCall))
+        << "a ring";
+    bench.HostSays("\x04!");
+    EXPECT_EQ(other.RowText(0), u"there too!"_s);
+    bench.control.DetachAlternateSink();
+    bench.HostSays("!");
+    EXPECT_EQ(bench.RowText(0), u"here!"_s);
+
+    EXPECT_EQ(FailureNumber([&] { bench.control.AttachAlternateSink(bench.control, untilDetached, none); }),
+              int(ErrorNumber::InvalidCall));
+    qint16 wrong = 256;
+    EXPECT_EQ(FailureNumber([&] { bench.control.AttachAlternateSink(other.control, byByte, wrong); }),
+              int(ErrorNumber::InvalidCall));
+}
+
+TEST(EmulatorSink, EitherEndMayGoFirst)
+{
+    StreamBench bench;
+    qint16 mode = 0, code = 0;
+    {
+        StreamBench target;
+        bench.control.AttachAlternateSink(target.control, mode, code);
+        target.control.Shutdown();
+        bench.HostSays("back");
+        EXPECT_EQ(bench.control.AttachState(), 0);
+        bench.control.DetachAlternateSink();
+        StreamBench second;
+        bench.control.AttachAlternateSink(second.control, mode, code);
+    }
+    bench.HostSays(" again");
+    EXPECT_EQ(bench.RowText(0), u"back again"_s);
+    StreamBench target;
+    bench.control.AttachAlternateSink(target.control, mode, code);
+    bench.Host().Drop();
+    EXPECT_EQ(target.control.AttachState(), 0);
+}
+
 // A script may read inside the event that told it of data, and the session may end meanwhile.
 TEST(EmulatorExtension, AHandlerMayWaitAndEndTheSession)
 {

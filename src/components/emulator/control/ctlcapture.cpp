@@ -77,10 +77,4 @@ void ctlEmulator::StopCapture(const QString& why)
     });
 }
 
-void ctlEmulator::Print(std::string_view bytes)
-{
-    if (capture_)
-        capture_->Put(HostCapture::PrinterData, bytes);
-}
-
 } // namespace kestrune

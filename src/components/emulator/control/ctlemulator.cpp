@@ -11,6 +11,7 @@
 #include "resumption.h"
 #include "screentext.h"
 #include "sessionoptions.h"
+#include "slaveprinter.h"
 #include "standingquestion.h"
 
 #include <dispatch/failure.h>
@@ -49,7 +50,7 @@ public:
     void Reply(std::string_view bytes) override
     {
         if (!c_.replaying_)
-            c_.SendBytes(bytes);
+            (c_.source_ ? *c_.source_ : c_).SendBytes(bytes);
     }
     void Bell() override { c_.bell_ = true; }
     void TitleChanged(std::string_view utf8) override
@@ -57,8 +58,8 @@ public:
         c_.hostTitle_ = QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
     }
     void ScreenSizeChanged(emu::Size) override { sizeChanged = true; }
-    void PrinterStateChanged(int state) override { c_.printerState_ = state; }
-    void PrinterData(std::string_view bytes) override { c_.Print(bytes); }
+    void PrinterStateChanged(int state) override { c_.hostPrints_ = state != 0; }
+    void PrinterData(std::string_view bytes) override { c_.HostPrints(bytes); }
     void HistoryAdded(int rows) override
     {
         if (c_.scrollback_ > 0)
@@ -103,6 +104,7 @@ ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
       paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
       stream_(std::make_unique<DataStream>(ports.clock)), extension_(std::make_unique<ExtensionFilter>()),
+      printer_(std::make_unique<SlavePrinter>(ports.printing, ports.clock, TellOutcome())),
       selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>()),
       resumption_(std::make_unique<Resumption>())
 {
@@ -138,8 +140,7 @@ void ctlEmulator::OnSettingChanged(SettingId id)
 {
     static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),       Setting("NoAutoWrap"),
                                        Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"), Setting("BkspSendsDel"),
-                                       Setting("AnswerBack"),    Setting("CursorType"),
-                                       Setting("LockFKeys")};
+                                       Setting("AnswerBack"),    Setting("CursorType"),    Setting("LockFKeys")};
     static constexpr std::array look{Setting("FontName"), Setting("FontSize"), Setting("BoldFont"),
                                      Setting("LegibleFont")};
     const auto isOneOf = [id](const auto& ids) { return std::find(ids.begin(), ids.end(), id) != ids.end(); };
@@ -165,6 +166,8 @@ void ctlEmulator::OnSettingChanged(SettingId id)
     }
     if (isOneOf(look))
         emit LookChanged();
+    if (id == Setting("SlavePrinterName") || id == Setting("PrinterName"))
+        ScheduleEvents();
 }
 
 // --- connection
@@ -273,6 +276,7 @@ void ctlEmulator::LineEnded()
         return;
     if (question_->Withdraw())
         emit QuestionWithdrawn();
+    DetachAlternateSink();
     ShowHostBytes(extension_->TakeHeld());
     extension_->Reset();
     stream_->Cancel();
@@ -301,7 +305,9 @@ void ctlEmulator::Shutdown()
     blockSignals(true);
     resumption_->Stop();
     resumeTimer_.reset();
+    DetachAlternateSink();
     StopCapture({});
+    PrinterClose();
     paste_->Abort(nullptr);
     stream_->Cancel();
     if (line_)
@@ -394,7 +400,10 @@ void ctlEmulator::Received(std::string_view bytes)
     }
     if (extension_->IsOn())
         bytes = changed = WithoutExtensions(bytes);
-    ShowHostBytes(bytes);
+    if (sink_)
+        ToSink(bytes);
+    else
+        ShowHostBytes(bytes);
 }
 
 void ctlEmulator::AfterChange()
@@ -467,8 +476,8 @@ void ctlEmulator::RunEvents()
         TellCursor();
     if (LockKeyboard() != std::exchange(told_.locked, LockKeyboard()))
         emit KeyboardLock(LockKeyboard());
-    if (const auto state = std::exchange(printerState_, std::nullopt))
-        emit PrinterChange(*state);
+    if (PrinterState() != std::exchange(told_.printer, PrinterState()))
+        emit PrinterChange(PrinterState());
     if (const auto title = std::exchange(hostTitle_, std::nullopt))
         emit HostTitleChange(*title);
     if (std::exchange(bell_, false))

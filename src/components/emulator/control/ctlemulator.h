@@ -18,11 +18,13 @@
 #include <ports/clock.h>
 #include <ports/line.h>
 #include <ports/outputfiles.h>
+#include <ports/printing.h>
 #include <ports/questions.h>
 #include <ports/textfiles.h>
 #include <ports/waiter.h>
 
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 #include <optional>
@@ -37,6 +39,7 @@ class HostCapture;
 class HostText;
 class PasteQueue;
 class Resumption;
+class SlavePrinter;
 class StandingQuestion;
 
 struct EmulatorPorts // all must outlive the control
@@ -49,6 +52,7 @@ struct EmulatorPorts // all must outlive the control
     TextFiles& texts;
     Waiter& waiter;
     OutputFiles& outputs;
+    Printing& printing;
 };
 
 enum class ResetMode : int
@@ -168,6 +172,14 @@ public:
     // ends that; an empty terminator is a carriage return.
     void SetExtension(QString& leadIn, QString& terminator);
 
+    // What the host of this control sends goes to the screen of another control, whose answers come back to this
+    // host; target may end at any time. exitMode 0: until DetachAlternateSink, 1: until the host sends the byte
+    // exitCode (0 to 255), which nobody gets. Neither value is changed. The end of this line ends it, too. Raises
+    // Failure for another mode or code, for this control itself, and for one that is part of another pair.
+    void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
+    void DetachAlternateSink();
+    int AttachState() const; // 0: not attached, 1: to another control, 2: another is attached to this one
+
     // --- capture
     // Writes what comes from now on into a file: what the host sends as it is received (source 1), or what would be
     // printed (2). mode 0: a new file only, 1: overwrites, 2: appends, 3: to the clipboard, when the capture ends; 128
@@ -179,6 +191,19 @@ public:
     QString CaptureFileName() const; // empty: none, or to the clipboard
     int CaptureMode() const;
     int CaptureSource() const; // 0: no capture runs
+
+    // --- printing. The host can print by itself; what it prints and what the calls below copy goes, as jobs, to
+    // SlavePrinterName (see PrintJob::printer; "No Printer": nothing is printed). SlavePrintMode 0: text that is laid
+    // out on pages here, 1: bytes for the printer as they come. A job ends when nothing has come for PrinterTimeout
+    // seconds; with 0, by PrinterOff and PrinterClose alone. Where it went, the status line says.
+    int PrinterMode() const { return printerMode_; } // 0 off, 1 copy, 2 transparent
+    void SetPrinterMode(int mode);                   // raises Failure for another number
+    void PrinterOn(int transparent = 0); // prints what the host sends from now on; transparent: and does not show it
+    void PrinterOff();
+    void PrinterClose(); // ends the job that is open; the mode stays
+    // The selection, or the screen, as a job for ScreenPrinterName. ScreenPrintMode 0: the text alone, others: bold and
+    // underlined text as such.
+    void PrintScreen();
 
     // --- selection and clipboard
     void SetSelection(int left = 0, int top = 0, int right = ToEdge, int bottom = ToEdge);
@@ -240,13 +265,6 @@ public:
     int XferBytes() const { return 0; }
     int XferFiles() const { return 0; }
     int XferStatus() const { return 0; }
-    int AttachState() const { return 0; }
-    int PrinterMode() const { return 0; }
-    void SetPrinterMode(int mode);
-    void PrinterOn(int transparent = 0);
-    void PrinterOff();
-    void PrinterClose();
-    void PrintScreen();
     int Upload(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     Variant GetBlock(int left, int top, int right, int bottom, int page = Present);
@@ -256,8 +274,6 @@ public:
     void UnloadImage(const QString& fileName = {});
     void PlayMIDI(const QString& notes);
     void PlayWave(const QString& fileName);
-    void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
-    void DetachAlternateSink() {} // none can be attached
 
     // --- for the view
     const emu::Terminal& Screen() const { return *terminal_; }
@@ -337,10 +353,15 @@ private:
     void TellSize();
     void Received(std::string_view bytes);
     void ShowHostBytes(std::string_view bytes);
+    void ToSink(std::string_view bytes);
     std::string WithoutExtensions(std::string_view bytes);
     void RefuseSecondWait() const; // raises Failure
     void RunStreamEvents();
+    int PrinterState() const;
     void Print(std::string_view bytes);
+    void HostPrints(std::string_view bytes);
+    QString PrintTitle() const;
+    std::function<void(const PrintOutcome&)> TellOutcome();
     void StopCapture(const QString& why); // empty: it was asked for
     void TellUser(const QString& line);   // in the place of the device's status, for a while
     void AfterChange();
@@ -367,6 +388,7 @@ private:
         quint64 bytesIn = 0; // by then
         emu::Size size{0, 0};
         bool locked = false;
+        int printer = 0;
     };
 
     EmulatorPorts ports_;
@@ -379,6 +401,9 @@ private:
     std::unique_ptr<DataStream> stream_;
     std::unique_ptr<ExtensionFilter> extension_;
     std::unique_ptr<HostCapture> capture_; // null: none runs
+    std::unique_ptr<SlavePrinter> printer_;
+    int printerMode_ = 0;
+    bool hostPrints_ = false; // by controller mode or auto print
     std::unique_ptr<HeldSelection> selection_;
     std::unique_ptr<StandingQuestion> question_;
     std::unique_ptr<Resumption> resumption_;
@@ -398,9 +423,11 @@ private:
     std::unique_ptr<Clock::Timer> cursorTimer_;
     bool scheduled_ = false;
     bool bell_ = false;
-    std::optional<int> printerState_;
     std::optional<QString> hostTitle_;
-    QStringList extensions_; // told in the next turn
+    QPointer<ctlEmulator> sink_;   // gets our host's data
+    QPointer<ctlEmulator> source_; // whose host's data we show
+    int sinkExit_ = -1;            // the byte that ends it; below 0: none
+    QStringList extensions_;       // told in the next turn
     bool dataReady_ = false;
     std::unique_ptr<Clock::Timer> leadInTimer_;
     QString deviceStatus_;

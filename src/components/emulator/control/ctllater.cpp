@@ -24,13 +24,10 @@ struct LaterMember
 constexpr std::array kLater{
     LaterMember{"ScrMode", QT_TRANSLATE_NOOP("Later", "extended screen mode")},
     LaterMember{"Dial", QT_TRANSLATE_NOOP("Later", "dialer")},
-    LaterMember{"PrinterMode", QT_TRANSLATE_NOOP("Later", "slave printer")},
-    LaterMember{"PrintScreen", QT_TRANSLATE_NOOP("Later", "screen printing")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
     LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
     LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
     LaterMember{"PlayWave", QT_TRANSLATE_NOOP("Later", "playing of sounds")},
-    LaterMember{"AttachAlternateSink", QT_TRANSLATE_NOOP("Later", "alternate sink")},
 };
 
 consteval const char* FeatureOf(std::string_view member)
@@ -53,11 +50,6 @@ consteval const char* FeatureOf(std::string_view member)
 
 void ctlEmulator::RefuseExtendedScreen() { RaiseNotBuilt(FeatureOf("ScrMode")); }
 void ctlEmulator::Dial(const QString&, int) { RaiseNotBuilt(FeatureOf("Dial")); }
-void ctlEmulator::SetPrinterMode(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterOn(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterOff() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterClose() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrintScreen() { RaiseNotBuilt(FeatureOf("PrintScreen")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 Variant ctlEmulator::GetBlock(int, int, int, int, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
@@ -66,9 +58,5 @@ void ctlEmulator::LoadImage(const QString&, int, int, int, int, bool, int) { Rai
 void ctlEmulator::UnloadImage(const QString&) { RaiseNotBuilt(FeatureOf("LoadImage")); }
 void ctlEmulator::PlayMIDI(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
 void ctlEmulator::PlayWave(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
-void ctlEmulator::AttachAlternateSink(ctlEmulator&, qint16&, qint16&)
-{
-    RaiseNotBuilt(FeatureOf("AttachAlternateSink"));
-}
 
 } // namespace kestrune

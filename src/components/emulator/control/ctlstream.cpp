@@ -112,12 +112,54 @@ void ctlEmulator::ShowHostBytes(std::string_view bytes)
     if (bytes.empty() || shutDown_)
         return;
     const QString text = recordingText_ || stream_->Listens() ? hostText_->Decode(bytes) : QString();
-    if (!stream_->HidesFromScreen())
+    if (printerMode_ != 0)
+        Print(bytes);
+    if (!stream_->HidesFromScreen() && printerMode_ != 2)
         terminal_->Receive(bytes);
     if (recordingText_)
         emit RecordText(text);
     dataReady_ = stream_->Arrived(text) || dataReady_;
     AfterChange();
+}
+
+// --- data for another control
+
+int ctlEmulator::AttachState() const { return sink_ ? 1 : source_ ? 2 : 0; }
+
+void ctlEmulator::AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode)
+{
+    constexpr int byEnd = 0, byByte = 1, largestByte = 255;
+    if (exitMode != byEnd && exitMode != byByte)
+        RefuseCall(tr("There is no way %1 of ending an attachment.").arg(exitMode));
+    if (exitMode == byByte && (exitCode < 0 || exitCode > largestByte))
+        RefuseCall(tr("The host cannot send a byte %1.").arg(exitCode));
+    // Pairs only: a ring would never end.
+    if (&target == this || target.shutDown_ || target.AttachState() != 0 || source_)
+        RefuseCall(tr("The host's data cannot go to that session."));
+    DetachAlternateSink();
+    sink_ = &target;
+    target.source_ = this;
+    sinkExit_ = exitMode == byByte ? exitCode : -1;
+}
+
+void ctlEmulator::DetachAlternateSink()
+{
+    if (sink_)
+        sink_->source_.clear();
+    if (source_)
+        source_->sink_.clear();
+    sink_.clear();
+    source_.clear();
+}
+
+void ctlEmulator::ToSink(std::string_view bytes)
+{
+    const size_t end = sinkExit_ < 0 ? std::string_view::npos : bytes.find(char(sinkExit_));
+    sink_->ShowHostBytes(bytes.substr(0, end));
+    if (end == std::string_view::npos)
+        return;
+    DetachAlternateSink();
+    ShowHostBytes(bytes.substr(end + 1));
 }
 
 // The last events of a turn: a script that handles one may wait for the host, and end the session meanwhile.
