@@ -27,8 +27,10 @@
 #include <textfile/textfiles.h>
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QRandomGenerator>
 #include <QScreen>
+#include <QUrl>
 
 #include <bit>
 #include <cstdio>
@@ -99,6 +101,7 @@ public:
           printing_(clock_, layer_.folders.DocumentsDir), splash_(SplashChoice()),
           wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
+          commandPieces_(ask_, [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); }),
           main_({layer_, ask_, wizard_, welcome_, settingsDialog_, migration_, running_, splash_, KeepToOneProcessor,
                  [] { return QGuiApplication::primaryScreen()->depth(); },
                  [] {}, // nothing can be asked for the class until other programs can reach it
@@ -134,7 +137,9 @@ private:
     {
         Kestrune::Parts parts{layer_, clock_, ask_, recorder_, running_, {}, {}, {}, {}, {}, {}};
         parts.makeFrame = [this](Kestrune& application) { return MakeFrame(application); };
-        parts.makeCommands = [&host](Kestrune& application) { return std::make_unique<MenuCmd>(application, host); };
+        parts.makeCommands = [this, &host](Kestrune& application) {
+            return std::make_unique<MenuCmd>(application, host, commandPieces_);
+        };
         parts.makeScriptEngine = [this](Kestrune&) {
             return std::make_unique<MissingScriptEngine>([this](const QString& line) { main_.ShowNotice(line); });
         };
@@ -196,6 +201,7 @@ private:
     MissingWizard wizard_;
     MissingWelcome welcome_;
     MissingSettingsDialog settingsDialog_;
+    MissingCommandPieces commandPieces_;
     MissingMigration migration_;
     MissingSingleInstance running_;
     Ormain main_;

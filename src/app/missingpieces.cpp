@@ -52,6 +52,31 @@ bool MissingSettingsDialog::ShowSettingsDialog(clsSession*, const QString&, cons
     return false;
 }
 
+void MissingCommandPieces::ShowUpload(clsSession&) { NotImplemented(ask_, u"File upload"_s); }
+void MissingCommandPieces::ShowDownload(clsSession&) { NotImplemented(ask_, u"File download"_s); }
+void MissingCommandPieces::ShowCaptureStart(clsSession&) { NotImplemented(ask_, u"Capture"_s); }
+void MissingCommandPieces::ShowCaptureStop(clsSession&) { NotImplemented(ask_, u"Capture"_s); }
+void MissingCommandPieces::StartMacroRecorder() { NotImplemented(ask_, u"Macro recorder"_s); }
+void MissingCommandPieces::OpenScriptEditor(const QString&, const QString&)
+{
+    NotImplemented(ask_, u"Script editor"_s);
+}
+void MissingCommandPieces::RunMacro(const QString&, clsSession*) { NotImplemented(ask_, u"Macro player"_s); }
+void MissingCommandPieces::InvokeMVService(int, const QString&) { NotImplemented(ask_, u"MultiValue host tools"_s); }
+void MissingCommandPieces::ShowHelp(HelpPage) { NotImplemented(ask_, u"Help viewer"_s); }
+
+DialResult MissingCommandPieces::ShowDial(clsSession&, QString&)
+{
+    NotImplemented(ask_, u"Dialer"_s);
+    return DialResult::Cancelled;
+}
+
+bool MissingCommandPieces::ShowMenuDesigner(clsSession*)
+{
+    NotImplemented(ask_, u"Menu designer"_s);
+    return false;
+}
+
 bool MissingMigration::MigrateSettings(int mask)
 {
     if (mask == 0)

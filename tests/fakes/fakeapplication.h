@@ -92,10 +92,19 @@ public:
     void SessionActivated(clsSession& session) override { log.push_back(QStringLiteral("activated ") + session.Id()); }
     void RecordText(clsSession&, const QString& text) override { log.push_back(QStringLiteral("text ") + text); }
     void RecordKey(clsSession&, const QString& text, int) override { log.push_back(QStringLiteral("key ") + text); }
+    void CommandRan(const CommandRecord& record) override
+    {
+        commands.push_back(QStringLiteral("%1 %2 %3 %4")
+                               .arg(record.id)
+                               .arg(record.session != nullptr ? record.session->Id() : QStringLiteral("-"),
+                                    QFileInfo(record.text).fileName())
+                               .arg(record.value));
+    }
     QStringList TakeLog() { return std::exchange(log, {}); }
 
     bool recording = false;
     QStringList log;
+    QStringList commands;
 };
 
 // Where a shell stands in a test: settings in a folder of its own, and in place of people, hosts, clock, clipboard and
