@@ -95,7 +95,7 @@ private:
         const int blue = pixel[0];
         const int green = pixel[1];
         const int red = pixel[2];
-        if (red > green + 40 && blue > green + 40)
+        if (red > green + 20 && blue > green + 20)
             return Paint::Magenta;
         return green > red + 40 && green > blue + 40 ? Paint::Green : Paint::Other;
     }
