@@ -92,7 +92,11 @@ public:
     virtual void HighBytes(std::span<const uint8_t> run) = 0; // 8-bit encodings: from 0x80 or 0xA0
     virtual void Points(std::span<const char32_t> run) = 0;   // UTF-8, from U+00A0
     virtual void Execute(uint8_t control) = 0;                // C0
-    virtual void LineEnd() = 0;                               // CR and LF, one right after the other
+    virtual void LineEnd()                                    // CR and LF, one right after the other
+    {
+        Execute('\r');
+        Execute('\n');
+    }
     virtual void Aborted(uint8_t by) = 0;                     // CAN or SUB inside a sequence
     virtual void Escape(char intermediate, char final) = 0;   // C1 controls come in this form too
     virtual void Control(const ControlSequence& sequence) = 0;

@@ -34,7 +34,6 @@ public:
         if (control == '\t' || control == '\n' || control == '\f' || control == '\r')
             text += char(control);
     }
-    void LineEnd() override { text += "\r\n"; }
     void Aborted(uint8_t) override {}
     void Escape(char, char) override {}
     void Control(const ControlSequence&) override {}
