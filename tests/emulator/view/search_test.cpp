@@ -102,6 +102,21 @@ TEST(Search, FollowsTheScreenWhileTheHostWrites)
     EXPECT_LE(search.Count(), 10);
 }
 
+TEST(Search, ALineWithoutEndIsSearchedInPiecesThatAgree)
+{
+    EmulatorBench bench(EmulatorBench::Vt220, 20, 4);
+    std::string text;
+    constexpr int count = 1700;
+    for (int i = 0; i < count; ++i)
+        text += "needle ";
+    bench.Connect().HostSays(text);
+    TextSearch search(bench.control.Screen());
+    search.Start({u"needle"_s});
+    while (search.Step(1)) {
+    }
+    EXPECT_EQ(search.Count(), count);
+}
+
 TEST(Search, BadAndHostileExpressionsEnd)
 {
     EmulatorBench bench(EmulatorBench::Vt220, 200, 4);
@@ -144,6 +159,7 @@ TEST(Search, TheBarFindsMarksAndGivesTheKeysBack)
     QTest::keyClick(text, Qt::Key_Escape);
     EXPECT_FALSE(text->isVisible());
     EXPECT_TRUE(bench.view.hasFocus());
+    bench.view.Find(); // the view goes with the bar open
 }
 
 // --- links

@@ -110,7 +110,7 @@ inline constexpr auto SettingsTable = [] {
         B("MouseEnable", true),
         I("ProtectAttr", 16, 0, 63),
         I("CursorType", 0, 0, 5), // block, underline, bar: 0, 2, 4 blinking, 1, 3, 5 steady
-        I("ScrMode", 0, 0, 1), // 0 normal, 1 extended
+        I("ScrMode", 0, 0, 1),    // 0 normal, 1 extended
         I("HistoryRows", 0, 0, 32767),
         T("PrinterName"),
         I("PrinterTimeout", 5),

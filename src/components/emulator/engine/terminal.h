@@ -72,7 +72,7 @@ struct TerminalOptions
     bool lockFunctionKeys = false; // the host may not define what they send (DECUDK)
     BackspaceKey backspace = BackspaceKey::AsType;
     CursorShape cursor = CursorShape::BlinkBlock; // until the host asks for another
-    std::string answerBack; // bytes sent for ENQ, at most 255
+    std::string answerBack;                       // bytes sent for ENQ, at most 255
 };
 
 enum class LineSize : uint8_t
@@ -100,7 +100,7 @@ enum class MouseReport : uint8_t
     Click,
     Drag,
     Motion
-}; // X10/normal, button motion, any motion
+};               // X10/normal, button motion, any motion
 struct ModesView // what drawing and input need to know
 {
     bool applicationCursor = false;

@@ -28,7 +28,7 @@ QRgb Towards(QRgb from, QRgb to, int step)
 
 double ContrastOf(QRgb a, QRgb b)
 {
-    const auto [dark, light] = std::minmax(Luminance(a), Luminance(b));
+    const auto [dark, light] = std::minmax({Luminance(a), Luminance(b)}); // values: of two it gives references
     return (light + 0.05) / (dark + 0.05);
 }
 

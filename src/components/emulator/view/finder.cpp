@@ -83,6 +83,7 @@ void Finder::ScreenShown()
 
 void Finder::Go(bool older)
 {
+    chosen_ = true;
     wentRound_ = older ? search_.MoveToOlder() : search_.MoveToNewer();
     Reveal();
     ShowState();

@@ -64,11 +64,15 @@ bool TextSearch::StepOlder(int& lines)
 {
     const int64_t oldest = Base() - screen_.HistoryCount();
     for (; lines > 0 && olderNext_ > oldest && !IsFull(); --lines) {
-        SearchLine(int(olderNext_ - 1 - Base()), found_);
+        const int64_t row = olderNext_ - 1;
+        SearchLine(int(row - Base()), found_);
         olderNext_ = Base() + line_.top;
-        // A line that goes on below the place belongs to the other side.
-        if (Base() + line_.bottom < start_)
-            older_.insert(older_.end(), found_.rbegin(), found_.rend());
+        if (Base() + line_.bottom >= start_)
+            continue; // a line that goes on below the place belongs to the other side
+        // What stands below the row, in a line that is read in several pieces, has been found already.
+        for (auto hit = found_.rbegin(); hit != found_.rend(); ++hit)
+            if (hit->row <= row && (older_.empty() || hit->EndsBefore(older_.back())))
+                older_.push_back(*hit);
     }
     return olderNext_ > oldest && !IsFull();
 }
@@ -89,7 +93,7 @@ bool TextSearch::StepNewer(int& lines)
     while (row < end && !IsFull() && (lines > 0 || row >= top)) { // the screen is always looked at whole
         SearchLine(int(row - top), found_);
         for (const Hit& hit : found_)
-            if (newer_.empty() || newer_.back() < hit)
+            if (newer_.empty() || newer_.back().EndsBefore(hit))
                 newer_.push_back(hit);
         row = top + line_.bottom + 1;
         if (row <= top)

@@ -10,6 +10,7 @@
 
 #include <deque>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace kestrune {
@@ -36,6 +37,10 @@ public:
         int64_t lastRow = 0;
         int lastColumn = 0; // belongs to the hit
         auto operator<=>(const Hit&) const = default;
+        bool EndsBefore(const Hit& other) const
+        {
+            return std::pair(lastRow, lastColumn) < std::pair(other.row, other.column);
+        }
     };
     struct Span // columns of one row, first to one past the last
     {
