@@ -39,6 +39,7 @@ const Case kReports[] = {
     {"DSR", Vt100, "", "\x1b[5n", "", {0, 0}, "\x1b[0n"},
     {"printer", Vt220, "", "\x1b[?15n", "", {0, 0}, "\x1b[?13n"},
     {"no locator", Vt320, "", "\x1b[?55n", "", {0, 0}, "\x1b[?50n"},
+    {"DECRQDE", Vt420, "", "\x1b[\"v", "", {0, 0}, "\x1b[5;10;1;1;1\"w"},
     {"DA3", Vt420, "", "\x1b[=c", "", {0, 0}, "\x1bP!|00000000\x1b\\"},
 };
 
@@ -52,6 +53,18 @@ TEST(Conformance, Reports)
                      std::string_view(test.name).find("DECRQM") == std::string_view::npos)
                 ExpectLacks(test, model, {}); // those two answer that they do not know it
         }
+}
+
+TEST(Conformance, ColumnsChangeWithoutClearing)
+{
+    Bench bench(4, 80, Type::Vt320);
+    bench.HostSays("text\x1b[2;3H\x1b[132$|");
+    EXPECT_EQ(bench.terminal.ScreenSize(), (Size{132, 4}));
+    EXPECT_EQ(bench.Rows(), "text");
+    EXPECT_EQ(bench.HostSays("\x1b[?3$p\x1b[6n\x1b[$|").Replies(), "\x1b[?3;1$y\x1b[2;3R");
+    EXPECT_EQ(bench.terminal.ScreenSize(), (Size{80, 4}));
+    EXPECT_EQ(bench.HostSays("\x1b[40$|").terminal.ScreenSize(), (Size{80, 4}));
+    EXPECT_EQ(Bench(4, 80, Type::Vt220).HostSays("\x1b[132$|").terminal.ScreenSize(), (Size{80, 4}));
 }
 
 // What a state report says, given back, brings the same state.

@@ -217,6 +217,18 @@ void TertiaryAttributes(Machine& m, const ControlSequence& s)
         m.ReplyDcs(m.Type().tertiaryAttributes);
 }
 
+void ColumnsPerPage(Machine& m, const ControlSequence& s)
+{
+    if (const int columns = s.params.At(0); columns == 0 || columns == 80 || columns == 132)
+        m.FitColumns(columns == 132);
+}
+
+void DisplayedExtent(Machine& m, const ControlSequence&) // all of the one page
+{
+    const Size size = m.Display().Extent();
+    m.ReplyControl(std::to_string(size.rows) + ';' + std::to_string(size.cols) + ";1;1;1\"w");
+}
+
 using Seq = const ControlSequence&;
 
 constexpr ControlRow kControls[] = {
@@ -297,6 +309,8 @@ constexpr ControlRow kControls[] = {
     {"$t", "DECRARA", Vt420, areas::ReverseAttributes},
     {"*x", "DECSACE", Vt420, areas::SelectExtent},
     {"*y", "DECRQCRA", Vt420, areas::Checksum},
+    {"$|", "DECSCPP", Vt320, ColumnsPerPage},
+    {"\"v", "DECRQDE", Vt420, DisplayedExtent},
     {"*z", "DECINVM", Vt420, [](Machine& m, Seq s) { m.InvokeMacro(s.params.At(0)); }},
     {"$w", "DECRQPSR", Vt320, presentation::Report},
     {"&u", "DECRQUPSS", Vt320, presentation::ReportPreferredSet},

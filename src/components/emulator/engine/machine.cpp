@@ -260,13 +260,19 @@ void Machine::SetMode(const ModeRow& row, bool on)
         row.changed(*this, on);
 }
 
-void Machine::SetColumns132(bool on)
+void Machine::FitColumns(bool to132)
 {
-    const int cols = on ? 132 : normalCols_;
+    modes_.Set(Mode::Columns132, to132);
+    const int cols = to132 ? 132 : normalCols_;
     if (cols != screen_.Extent().cols) {
         screen_.Resize({cols, screen_.Extent().rows});
         listener_.ScreenSizeChanged(screen_.Extent());
     }
+}
+
+void Machine::SetColumns132(bool on)
+{
+    FitColumns(on);
     modes_.Set(Mode::SideMargins, false);
     screen_.ResetMargins();
     screen_.ClearPage();

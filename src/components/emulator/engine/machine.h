@@ -94,6 +94,7 @@ public:
     CursorShape Shape() const { return cursorShape_; }
     void UpdateRules(); // after a change of type, level, charset or VT52 mode
     void SetColumns132(bool on);
+    void FitColumns(bool to132); // DECSCPP: the same with nothing cleared
     void SwitchAlternate(bool on, Mode how);
     void ReportStatus(const ControlSequence& sequence);
     void ReportMode(const ControlSequence& sequence);

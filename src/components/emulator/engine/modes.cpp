@@ -83,7 +83,7 @@ consteval bool EachClaimedOnce()
 static_assert(EachClaimedOnce(), "two modes claim one number");
 
 // EK-VT320-RM, DECRQM: known by number, permanently reset.
-constexpr int kResetForGood[] = {1, 5, 7, 10, 11, 13, 14, 15, 16, 17, 18, 19};
+constexpr int kResetForGood[] = {1, 3, 5, 7, 10, 11, 13, 14, 15, 16, 17, 18, 19};
 constexpr int kPrivateResetForGood[] = {60};
 
 } // namespace
