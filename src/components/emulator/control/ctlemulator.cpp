@@ -5,6 +5,7 @@
 #include "latintext.h"
 #include "pasteadvice.h"
 #include "pastequeue.h"
+#include "replybudget.h"
 #include "screentext.h"
 #include "sessionoptions.h"
 
@@ -25,6 +26,7 @@ namespace {
 constexpr int kBreakMilliseconds = 300; // longer than any character at 300 bits a second
 constexpr quint64 kFloodBytes = 4096;   // between two turns: more than anybody reads
 constexpr auto kCursorPause = std::chrono::milliseconds(50);
+constexpr auto kTitlePause = std::chrono::milliseconds(50); // a title that changes faster cannot be read
 const QString kSource = u"ctlEmulator"_s;
 
 qint32 Clipped(quint64 count) { return qint32(std::min<quint64>(count, std::numeric_limits<qint32>::max())); }
@@ -41,7 +43,11 @@ public:
     explicit Listener(ctlEmulator& control) : c_(control) {}
 
     // --- the engine
-    void Reply(std::string_view bytes) override { c_.SendBytes(bytes); }
+    void Reply(std::string_view bytes) override
+    {
+        if (c_.line_ && budget_.Take(bytes.size(), size_t(c_.line_->Unsent()), c_.ports_.clock.Now()))
+            c_.SendBytes(bytes);
+    }
     void Bell() override { c_.bell_ = true; }
     void TitleChanged(std::string_view utf8) override
     {
@@ -80,6 +86,7 @@ public:
 
 private:
     ctlEmulator& c_;
+    ReplyBudget budget_;
 };
 
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
@@ -367,6 +374,17 @@ void ctlEmulator::TellCursor()
     emit CursorMove(told_.cursor.col, told_.cursor.row, Page());
 }
 
+void ctlEmulator::TellTitle()
+{
+    const Clock::Duration now = ports_.clock.Now();
+    if (told_.titleAt && now < *told_.titleAt + kTitlePause) {
+        titleTimer_ = ports_.clock.After(*told_.titleAt + kTitlePause - now, [this] { ScheduleEvents(); });
+        return;
+    }
+    told_.titleAt = now;
+    emit HostTitleChange(*std::exchange(hostTitle_, std::nullopt));
+}
+
 // A handler may end the session, but the control outlives this call.
 void ctlEmulator::RunEvents()
 {
@@ -379,8 +397,8 @@ void ctlEmulator::RunEvents()
         emit KeyboardLock(LockKeyboard());
     if (const auto state = std::exchange(printerState_, std::nullopt))
         emit PrinterChange(*state);
-    if (const auto title = std::exchange(hostTitle_, std::nullopt))
-        emit HostTitleChange(*title);
+    if (hostTitle_)
+        TellTitle();
     if (std::exchange(bell_, false))
         emit Bell();
 }
