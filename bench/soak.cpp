@@ -23,6 +23,7 @@ using namespace kestrune::emu;
 
 constexpr double kDay = 100e3 * 24 * 3600;
 constexpr size_t kStreamBytes = 4u << 20;
+constexpr size_t kHostileBytes = 128u << 10; // a few of them cost more a byte
 constexpr size_t kPiece = 64u << 10;
 constexpr int kLooks = 24;
 
@@ -54,9 +55,10 @@ int main(int count, char** arguments)
 {
     const double total = count > 1 ? std::strtod(arguments[1], nullptr) * 1e9 : kDay;
     std::vector<std::string> streams;
-    for (const auto& names : {bench::StreamNames(), bench::HostileNames()})
-        for (const std::string_view name : names)
-            streams.push_back(bench::Stream(name, kStreamBytes));
+    for (const std::string_view name : bench::StreamNames())
+        streams.push_back(bench::Stream(name, kStreamBytes));
+    for (const std::string_view name : bench::HostileNames())
+        streams.push_back(bench::Stream(name, kHostileBytes));
 
     TerminalOptions options;
     options.historyRows = 10'000;

@@ -223,6 +223,14 @@ TEST(EmulatorScreen, EventsComeOnceATurn)
     EXPECT_LE(taken().size(), 1);
     bench.clock.Advance(std::chrono::seconds(1));
     EXPECT_EQ(taken(), QStringList{u"cursor 9,39,0"_s}) << "the last place is told in the end";
+    QStringList told;
+    for (int i = 0; i < 10; ++i) {
+        bench.Host().HostSays(std::string("\x1b]0;") + char('0' + i) + "\a");
+        told += taken();
+    }
+    EXPECT_EQ(told, QStringList{u"title 0"_s});
+    bench.clock.Advance(std::chrono::seconds(1));
+    EXPECT_EQ(taken(), QStringList{u"title 9"_s});
 }
 
 TEST(EmulatorScreen, SettingsTakeEffectLive)

@@ -8,6 +8,7 @@
 #include "latintext.h"
 #include "pasteadvice.h"
 #include "pastequeue.h"
+#include "replybudget.h"
 #include "resumption.h"
 #include "screentext.h"
 #include "sessionoptions.h"
@@ -31,6 +32,7 @@ namespace {
 constexpr int kBreakMilliseconds = 300; // longer than any character at 300 bits a second
 constexpr quint64 kFloodBytes = 4096;   // between two turns: more than anybody reads
 constexpr auto kCursorPause = std::chrono::milliseconds(50);
+constexpr auto kTitlePause = std::chrono::milliseconds(50); // a title that changes faster cannot be read
 const QString kSource = u"ctlEmulator"_s;
 
 qint32 Clipped(quint64 count) { return qint32(std::min<quint64>(count, std::numeric_limits<qint32>::max())); }
@@ -49,8 +51,11 @@ public:
     // --- the engine
     void Reply(std::string_view bytes) override
     {
-        if (!c_.replaying_)
-            (c_.source_ ? *c_.source_ : c_).SendBytes(bytes);
+        if (c_.replaying_)
+            return;
+        ctlEmulator& to = c_.source_ ? *c_.source_ : c_;
+        if (to.line_ && budget_.Take(bytes.size(), size_t(to.line_->Unsent()), c_.ports_.clock.Now()))
+            to.SendBytes(bytes);
     }
     void Bell() override { c_.bell_ = true; }
     void TitleChanged(std::string_view utf8) override
@@ -98,6 +103,7 @@ public:
 
 private:
     ctlEmulator& c_;
+    ReplyBudget budget_;
 };
 
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
@@ -466,6 +472,17 @@ void ctlEmulator::TellCursor()
     emit CursorMove(told_.cursor.col, told_.cursor.row, Page());
 }
 
+void ctlEmulator::TellTitle()
+{
+    const Clock::Duration now = ports_.clock.Now();
+    if (told_.titleAt && now < *told_.titleAt + kTitlePause) {
+        titleTimer_ = ports_.clock.After(*told_.titleAt + kTitlePause - now, [this] { ScheduleEvents(); });
+        return;
+    }
+    told_.titleAt = now;
+    emit HostTitleChange(*std::exchange(hostTitle_, std::nullopt));
+}
+
 // A handler may end the session, but the control outlives this call.
 void ctlEmulator::RunEvents()
 {
@@ -478,8 +495,8 @@ void ctlEmulator::RunEvents()
         emit KeyboardLock(LockKeyboard());
     if (PrinterState() != std::exchange(told_.printer, PrinterState()))
         emit PrinterChange(PrinterState());
-    if (const auto title = std::exchange(hostTitle_, std::nullopt))
-        emit HostTitleChange(*title);
+    if (hostTitle_)
+        TellTitle();
     if (std::exchange(bell_, false))
         emit Bell();
     RunStreamEvents();

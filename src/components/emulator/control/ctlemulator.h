@@ -377,6 +377,7 @@ private:
     void ScheduleEvents();
     void RunEvents();
     void TellCursor();
+    void TellTitle();
     SelectionArea Resolve(int left, int top, int right, int bottom) const;
     emu::Style StyleFor(int color) const;
 
@@ -385,6 +386,7 @@ private:
     {
         emu::Position cursor{-1, -1};
         Clock::Duration cursorAt{0};
+        std::optional<Clock::Duration> titleAt;
         quint64 bytesIn = 0; // by then
         emu::Size size{0, 0};
         bool locked = false;
@@ -421,6 +423,7 @@ private:
     int scrollback_ = 0; // rows that the view is back from the newest
     Told told_;
     std::unique_ptr<Clock::Timer> cursorTimer_;
+    std::unique_ptr<Clock::Timer> titleTimer_;
     bool scheduled_ = false;
     bool bell_ = false;
     std::optional<QString> hostTitle_;
