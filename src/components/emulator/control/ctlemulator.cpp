@@ -109,7 +109,7 @@ ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     ScheduleEvents();
 }
 
-ctlEmulator::~ctlEmulator() = default;
+ctlEmulator::~ctlEmulator() { stream_->Cancel(); } // whoever waits in a call would wait for ever
 
 EmulatorSettings& ctlEmulator::Settings(bool) { return settings_; }
 const EmulatorSettings& ctlEmulator::Settings() const { return settings_; }
