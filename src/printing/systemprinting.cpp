@@ -163,25 +163,41 @@ SystemPrinting::SystemPrinting(Clock& clock, QString documents) : clock_(clock),
 
 SystemPrinting::~SystemPrinting()
 {
-    for (std::thread& thread : running_)
-        thread.join();
+    {
+        const std::scoped_lock lock(mutex_);
+        ending_ = true;
+    }
+    wake_.notify_one();
+    if (worker_.joinable())
+        worker_.join();
 }
 
 void SystemPrinting::Print(PrintJob job, std::function<void(const PrintOutcome&)> done)
 {
-    const auto place = running_.emplace(running_.end());
-    *place = std::thread([this, place, alive = std::weak_ptr(alive_), job = std::move(job), done = std::move(done),
-                          documents = documents_] {
-        GiveBackProcessors();
-        const PrintOutcome outcome = Carry(job, documents);
-        clock_.Post([this, alive, place, outcome, done] {
-            if (alive.expired())
-                return;
-            place->join();
-            running_.erase(place);
-            done(outcome);
-        });
-    });
+    {
+        const std::scoped_lock lock(mutex_);
+        waiting_.push_back({std::move(job), std::move(done)});
+    }
+    wake_.notify_one();
+    if (!worker_.joinable())
+        worker_ = std::thread([this] { Work(); });
+}
+
+void SystemPrinting::Work()
+{
+    GiveBackProcessors();
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        wake_.wait(lock, [this] { return ending_ || !waiting_.empty(); });
+        if (waiting_.empty())
+            return;
+        const Job next = std::move(waiting_.front());
+        waiting_.pop_front();
+        lock.unlock();
+        const PrintOutcome outcome = Carry(next.job, documents_);
+        clock_.Post([outcome, done = next.done] { done(outcome); });
+        lock.lock();
+    }
 }
 
 } // namespace kestrune

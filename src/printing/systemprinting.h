@@ -1,13 +1,14 @@
 #pragma once
 
-// Printing over the system's print service, or into files where there is none. Each job is made by a thread of its
-// own; jobs still on their way when this goes are finished first.
+// Printing over the system's print service, or into files where there is none. Jobs are made by a thread of
+// their own, one after the other; those on their way when this goes are finished first.
 
 #include <ports/clock.h>
 #include <ports/printing.h>
 
-#include <list>
-#include <memory>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
 #include <thread>
 
 namespace kestrune {
@@ -24,10 +25,20 @@ public:
     void Print(PrintJob job, std::function<void(const PrintOutcome&)> done) override;
 
 private:
+    struct Job
+    {
+        PrintJob job;
+        std::function<void(const PrintOutcome&)> done;
+    };
+    void Work();
+
     Clock& clock_;
-    QString documents_;
-    std::list<std::thread> running_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true); // for what is posted and comes too late
+    const QString documents_;
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    std::deque<Job> waiting_;
+    bool ending_ = false;
+    std::thread worker_; // from the first job on
 };
 
 } // namespace kestrune

@@ -123,7 +123,7 @@ ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     ScheduleEvents();
 }
 
-ctlEmulator::~ctlEmulator() = default;
+ctlEmulator::~ctlEmulator() { stream_->Cancel(); } // whoever waits in a call would wait for ever
 
 std::unique_ptr<emu::Terminal> ctlEmulator::NewScreen()
 {

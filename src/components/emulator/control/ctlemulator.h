@@ -261,7 +261,7 @@ public:
     void MouseTableAdd(int button, const QString& pattern, const QString& rClick, const QString& rDblClk);
     const std::vector<MousePattern>& MouseTable() const { return mouseTable_; }
 
-    // --- transfers, capture, printing, pictures, sounds, data stream: states are idle, operations are refused
+    // --- transfers, pictures, sounds: states are idle, operations are refused
     int XferBytes() const { return 0; }
     int XferFiles() const { return 0; }
     int XferStatus() const { return 0; }
