@@ -71,8 +71,10 @@ public:
         : currentUser_(CurrentUserHive(files_, system_)), localMachine_(LocalMachineHive(files_, system_)),
           layer_(PathStyle::Native(), files_, system_, *currentUser_, *localMachine_),
           ask_(!startedByPlatform, [this] { return MainWidget(); }),
-          lines_(clock_, layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {},
-                                                         InstallationIniFile(layer_.folders))),
+          lines_(
+              clock_,
+              layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {}, InstallationIniFile(layer_.folders)),
+              system_.ConfigFolder()),
           splash_(SplashChoice()), wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
           main_({layer_, ask_, wizard_, welcome_, settingsDialog_, migration_, running_, splash_, KeepToOneProcessor,

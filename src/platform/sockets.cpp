@@ -6,6 +6,7 @@
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,6 +23,18 @@ bool SetTcpKeepalive(qintptr socket, int seconds)
     if (!set(SOL_SOCKET, SO_KEEPALIVE, on))
         return false;
     return !on || (set(IPPROTO_TCP, TCP_KEEPIDLE, seconds) && set(IPPROTO_TCP, TCP_KEEPINTVL, seconds));
+}
+
+void KeepUrgentInline(qintptr socket)
+{
+    const int on = 1;
+    ::setsockopt(static_cast<int>(socket), SOL_SOCKET, SO_OOBINLINE, &on, sizeof on);
+}
+
+bool HasUrgentAhead(qintptr socket)
+{
+    pollfd ask{.fd = static_cast<int>(socket), .events = POLLPRI, .revents = 0};
+    return ::poll(&ask, 1, 0) == 1 && (ask.revents & POLLPRI) != 0;
 }
 
 int DuplicateSocket(qintptr socket) { return ::fcntl(static_cast<int>(socket), F_DUPFD_CLOEXEC, 0); }

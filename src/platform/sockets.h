@@ -12,6 +12,13 @@ namespace kestrune {
 // 0 switches it off. False: the system refused.
 bool SetTcpKeepalive(qintptr socket, int seconds);
 
+// Urgent bytes (RFC 9293, 3.8.5) stay where they were sent in the stream, instead of vanishing from it: a telnet
+// host sends the second half of a command so.
+void KeepUrgentInline(qintptr socket);
+
+// An urgent byte has been announced that has not been read yet.
+bool HasUrgentAhead(qintptr socket);
+
 // A second descriptor of the same socket, not inherited by programs; -1: the system has none left.
 int DuplicateSocket(qintptr socket);
 

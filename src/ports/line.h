@@ -57,6 +57,15 @@ enum class HostKeyValidation : qint32
     None = 3,      // every key is good: for laboratories
 };
 
+// What is done about a host's certificate that is not in order, as HostCertificateValidation stands in session files.
+enum class CertificateValidation : qint32
+{
+    Ask = 0,
+    Strict = 1,    // it ends the connection
+    AcceptNew = 2, // one that nobody known has signed is remembered without a question; about all else it is asked
+    None = 3,      // every certificate is good: for laboratories
+};
+
 // A copy of what the settings say at the moment of connecting. Each device reads its own part.
 struct LineOptions
 {
@@ -73,6 +82,15 @@ struct LineOptions
     bool utf8 = false;            // local program: its tty erases whole UTF-8 characters
     char eraseCharacter = '\x7f'; // local program: what the Backspace key sends, for the tty's erase character
 
+    // What network devices connect through. Its password is asked for, never kept with the session.
+    struct Proxy
+    {
+        int kind = 0; // 0 none, 1 SOCKS5, 2 HTTP CONNECT
+        QString host;
+        QString port; // number or service name
+        QString user; // empty: a proxy that wants to know is told by the user
+    } proxy;
+
     struct Telnet
     {
         bool binary = false;         // ask for BINARY in both directions
@@ -81,6 +99,13 @@ struct LineOptions
         bool alternateBreak = false; // a break is IAC IP instead of IAC BRK
         bool keepaliveIsNop = false; // IAC NOP instead of the TCP keep-alive
     } telnet;
+
+    struct Tls
+    {
+        CertificateValidation validation = CertificateValidation::Ask;
+        QString clientCertificate; // PEM or PKCS#12 file, in trustFolder or anywhere; empty: none
+        QString trustFolder;       // filled in by the library: what this user trusts
+    } tls;
 
     struct Ssh
     {

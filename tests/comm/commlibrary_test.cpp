@@ -22,8 +22,8 @@ TEST(CommLibrary, KnowsWhichDevicesAreHere)
         if (without.ORCommExist(device))
             presentWithout.push_back(device);
     }
-    EXPECT_EQ(present, (std::vector<int>{3, 5, 6}));
-    EXPECT_EQ(presentWithout, (std::vector<int>{3, 5}));
+    EXPECT_EQ(present, (std::vector<int>{2, 3, 5, 6, 7}));
+    EXPECT_EQ(presentWithout, (std::vector<int>{2, 3, 5, 7}));
 }
 
 TEST(CommLibrary, NamesDevicesIntoABufferOfGivenLength)

@@ -39,9 +39,11 @@ inline bool WaitUntil(const std::function<bool()>& happened)
 class LineRig : public LineListener
 {
 public:
-    explicit LineRig(const LineOptions& options) : LineRig(options, eventClock_) {}
-    LineRig(const LineOptions& options, Clock& clock)
-        : library_(clock, QStringLiteral("Local Shell")), line(library_.Make(options, *this))
+    explicit LineRig(const LineOptions& options, const QString& trustFolder = {})
+        : LineRig(options, eventClock_, trustFolder)
+    {}
+    LineRig(const LineOptions& options, Clock& clock, const QString& trustFolder = {})
+        : library_(clock, QStringLiteral("Local Shell"), trustFolder), line(library_.Make(options, *this))
     {}
 
     LineRig& Opened()

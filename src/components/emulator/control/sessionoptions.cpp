@@ -90,6 +90,10 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     // TelnetNoDelay is the name of earlier releases.
     options.tcpNoDelay = settings.Boolean(Setting("TcpNoDelay")) || settings.Boolean(Setting("TelnetNoDelay"));
     options.tcpIdn = settings.Boolean(Setting("TcpIdn"));
+    options.proxy.kind = settings.Integer(Setting("ProxyType"));
+    options.proxy.host = settings.Text(Setting("ProxyHost"));
+    options.proxy.port = settings.Text(Setting("ProxyPort"));
+    options.proxy.user = settings.Text(Setting("ProxyUser"));
     options.utf8 = CharsetOf(settings) == emu::HostCharset::Utf8;
     const bool sendsDel = settings.Boolean(Setting("BkspSendsDel")) || type.backspaceSendsDel;
     options.eraseCharacter = sendsDel ? '\x7f' : '\b';
@@ -98,6 +102,8 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.telnet.bypass = settings.Boolean(Setting("TelnetBypass"));
     options.telnet.alternateBreak = settings.Boolean(Setting("TelnetAltBreak"));
     options.telnet.keepaliveIsNop = settings.Boolean(Setting("TelnetKeepaliveIsNOP"));
+    options.tls.validation = CertificateValidation(settings.Integer(Setting("HostCertificateValidation")));
+    options.tls.clientCertificate = settings.Text(Setting("ClientCertificateID"));
     options.ssh.cipher = settings.Integer(Setting("SSHCipher"));
     options.ssh.onlyPreferredCipher = settings.Boolean(Setting("SSHUseOnlyPreferredCipher"));
     if (const auto auth = SshAuth(settings.Integer(Setting("SSHAuth"))); auth > SshAuth{} && auth <= SshAuth::Agent)

@@ -201,6 +201,10 @@ inline constexpr auto SettingsTable = [] {
         I("AttributeMask", 10),
         I("ResumeAfterDisconnect").DefaultTextInBag(),
         I("ResumeBufferSize", -1, Least32, Most32),
+        I("ProxyType", 0, 0, 2), // 0 none, 1 SOCKS5, 2 HTTP CONNECT
+        T("ProxyHost"),
+        T("ProxyPort"),
+        T("ProxyUser"), // its password is asked for and stands nowhere
     };
 }();
 
