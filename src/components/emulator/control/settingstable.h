@@ -75,6 +75,8 @@ constexpr int Least32 = -2147483647 - 1, Most32 = 2147483647;
 // The order is that of the object's slots.
 inline constexpr auto SettingsTable = [] {
     using namespace settingrow;
+    // A row a line.
+    // clang-format off
     return std::array{
         I("Device", 0, 0, 7),
         I("Port", 0, 0, 32767),
@@ -211,6 +213,7 @@ inline constexpr auto SettingsTable = [] {
         T("ProxyPort"),
         T("ProxyUser"), // its password is asked for and stands nowhere
     };
+    // clang-format on
 }();
 
 // A setting's place in the table.

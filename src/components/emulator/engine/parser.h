@@ -97,8 +97,8 @@ public:
         Execute('\r');
         Execute('\n');
     }
-    virtual void Aborted(uint8_t by) = 0;                     // CAN or SUB inside a sequence
-    virtual void Escape(char intermediate, char final) = 0;   // C1 controls come in this form too
+    virtual void Aborted(uint8_t by) = 0;                   // CAN or SUB inside a sequence
+    virtual void Escape(char intermediate, char final) = 0; // C1 controls come in this form too
     virtual void Control(const ControlSequence& sequence) = 0;
     virtual void String(StringKind kind, std::string_view body) = 0; // whole; too long ones never come
     virtual void Vt52Address(int row, int col) = 0;
