@@ -20,7 +20,7 @@ class CaptureAndPrint(desktop.Journey):
         program.key(*["Right"] * menus_right, letter)
 
     def capture(self, program):
-        self.choose(program, 3, "t")
+        self.choose(program, 3, "p")
 
     def test_a_capture_holds_the_text_that_came_in(self):
         program = self.session()

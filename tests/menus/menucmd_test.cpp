@@ -1,3 +1,4 @@
+#include <app/missingpieces.h>
 #include <fakes/print.h>
 #include <fakes/shellbench.h>
 #include <menus/loadmenu.h>
@@ -92,22 +93,24 @@ TEST_F(MenuCmdTest, SessionCommands)
     EXPECT_EQ(application_.Sessions().Count(), 1);
 }
 
+// Until the capture dialogs stand, a file dialog starts a capture.
 TEST_F(MenuCmdTest, CaptureAndPrinterAreTurnedOnAndOff)
 {
     const auto session = Open();
+    MissingCommandPieces pieces(bench_.ask, [](const QString&) {});
     const QString file = bench_.Home(u"capture.txt"_s);
     bench_.ask.files = {std::nullopt, file};
-    Do(u"[#603]"_s, session.get());
+    pieces.ShowCaptureStart(*session);
     EXPECT_EQ(session->Emulator().CaptureSource(), 0) << "cancelled";
-    Do(u"[#603]"_s, session.get());
+    pieces.ShowCaptureStart(*session);
     EXPECT_EQ(session->Emulator().CaptureFileName(), file);
-    Do(u"[#603]"_s, session.get());
+    pieces.ShowCaptureStop(*session);
     EXPECT_EQ(session->Emulator().CaptureSource(), 0);
     EXPECT_TRUE(bench_.outputs.files.contains(file));
 
     bench_.outputs.readOnly = true;
     bench_.ask.files = {file};
-    Do(u"[#603]"_s, session.get());
+    pieces.ShowCaptureStart(*session);
     ASSERT_EQ(bench_.ask.boxes.size(), 1u);
     EXPECT_EQ(bench_.ask.boxes[0].text, u"The selected file cannot be updated. Please choose a different file."_s);
 

@@ -67,12 +67,13 @@ bool TextSearch::StepOlder(int& lines)
         const int64_t row = olderNext_ - 1;
         SearchLine(int(row - Base()), found_);
         olderNext_ = Base() + line_.top;
-        if (Base() + line_.bottom >= start_)
-            continue; // a line that goes on below the place belongs to the other side
-        // What stands below the row, in a line that is read in several pieces, has been found already.
-        for (auto hit = found_.rbegin(); hit != found_.rend(); ++hit)
-            if (hit->row <= row && (older_.empty() || hit->EndsBefore(older_.back())))
+        // What stands below the row, in a line that is read in several pieces, has been found already; so has what the
+        // other side took of a line that goes on below the place.
+        for (auto hit = found_.rbegin(); hit != found_.rend(); ++hit) {
+            const Hit* below = !older_.empty() ? &older_.back() : !newer_.empty() ? &newer_.front() : nullptr;
+            if (hit->row <= row && (!below || hit->EndsBefore(*below)))
                 older_.push_back(*hit);
+        }
     }
     return olderNext_ > oldest && !IsFull();
 }
