@@ -303,13 +303,13 @@ TEST(SshPartner, HoldsAFloodBackWhileNobodyReceives)
     rig.Until([&] { return !pause.isActive(); });
     EXPECT_EQ(rig.receivedBytes, before);
     rig.line->SetReceiving(rig.receiving = true);
-    rig.Type("echo through\n");
     EXPECT_TRUE(rig.Until([&] { return rig.receivedBytes >= 20000000; }));
     rig.keep = true;
+    rig.Type("echo through\n");
     EXPECT_TRUE(rig.UntilReceived("through"));
 }
 
-TEST(SshPartner, LogsInToDropbear)
+TEST(SshPartner, AgreesWithDropbearAsFarAsItsPassword)
 {
     const OwnHome home;
     ASSERT_EQ(QProcess::execute(u"dropbearkey"_s, {u"-t"_s, u"ed25519"_s, u"-f"_s, home.Path(u"hostkey"_s)}), 0);
