@@ -62,11 +62,11 @@ PlatformKey FromKeyEvent(const QKeyEvent& event)
 frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulator> emulator,
                          std::unique_ptr<taMenuBar> menu)
     : application_(application), emulator_(std::move(emulator)), menu_(std::move(menu)),
-      view_(new TerminalView(*emulator_)), panels_(new SessionPanels(*this, *view_)),
-      logic_(std::make_unique<ChildLogic>(application, *this))
+      view_(new TerminalView(*emulator_)), logic_(std::make_unique<ChildLogic>(application, *this))
 {
     setWidget(view_);
-    setAttribute(Qt::WA_DeleteOnClose, false); // it goes by Unload
+    panels_ = new SessionPanels(*this, *view_); // a new child is an event for this window
+    setAttribute(Qt::WA_DeleteOnClose, false);  // it goes by Unload
     TakeOverSystemMenu();
     view_->installEventFilter(this);
     connect(view_, &TerminalView::LinkActivated, this, &frmMdiChild::OpenLink);

@@ -61,7 +61,7 @@ void ResumableLine::Close()
 
 void ResumableLine::Send(std::string_view bytes)
 {
-    if (qsizetype(terminal_.Waiting() + bytes.size()) <= MaxUnsent) {
+    if (terminal_.Waiting() + bytes.size() <= std::size_t{MaxUnsent}) {
         terminal_.FromUser(bytes);
         return;
     }
