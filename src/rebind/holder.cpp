@@ -76,6 +76,11 @@ public:
             Turn();
         if (child_ > 0)
             kill(-child_, SIGHUP);
+    }
+
+    // The last thing: with it the login ends.
+    void SayExit()
+    {
         if (login_ && exitCode_)
             login_->Send(Packet::Exit, std::to_string(*exitCode_));
     }
@@ -295,7 +300,10 @@ void Detach()
     }
     if (child > 0) {
         fcntl(terminal, F_SETFL, fcntl(terminal, F_GETFL) | O_NONBLOCK);
-        Holder(options, listener, terminal, child).Run();
+        Holder holder(options, listener, terminal, child);
+        holder.Run();
+        unlink(path.c_str());
+        holder.SayExit();
     }
     unlink(path.c_str());
     _exit(0);
