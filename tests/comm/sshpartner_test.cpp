@@ -75,8 +75,7 @@ TEST(SshPartner, RunsAShellOnItsTerminal)
     QObject::connect(&again, &QTimer::timeout, [&] { rig.Type("stty size\n"); });
     again.start(200);
     EXPECT_TRUE(rig.UntilReceived("50 132\r\n")) << rig.received.data();
-    again.stop();
-    rig.Type("echo gr\xc3\xbc\xc3\x9f dich; exit 7\n");
+    QObject::connect(&again, &QTimer::timeout, [&] { rig.Type("echo gr\xc3\xbc\xc3\x9f dich; exit 7\n"); });
     ASSERT_TRUE(rig.UntilClosed());
     EXPECT_TRUE(rig.received.contains("gr\xc3\xbc\xc3\x9f dich"));
     EXPECT_EQ(rig.programEnds, 1);
