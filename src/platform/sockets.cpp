@@ -8,6 +8,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace kestrune {
@@ -48,6 +49,18 @@ void CloseSocket(int socket)
 {
     if (socket >= 0)
         ::close(socket);
+}
+
+void CloseDuplicate(int duplicate, int original)
+{
+    struct stat one
+    {};
+    struct stat other
+    {};
+    const bool same = ::fstat(duplicate, &one) == 0 && ::fstat(original, &other) == 0 && one.st_dev == other.st_dev &&
+                      one.st_ino == other.st_ino;
+    if (same)
+        ::close(duplicate);
 }
 
 std::optional<quint16> ServicePort(const QByteArray& name)

@@ -27,6 +27,10 @@ void ShutDownSocket(int socket);
 
 void CloseSocket(int socket); // -1 is harmless
 
+// Closes a duplicate that a library was given, unless the library has done it already: by its number alone nobody
+// can tell, since another thread may have got that by now. original: the socket that it was made from, still open.
+void CloseDuplicate(int duplicate, int original);
+
 // The port of a TCP service name ("telnet") as the system's own list has it.
 std::optional<quint16> ServicePort(const QByteArray& name);
 

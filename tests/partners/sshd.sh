@@ -20,7 +20,8 @@ make_key authority ed25519 ''
     ssh-keygen -q -s "$D/keys/authority" -I test -n "tkey,$(id -un)" "$D/keys/user_cert.pub"
 cat "$D"/keys/user_{ed25519,rsa_pp}.pub > "$D/keys/authorized_keys"
 chmod 644 "$D/keys/authorized_keys"
-cat > "$D/sshd_config" <<C
+for line in "$@"; do echo "$line"; done > "$D/sshd_config" # of two that contradict each other the first holds
+cat >> "$D/sshd_config" <<C
 Port $PORT
 ListenAddress 127.0.0.1
 HostKey $D/keys/host_ed25519
@@ -35,7 +36,6 @@ PrintMotd no
 LogLevel VERBOSE
 AcceptEnv LANG
 C
-for line in "$@"; do echo "$line" >> "$D/sshd_config"; done
 if [ "$(id -u)" != 0 ]; then
     exec /usr/sbin/sshd -D -e -f "$D/sshd_config"
 fi

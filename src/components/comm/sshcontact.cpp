@@ -2,6 +2,8 @@
 
 #include <comm/sshciphers.h>
 
+#include <platform/sockets.h>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -61,6 +63,10 @@ SshContact::~SshContact()
 {
     if (ssh_is_connected(session_.get()))
         ssh_disconnect(session_.get());
+    session_.reset();
+    // Which ends leave the library's descriptor open differs from one to the next.
+    CloseDuplicate(duplicate_, socket_);
+    CloseSocket(socket_);
 }
 
 void SshContact::SetText(ssh_options_e option, const QString& text)
@@ -86,14 +92,15 @@ QString SshContact::Address() const
 
 void SshContact::Connect(int socket)
 {
-    socket_t handle = socket;
-    ssh_options_set(session_.get(), SSH_OPTIONS_FD, &handle);
+    socket_ = socket;
+    duplicate_ = DuplicateSocket(socket);
+    ssh_options_set(session_.get(), SSH_OPTIONS_FD, &duplicate_);
     if (Until([this] { return ssh_connect(session_.get()); }) != SSH_OK)
         FailToAgree();
 }
 
 // The library names the list in which nothing was found in common, in English: "no match for method encryption
-// algo client->server: server [a,b], client [c]".
+// client->server: server [a,b], client [c]".
 void SshContact::FailToAgree()
 {
     struct Subject
@@ -102,7 +109,7 @@ void SshContact::FailToAgree()
         const char* text;
     };
     static constexpr std::array subjects{
-        Subject{"encryption algo"_L1,
+        Subject{"encryption "_L1,
                 QT_TRANSLATE_NOOP("SshLine", "Unable to connect to %1: the host and this session have no cipher in "
                                              "common. The host offers %2.")},
         Subject{"kex algo"_L1,

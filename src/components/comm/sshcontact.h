@@ -59,10 +59,13 @@ public:
     template <typename Step>
     int Until(Step step)
     {
+        static_assert(int(SSH_AUTH_ERROR) == SSH_ERROR);
         for (;;) {
             const int result = step();
             if (result != SSH_AGAIN && result != SSH_AUTH_AGAIN)
                 return result;
+            if (IsLost())
+                return SSH_ERROR; // some calls go on asking for patience; SSH_AUTH_ERROR is the same number
             WaitForHost();
         }
     }
@@ -83,6 +86,8 @@ private:
     SshSessionHandle session_;
     QString host_;
     int port_ = 22;
+    int socket_ = -1;    // ours
+    int duplicate_ = -1; // the library's
     quint32 lastQuestion_ = 0;
 };
 

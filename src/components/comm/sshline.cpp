@@ -16,10 +16,10 @@ namespace kestrune::comm {
 
 namespace {
 
-constexpr int DefaultConnectTimeout = 30; // seconds
+constexpr int DefaultSshTimeout = 30; // seconds
 // One wake-up takes at most so much, which the engine parses in about 3 ms; the window is drawn in between.
-constexpr qsizetype MostAtOnce = qsizetype{256} * 1024;
-constexpr qsizetype ReadPiece = qsizetype{64} * 1024;
+constexpr qsizetype MostSshAtOnce = qsizetype{256} * 1024;
+constexpr qsizetype SshReadPiece = qsizetype{64} * 1024;
 
 } // namespace
 
@@ -136,14 +136,14 @@ void SshLine::TakeWaiting()
     if (HasEnded() || !mail_)
         return;
     qsizetype taken = 0;
-    while (!HasEnded() && Receiving() && taken < MostAtOnce) {
-        const QByteArray piece = mail_->TakeReceived(ReadPiece);
+    while (!HasEnded() && Receiving() && taken < MostSshAtOnce) {
+        const QByteArray piece = mail_->TakeReceived(SshReadPiece);
         if (piece.isEmpty())
             break;
         taken += piece.size();
         Listener().LineReceived({piece.constData(), static_cast<std::size_t>(piece.size())});
     }
-    if (taken >= MostAtOnce)
+    if (taken >= MostSshAtOnce)
         Post([this] { TakeWaiting(); });
     else if (!HasEnded())
         TakeEnding();
@@ -170,7 +170,7 @@ void SshLine::ArmConnectLimit()
 {
     if (IsOpen())
         return;
-    const int seconds = Options().connectTimeout > 0 ? Options().connectTimeout : DefaultConnectTimeout;
+    const int seconds = Options().connectTimeout > 0 ? Options().connectTimeout : DefaultSshTimeout;
     connectLimit_ = Time().After(std::chrono::seconds(seconds), [this] {
         const QString host = host_.isEmpty() ? SshTarget::From(Options().hostName).host : host_;
         Fail(LineErrorNumber::TimedOut, tr("Unable to connect to %1: the host does not answer").arg(host));

@@ -18,6 +18,7 @@ void SshMailbox::Cancel()
     line_ = nullptr;
     notices_.clear();
     answer_.reset();
+    CloseSocket(std::exchange(socket_, std::nullopt).value_or(-1)); // nobody comes for it any more
     wake_.Wake();
 }
 

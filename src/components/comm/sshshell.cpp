@@ -19,7 +19,7 @@ struct ShellText
     Q_DECLARE_TR_FUNCTIONS(SshLine)
 };
 
-constexpr qsizetype ReadPiece = qsizetype{32} * 1024;
+constexpr qsizetype ShellReadPiece = qsizetype{32} * 1024;
 
 // RFC 4254 6.10 has names where other programs have numbers.
 struct SignalName
@@ -132,8 +132,8 @@ void SshShell::Send()
 
 bool SshShell::Receive(bool fromErrors)
 {
-    std::array<char, ReadPiece> piece; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
-    const qsizetype room = std::min(ReadPiece, contact_.Mail().Room());
+    std::array<char, ShellReadPiece> piece; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
+    const qsizetype room = std::min(ShellReadPiece, contact_.Mail().Room());
     if (room == 0)
         return false;
     const int count =
