@@ -57,7 +57,7 @@ bool SetFrame(int port, const SerialFrame& frame)
 class TerminalSerialPort : public SerialPort
 {
 public:
-    explicit TerminalSerialPort(FileDescriptor port) : port_(std::move(port)) {}
+    TerminalSerialPort(FileDescriptor port, const SerialFrame& frame) : port_(std::move(port)), frame_(frame) {}
 
     int Descriptor() const override { return port_.Number(); }
     std::optional<ModemLines> Lines() const override
@@ -76,9 +76,21 @@ public:
         const int line = TIOCM_DTR;
         ::ioctl(port_.Number(), on ? TIOCMBIS : TIOCMBIC, &line);
     }
+    bool SetSpeed(int baud) override
+    {
+        SerialFrame frame = frame_;
+        frame.baud = baud;
+        if (SetFrame(port_.Number(), frame)) {
+            frame_ = frame;
+            return true;
+        }
+        SetFrame(port_.Number(), frame_);
+        return false;
+    }
 
 private:
     FileDescriptor port_;
+    SerialFrame frame_;
 };
 
 // The system keeps names for ports that a board might have; those of type 0 it does not have.
@@ -114,7 +126,7 @@ std::unique_ptr<SerialPort> OpenSerialPort(const std::string& path, const Serial
         return nullptr;
     }
     systemError = 0;
-    return std::make_unique<TerminalSerialPort>(std::move(port));
+    return std::make_unique<TerminalSerialPort>(std::move(port), frame);
 }
 
 std::string SerialPortPath(int number)

@@ -53,6 +53,7 @@ public:
     virtual std::optional<ModemLines> Lines() const = 0; // nothing: this port has no such lines
     virtual void SetBreak(bool on) = 0;
     virtual void SetTerminalReady(bool on) = 0; // DTR
+    virtual bool SetSpeed(int baud) = 0;        // bits per second; false: it cannot, and keeps the old one
 };
 
 // Null when it cannot be had; systemError is then ENOENT, EACCES, EBUSY (another program has it), ENOTTY (it is no

@@ -1,5 +1,6 @@
 // The serial device on pseudo-terminals. What those have not got (modem lines, seven bits, parity) is a fake port's.
 
+#include "cable.h"
 #include "linerig.h"
 
 #include <comm/serialline.h>
@@ -10,10 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <fcntl.h>
-#include <pty.h>
-#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -23,61 +21,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
-
-// The far end of a cable.
-class Cable
-{
-public:
-    Cable()
-    {
-        int slave = -1;
-        EXPECT_EQ(::openpty(&master_, &slave, nullptr, nullptr, nullptr), 0);
-        path_ = QString::fromLocal8Bit(::ttyname(slave));
-        ::close(slave);
-        ::fcntl(master_, F_SETFL, O_NONBLOCK);
-    }
-    ~Cable() { Cut(); }
-    void Cut()
-    {
-        if (master_ >= 0)
-            ::close(master_);
-        master_ = -1;
-    }
-    const QString& Path() const { return path_; }
-    void Says(const QByteArray& bytes) const
-    {
-        EXPECT_EQ(::write(master_, bytes.constData(), static_cast<std::size_t>(bytes.size())), bytes.size());
-    }
-    bool Hears(const QByteArray& bytes)
-    {
-        return WaitUntil([&] {
-            char piece[4096];
-            const auto count = ::read(master_, piece, sizeof piece);
-            if (count > 0)
-                heard_.append(piece, count);
-            return heard_.contains(bytes);
-        });
-    }
-    // As the kernel keeps it; <termios.h> knows none but the speeds in its list. See ioctl_tty(2), TCGETS2.
-    unsigned Speed() const
-    {
-        constexpr unsigned long getWithSpeeds = 0x802C542A;
-        std::array<unsigned, 11> settings{};
-        EXPECT_EQ(::ioctl(master_, getWithSpeeds, settings.data()), 0);
-        return settings.back(); // that of output
-    }
-    termios Settings() const
-    {
-        termios settings{};
-        EXPECT_EQ(::tcgetattr(master_, &settings), 0);
-        return settings;
-    }
-
-private:
-    int master_ = -1;
-    QString path_;
-    QByteArray heard_;
-};
 
 LineOptions SerialTo(const QString& path)
 {
@@ -216,6 +159,7 @@ public:
     std::optional<ModemLines> Lines() const override { return state_.lines; }
     void SetBreak(bool on) override { state_.broken = on; }
     void SetTerminalReady(bool on) override { state_.ready = on; }
+    bool SetSpeed(int) override { return true; }
 
 private:
     int descriptor_;

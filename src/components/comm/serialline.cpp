@@ -108,6 +108,7 @@ void SerialLine::Begin()
 
 bool SerialLine::OpenPort(int& systemError)
 {
+    frame_ = FrameOf(Options().serial); // a modem may have changed it
     port_ = open_(QFile::encodeName(path_).toStdString(), frame_, systemError);
     if (!port_)
         return false;
@@ -237,11 +238,28 @@ void SerialLine::WatchLines()
         const bool changed = now != lines_;
         lines_ = now;
         WatchLines();
-        if (changed) {
-            TellStatus();
-            Write();
-        }
+        if (!changed)
+            return;
+        TellStatus();
+        Write();
+        if (port_ && lines_ && linesTold_)
+            linesTold_(*lines_);
     });
+}
+
+void SerialLine::SetTerminalReady(bool on)
+{
+    if (port_)
+        port_->SetTerminalReady(on);
+}
+
+void SerialLine::SetSpeed(int baud)
+{
+    const int wanted = baud > 0 ? baud : Options().serial.baud;
+    if (!port_ || wanted == frame_.baud || !port_->SetSpeed(wanted))
+        return;
+    frame_.baud = wanted;
+    TellStatus();
 }
 
 void SerialLine::TellStatus()

@@ -31,6 +31,12 @@ public:
     void Resize(const TerminalSize&) override {} // a serial line has no way to tell
     void Break(int milliseconds) override;
 
+    // --- for a modem behind the port; without effect while it is pulled out
+    void WatchModemLines(std::function<void(const ModemLines&)> told) { linesTold_ = std::move(told); } // of changes
+    std::optional<ModemLines> Lines() const { return lines_; } // nothing: the port has none
+    void SetTerminalReady(bool on);
+    void SetSpeed(int baud); // bits per second; 0: that of the settings
+
 private:
     void Begin() override;
     void LetGo() override;
@@ -48,11 +54,12 @@ private:
 
     PortOpener open_;
     QString path_;
-    SerialFrame frame_;
+    SerialFrame frame_;                // as it is now
     std::unique_ptr<SerialPort> port_; // null while it is pulled out
     std::unique_ptr<QSocketNotifier> readable_;
     std::unique_ptr<QSocketNotifier> writable_;
     std::optional<ModemLines> lines_;
+    std::function<void(const ModemLines&)> linesTold_;
     QByteArray unsent_;
     std::unique_ptr<Clock::Timer> watch_;
     std::unique_ptr<Clock::Timer> return_;

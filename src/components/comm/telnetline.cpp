@@ -15,6 +15,7 @@ namespace {
 
 constexpr int DefaultConnectTimeout = 30; // seconds
 constexpr int MostProxyLogins = 3;
+constexpr int KeepalivesUnanswered = 5; // then the host is given up
 // What the socket may hold unread, and so what one wake-up takes at most: the engine parses it in about 3 ms,
 // and the window is drawn between wake-ups.
 constexpr qint64 ReadAhead = qint64{256} * 1024;
@@ -189,6 +190,7 @@ void TelnetLine::SetKeepalive()
 {
     if (Options().keepaliveInterval <= 0)
         return;
+    SetTcpPatience(socket_->socketDescriptor(), KeepalivesUnanswered * Options().keepaliveInterval);
     if (Options().telnet.keepaliveIsNop && !IsRaw())
         ArmKeepalive();
     else if (!SetTcpKeepalive(socket_->socketDescriptor(), Options().keepaliveInterval))
