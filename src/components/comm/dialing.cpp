@@ -1,12 +1,11 @@
 #include <comm/dialing.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace kestrune::comm {
 
 namespace {
-
-constexpr std::string_view DialCharacters = "0123456789*#ABCDabcd,W@!TPtpw";
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 

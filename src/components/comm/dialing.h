@@ -9,6 +9,10 @@
 
 namespace kestrune::comm {
 
+// Digits, tone letters, pauses and other modifiers (ITU-T V.250 6.3.1), but not ";", which would leave the call a voice
+// call.
+inline constexpr std::string_view DialCharacters = "0123456789*#ABCDabcd,W@!TPtpw";
+
 struct DialLocation
 {
     std::string country;        // its code, "1"; empty: not known, numbers are dialled as they are written
@@ -23,7 +27,7 @@ struct DialLocation
 
 struct DialText
 {
-    std::string dialable;  // digits and dial modifiers (ITU-T V.250 6.3.1)
+    std::string dialable;  // DialCharacters
     std::string displayed; // for the eye
 };
 

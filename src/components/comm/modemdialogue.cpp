@@ -1,8 +1,10 @@
+#include <comm/dialing.h>
 #include <comm/modemdialogue.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
 #include <utility>
 
 namespace kestrune::comm {
@@ -23,8 +25,6 @@ constexpr ModemTime DropPatience = 2s;
 constexpr ModemTime SilenceAfterLoss = 1s; // text of a host goes on after "NO CARRIER"
 constexpr ModemTime RingsApart = 8s;       // then the caller has given up
 constexpr int SetUpAttempts = 3;
-// ITU-T V.250 6.3.1; not ";", which would leave the call a voice call.
-constexpr std::string_view Dialable = "0123456789*#ABCDabcd,W@!TPtpw";
 
 int SpeedIn(const std::string& said)
 {
@@ -241,7 +241,8 @@ void ModemDialogue::BecomeIdle(ModemCall call, const std::string& said)
 bool ModemDialogue::Dial(std::string_view number, Duration now)
 {
     number_.clear();
-    std::ranges::copy_if(number, std::back_inserter(number_), [](char c) { return Dialable.find(c) != Dialable.npos; });
+    std::ranges::copy_if(number, std::back_inserter(number_),
+                         [](char c) { return DialCharacters.find(c) != std::string_view::npos; });
     if (phase_ != Phase::Ready || number_.empty())
         return false;
     triesLeft_ = definition_.redials;

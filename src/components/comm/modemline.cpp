@@ -8,6 +8,8 @@ namespace kestrune::comm {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 // That a call can have, at the port as well: what another modem calls a speed is its own affair.
 constexpr std::array PortSpeeds{300, 1200, 2400, 4800, 9600, 14400, 19200, 38400, 57600, 115200};
 
@@ -65,7 +67,7 @@ void ModemLine::Begin()
     LineOptions inner = Options();
     inner.hostName = modem_->port;
     inner.serial = modem_->serial;
-    port_ = std::make_unique<SerialLine>(inner, *this, Time(), open_);
+    port_ = std::make_unique<SerialLine>(inner, static_cast<LineListener&>(*this), Time(), open_);
     port_->WatchModemLines([this](const ModemLines& lines) {
         if (!dialogue_)
             return;
@@ -128,7 +130,7 @@ void ModemLine::SetUpModem()
     const ModemOptions options{.autoAnswer = Options().modem.autoAnswer,
                                .hasLines = lines.has_value(),
                                .patience = std::chrono::seconds(std::max(Options().connectTimeout, 0))};
-    dialogue_ = std::make_unique<ModemDialogue>(modem_->definition, options, *this);
+    dialogue_ = std::make_unique<ModemDialogue>(modem_->definition, options, static_cast<ModemEvents&>(*this));
     if (lines)
         dialogue_->Carrier(lines->carrier, Time().Now());
     dialogue_->Start(Time().Now());
@@ -265,7 +267,7 @@ void ModemLine::ModemCallChanged(ModemCall call, const std::string& said)
     if (row == CallTexts.end())
         TellReady();
     else
-        EnterState(LineState::Connected, tr(row->text).replace(u"%1", number_).replace(u"%2", words).trimmed());
+        EnterState(LineState::Connected, tr(row->text).replace(u"%1"_s, number_).replace(u"%2"_s, words).trimmed());
 }
 
 } // namespace kestrune::comm
