@@ -105,8 +105,8 @@ TEST(EngineMacros, ComeToAnEnd)
     for (int id = 2; id < 20; ++id) {
         std::string calls;
         for (const char digit : std::to_string(id + 1))
-            calls += "3" + std::string(1, digit);
-        bench.HostSays("\x1bP" + std::to_string(id) + ";0;1!z!50;1b5b" + calls + "2a7a;\x1b\\");
+            calls.append(1, '3').append(1, digit);
+        bench.HostSays(std::string("\x1bP").append(std::to_string(id)) + ";0;1!z!50;1b5b" + calls + "2a7a;\x1b\\");
     }
     EXPECT_EQ(bench.HostSays("\x1b[2*z\x1b[2J\x1b[Hdone").Rows(), "done");
 }

@@ -172,9 +172,9 @@ void CharacterProtection(Machine& m, const ControlSequence& s)
 
 void CursorStyle(Machine& m, const ControlSequence& s)
 {
-    // 0 and 1 both mean the blinking block
+    // 0 is what programs send when they end: back to what the user has chosen, the blinking block by default.
     if (const int style = s.params.At(0); style <= 6)
-        m.SetCursorShape(CursorShape(style == 0 ? 0 : style - 1));
+        m.SetCursorShape(style == 0 ? m.UsualShape() : CursorShape(style - 1));
 }
 
 // console_codes(4): the low four bits are a size, from an underline to the whole cell.
@@ -182,7 +182,9 @@ void LinuxCursor(Machine& m, const ControlSequence& s)
 {
     const int size = s.params.At(0) & 15;
     m.Switches().Set(Mode::CursorVisible, m.Switches().Has(Mode::CursorVisible) && size != 1);
-    m.SetCursorShape(size >= 2 && size <= 5 ? CursorShape::BlinkUnderline : CursorShape::BlinkBlock);
+    m.SetCursorShape(size >= 2 && size <= 5 ? CursorShape::BlinkUnderline
+                     : size == 0            ? m.UsualShape()
+                                            : CursorShape::BlinkBlock);
 }
 
 void ConformanceLevel(Machine& m, const ControlSequence& s)

@@ -13,7 +13,7 @@ namespace kestrune::emu {
 class HostMacros
 {
 public:
-    static constexpr size_t Space = 6 * 1024; // of all macros together, as in the terminal
+    static constexpr size_t Space = 6144; // of all macros together, as in the terminal
     static constexpr int Count = 64;
 
     // The string between DCS and ST: "Pid;Pdt;Pen!z" and the text, or pairs of hexadecimal digits in which

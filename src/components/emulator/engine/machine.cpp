@@ -83,6 +83,8 @@ void Machine::SetCharset(HostCharset charset)
 
 void Machine::SetOptions(const TerminalOptions& options)
 {
+    if (options.cursor != options_.cursor)
+        cursorShape_ = options.cursor;
     options_ = options;
     options_.answerBack.resize(std::min(options_.answerBack.size(), kMaxAnswerBack));
     TakeKeyOptions();
@@ -129,11 +131,11 @@ void Machine::PowerUp()
     eightBitReplies_ = false;
     singleShift_ = -1;
     romFont_ = RomFont::Off;
+    cursorShape_ = options_.cursor;
     userKeys_.Clear();
     macros_.Clear();
     preferredSet_ = &SupplementalSet();
     attributeExtent_ = ChangeExtent::Stream;
-    cursorShape_ = CursorShape::BlinkBlock;
     charset_ = options_.charset;
     palette_.fill(0);
     parser_.Reset(); // also ends a printer controller mode that the host has forgotten
@@ -401,6 +403,12 @@ void Machine::Execute(uint8_t control)
         CharacterRows()[row - 1u].run(*this);
     else if (control == 0x1A)
         Aborted(control);
+}
+
+void Machine::LineEnd() // also under LNM, whose second return changes nothing
+{
+    screen_.CarriageReturn();
+    screen_.LineFeed();
 }
 
 void Machine::Aborted(uint8_t)

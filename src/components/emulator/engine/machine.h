@@ -90,6 +90,7 @@ public:
     void SetRomFont(RomFont font) { romFont_ = font; }
     void SelectUtf8(bool on); // ESC % G, ESC % @
     void SetCursorShape(CursorShape shape) { cursorShape_ = shape; }
+    CursorShape UsualShape() const { return options_.cursor; } // the user's choice
     CursorShape Shape() const { return cursorShape_; }
     void UpdateRules(); // after a change of type, level, charset or VT52 mode
     void SetColumns132(bool on);
@@ -108,6 +109,7 @@ public:
     void HighBytes(std::span<const uint8_t> run) override;
     void Points(std::span<const char32_t> run) override { screen_.WritePoints(run); }
     void Execute(uint8_t control) override;
+    void LineEnd() override;
     void Aborted(uint8_t by) override;
     void Escape(char intermediate, char final) override;
     void Control(const ControlSequence& sequence) override;

@@ -30,18 +30,18 @@ StyleId Screen::PenId()
     if (penChanged_) {
         penChanged_ = false;
         penId_ = StyleIdFor(cursor_.pen);
-        // Erased cells keep the background only. The DEC types have no colours, so for their hosts this is the
-        // normal rendition; hosts that send colours count on it.
-        Style blank;
-        blank.background = cursor_.pen.background;
-        blankId_ = StyleIdFor(blank);
     }
     return penId_;
 }
 
 StyleId Screen::BlankId()
 {
-    PenId();
+    if (const Color background = cursor_.pen.background; background != blankBackground_) {
+        Style blank;
+        blank.background = background;
+        blankId_ = StyleIdFor(blank);
+        blankBackground_ = background;
+    }
     return blankId_;
 }
 
@@ -62,7 +62,7 @@ void Screen::WriteBytes(std::span<const uint8_t> run)
             run = run.last(1);
         const auto now = run.first(std::min(room, run.size()));
         if (modes_.Has(Mode::Insert))
-            P().Insert(cursor_.row, cursor_.col, int(now.size()), Limit(), blankId_);
+            P().Insert(cursor_.row, cursor_.col, int(now.size()), Limit(), BlankId());
         P().PutBytes(cursor_.row, cursor_.col, now, style);
         run = run.subspan(now.size());
         Advance(int(now.size()));
@@ -100,7 +100,7 @@ void Screen::WritePoint(char32_t point)
     lastPoint_ = point;
     const StyleId style = PenId();
     if (modes_.Has(Mode::Insert))
-        P().Insert(cursor_.row, cursor_.col, width, Limit(), blankId_);
+        P().Insert(cursor_.row, cursor_.col, width, Limit(), BlankId());
     P().PutPoint(cursor_.row, cursor_.col, point, width, style);
     Advance(width);
 }
@@ -185,9 +185,10 @@ void Screen::Repeat(int count)
 {
     if (lastPoint_ == 0)
         return;
-    count = std::min(count, Extent().cols * Extent().rows);
-    for (const char32_t point = lastPoint_; count > 0; --count)
-        WritePoint(point);
+    std::array<char32_t, 256> run{};
+    run.fill(lastPoint_);
+    for (count = std::min(count, Extent().cols * Extent().rows); count > 0; count -= int(run.size()))
+        WritePoints(std::span(run).first(std::min(size_t(count), run.size())));
 }
 
 // --- cursor

@@ -201,6 +201,8 @@ private:
     void MoveLinesDown(int top, int bottom, int count);
     void ShiftColumns(int from, int count);
     StyleId PenId();
+    // Erased cells keep the background only. The DEC types have no colours, so for their hosts this is the normal
+    // rendition; hosts that send colours count on it.
     StyleId BlankId();
     void WrapNow();
     void Advance(int columns);
@@ -232,6 +234,7 @@ private:
     StyleId blankId_ = 0;
     StyleId newestStyle_ = 0; // given out, but perhaps in no cell yet
     bool penChanged_ = false;
+    Color blankBackground_; // of blankId_
     int top_ = 0;
     int bottom_ = 0; // past the last row of the region
     int left_ = 0;
