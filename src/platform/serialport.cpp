@@ -59,6 +59,9 @@ class TerminalSerialPort : public SerialPort
 public:
     TerminalSerialPort(FileDescriptor port, const SerialFrame& frame) : port_(std::move(port)), frame_(frame) {}
 
+    // The mark stays with a pseudo-terminal for as long as its other side is open.
+    ~TerminalSerialPort() override { ::ioctl(port_.Number(), TIOCNXCL); }
+
     int Descriptor() const override { return port_.Number(); }
     std::optional<ModemLines> Lines() const override
     {

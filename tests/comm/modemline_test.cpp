@@ -60,7 +60,7 @@ protected:
         LineOptions options;
         options.device = Device::Modem;
         options.hostName = name;
-        options.connectTimeout = 20;
+        options.connectTimeout = 5;
         options.modem.userFolder = folder_.path();
         return options;
     }
@@ -74,7 +74,7 @@ protected:
     {
         return rig.Until([&] {
             modem.Work();
-            clock.Advance(20ms);
+            clock.Advance(50ms);
             return happened();
         });
     }
@@ -216,7 +216,7 @@ TEST_F(ModemLineTest, IsSetUpAgainWhenItWasPulledOut)
     const auto until = [&](ScriptedModem& with, const std::function<bool()>& happened) {
         return rig.Until([&] {
             with.Work();
-            clock.Advance(20ms);
+            clock.Advance(50ms);
             return happened();
         });
     };
