@@ -1,7 +1,7 @@
 #include <sessions/mdichild.h>
 
 #include <emulator/control/ctlemulator.h>
-#include <emulator/view/terminalview.h>
+#include <emulator/view/terminalpane.h>
 #include <menubar/tamenubar.h>
 #include <ports/application.h>
 #include <sessions/childlogic.h>
@@ -57,9 +57,10 @@ PlatformKey FromKeyEvent(const QKeyEvent& event)
 frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulator> emulator,
                          std::unique_ptr<taMenuBar> menu)
     : application_(application), emulator_(std::move(emulator)), menu_(std::move(menu)),
-      view_(new TerminalView(*emulator_)), logic_(std::make_unique<ChildLogic>(application, *this))
+      pane_(new TerminalPane(*emulator_)), view_(&pane_->View()),
+      logic_(std::make_unique<ChildLogic>(application, *this))
 {
-    setWidget(view_);
+    setWidget(pane_);
     setAttribute(Qt::WA_DeleteOnClose, false); // it goes by Unload
     TakeOverSystemMenu();
     view_->installEventFilter(this);
@@ -73,7 +74,7 @@ frmMdiChild::~frmMdiChild()
     disconnect(this, nullptr, this, nullptr); // the base class still reports states while it goes
     view_->removeEventFilter(this);
     logic_.reset();
-    delete view_;
+    delete pane_;
 }
 
 // The keys of the system menu's entries belong to the host.

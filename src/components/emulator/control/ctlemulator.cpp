@@ -1,5 +1,6 @@
 #include "ctlemulator.h"
 
+#include "functionkeys.h"
 #include "heldselection.h"
 #include "hosttext.h"
 #include "latintext.h"
@@ -443,7 +444,9 @@ void ctlEmulator::TypeKey(const emu::KeyPress& key, int code)
         RunFunction(function, code);
         return;
     }
-    emu::KeyPress press = key;
+    if (key.key == emu::Key::Break)
+        return BreakKey();
+    emu::KeyPress press = settings_.Boolean(Setting("MapUpperFKeys")) ? MappedUpperFunctionKey(key) : key;
     if (capsLock_ && press.key == emu::Key::Text)
         press.text = SwapCase(QString::fromStdString(press.text)).toStdString();
     if (!MayType())

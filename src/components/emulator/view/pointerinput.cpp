@@ -2,6 +2,8 @@
 
 #include "keymap.h"
 
+#include <emulator/control/mousereply.h>
+
 #include <QApplication>
 #include <QMenu>
 #include <QStyleHints>
@@ -83,6 +85,19 @@ void PointerInput::CountClick(const QMouseEvent& event)
     sinceClick_.start();
 }
 
+// With Shift the text can still be selected.
+bool PointerInput::AnswerFromTable(const QMouseEvent& event)
+{
+    if (emulator_.MouseTable().empty() || event.modifiers().testFlag(Qt::ShiftModifier))
+        return false;
+    const TextPlace place = PlaceAt(event.position());
+    const bool twice = event.type() == QEvent::MouseButtonDblClick;
+    const auto reply = MouseReply(emulator_, {EventButton(event.button()), twice, place.cell, place.row});
+    if (reply)
+        emulator_.TypeText(*reply);
+    return reply.has_value();
+}
+
 void PointerInput::Press(const QMouseEvent& event)
 {
     lastMove_ = event.position();
@@ -95,6 +110,8 @@ void PointerInput::Press(const QMouseEvent& event)
             return;
         }
     }
+    if (AnswerFromTable(event))
+        return;
     switch (event.button()) {
     case Qt::LeftButton:
         if (event.modifiers().testFlag(Qt::ShiftModifier)) {
