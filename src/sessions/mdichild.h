@@ -94,8 +94,8 @@ private:
     ApplicationPort& application_;
     std::unique_ptr<ctlEmulator> emulator_;
     std::unique_ptr<taMenuBar> menu_;
-    TerminalPane* pane_ = nullptr;      // a child widget; goes before the emulator does
-    TerminalView* view_ = nullptr;      // in the pane
+    TerminalPane* pane_ = nullptr;    // a child widget; goes before the emulator does
+    TerminalView* view_ = nullptr;    // in the pane
     SessionPanels* panels_ = nullptr; // a child too
     std::unique_ptr<ChildLogic> logic_;
     QPointer<QAction> closeAction_; // of the system menu

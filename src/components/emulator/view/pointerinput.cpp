@@ -79,7 +79,7 @@ bool PointerInput::AnswerFromTable(const QMouseEvent& event)
 {
     if (emulator_.MouseTable().empty() || event.modifiers().testFlag(Qt::ShiftModifier))
         return false;
-    const TextPlace place = PlaceAt(event.position());
+    const TextPlace place = canvas_.PlaceAt(event.position());
     const bool twice = event.type() == QEvent::MouseButtonDblClick;
     const auto reply = MouseReply(emulator_, {EventButton(event.button()), twice, place.cell, place.row});
     if (reply)
