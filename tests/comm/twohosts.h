@@ -6,8 +6,9 @@
 #include "linerig.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QProcess>
+
+#include <filesystem>
 
 namespace kestrune {
 
@@ -21,12 +22,13 @@ public:
         holder_.start(QStringLiteral("unshare"),
                       {QStringLiteral("-n"), QStringLiteral("sleep"), QStringLiteral("100")});
         EXPECT_TRUE(holder_.waitForStarted());
-        const auto space = [](const QString& process) {
-            return QFile::symLinkTarget(QStringLiteral("/proc/%1/ns/net").arg(process));
+        const auto space = [](const QString& task) { // "net:[4026531840]"
+            std::error_code none;
+            return std::filesystem::read_symlink("/proc/" + task.toStdString() + "/ns/net", none).string();
         };
         EXPECT_TRUE(WaitUntil([&] {
-            const QString other = space(Holder());
-            return !other.isEmpty() && other != space(QStringLiteral("self"));
+            const std::string other = space(Holder());
+            return !other.empty() && other != space(QStringLiteral("thread-self"));
         }));
         Run("ip link set lo up");
         Run("ip link add near type veth peer name far netns " + Holder().toLatin1());

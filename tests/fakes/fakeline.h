@@ -130,7 +130,7 @@ public:
     qsizetype unsent = 0;
     std::vector<LineAnswer> answers;
     std::shared_ptr<LineResume> resume; // what a lost line leaves behind
-    bool dials = true; // as a modem that is ready
+    bool dials = true;                  // as a modem that is ready
     std::vector<QString> dialled;
     int hangUps = 0;
     int breaks = 0;

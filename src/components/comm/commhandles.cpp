@@ -26,7 +26,7 @@ public:
             line_->Open();
         return line_ != nullptr;
     }
-    bool IsConnected() const { return line_ && line_->IsOpen(); }
+    bool IsConnected() const { return line_ && state_ == LineState::Connected; }
     bool Send(std::string_view bytes)
     {
         if (!IsConnected() || line_->Unsent() + static_cast<qsizetype>(bytes.size()) > Line::MaxUnsent)
