@@ -11,6 +11,7 @@
 #include <comm/commlibrary.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
+#include <media/systemmedia.h>
 #include <platform/backgroundfiles.h>
 #include <platform/endrequests.h>
 #include <platform/eventclock.h>
@@ -165,8 +166,8 @@ private:
 
     std::unique_ptr<ctlEmulator> MakeEmulator()
     {
-        return std::make_unique<ctlEmulator>(
-            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_, outputs_, printing_});
+        return std::make_unique<ctlEmulator>(EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_,
+                                                           waiter_, outputs_, printing_, media_});
     }
 
     static bool UnloadForms()
@@ -208,6 +209,7 @@ private:
     EventWaiter waiter_;
     BackgroundFiles outputs_{clock_};
     SystemPrinting printing_;
+    SystemMedia media_{clock_, WriteLog};
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;
