@@ -25,6 +25,7 @@
 #include <ports/textfiles.h>
 #include <printing/systemprinting.h>
 #include <settings/layer.h>
+#include <support/log.h>
 #include <support/qtquestions.h>
 #include <textfile/textfiles.h>
 

@@ -3,7 +3,9 @@
 #include <alsa/asoundlib.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
+#include <utility>
 
 namespace kestrune {
 
@@ -11,6 +13,7 @@ namespace {
 
 constexpr unsigned kLatency = 100'000; // microseconds of sound that wait in the device
 constexpr int kPatience = 100;         // milliseconds between two looks at whether the sound is still wanted
+constexpr auto kLook = std::chrono::milliseconds(10); // likewise, while the last of it plays
 constexpr int kFramesAtOnce = 1024;
 
 struct Close
@@ -18,6 +21,12 @@ struct Close
     void operator()(snd_pcm_t* device) const { snd_pcm_close(device); }
 };
 using Device = std::unique_ptr<snd_pcm_t, Close>;
+
+bool PlaysStill(snd_pcm_t* device)
+{
+    snd_pcm_sframes_t waiting = 0;
+    return snd_pcm_state(device) == SND_PCM_STATE_RUNNING && snd_pcm_delay(device, &waiting) >= 0 && waiting > 0;
+}
 
 // The library writes to the terminal otherwise.
 void SayNothing(const char*, int, const char*, int, const char*, ...) {}
@@ -96,11 +105,8 @@ int SoundOutput::PlayHere(const Sound& sound)
     }
     if (snd_pcm_state(opened) == SND_PCM_STATE_PREPARED) // too short to have begun by itself
         snd_pcm_start(opened);
-    while (IsWanted() && snd_pcm_state(opened) == SND_PCM_STATE_RUNNING) // the rest plays out
-        if (snd_pcm_sframes_t waiting = 0; snd_pcm_delay(opened, &waiting) < 0 || waiting <= 0)
-            break;
-        else
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    while (IsWanted() && PlaysStill(opened))
+        std::this_thread::sleep_for(kLook);
     snd_pcm_drop(opened);
     return 0;
 }

@@ -110,7 +110,7 @@ void ctlEmulator::TakeOfferedClipboard()
     const QString text = *std::exchange(offered_, std::nullopt);
     if (settings_.Boolean(Setting("HostSetsClipboard"))) {
         ports_.clipboard.SetText(Clipboard::Kind::Standard, text);
-        TellUser(tr("The host has put %n character(s) on the clipboard.", nullptr, int(text.size())));
+        TellUser(tr("The host has put a text of %1 characters on the clipboard.").arg(text.size()));
     } else if (!std::exchange(toldOfOffer_, true)) { // once for a connection: some programs do it with every copy
         TellUser(tr("The host wanted to put text on the clipboard: HostSetsClipboard is off."));
     }
