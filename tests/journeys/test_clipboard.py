@@ -27,9 +27,9 @@ class ClipboardAndPicture(desktop.Journey):
         program = self.shell()
         program.type("clear; printf '\\033[1;31mred\\033[0m & <plain>\\n'\n")
         program.shows("red & <plain>")
-        x, y = desktop.Kestrune.geometry(program, program.main)[:2]
-        self.desktop.run("xdotool", "mousemove", str(x + 8), str(y + desktop.TOP_OF_SESSION + 20), "click", "--repeat",
-                         "3", "--delay", "40", "1")
+        for _ in range(3):  # all of the first line
+            program.click(12, desktop.TOP_OF_SESSION + 4)
+        self.desktop.picture("selected")
         program.key("ctrl+shift+c")
         text = until(lambda: self.clipboard("UTF8_STRING"), "a copy")
         self.assertIn("plain", text)
