@@ -11,13 +11,17 @@
 #include <comm/commlibrary.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
+#include <platform/backgroundfiles.h>
 #include <platform/eventclock.h>
+#include <platform/eventwaiter.h>
 #include <platform/hive.h>
 #include <platform/nativefiles.h>
 #include <platform/processors.h>
 #include <platform/system.h>
+#include <platform/textcodec.h>
 #include <ports/recorder.h>
 #include <ports/textfiles.h>
+#include <printing/systemprinting.h>
 #include <settings/layer.h>
 #include <support/qtquestions.h>
 #include <textfile/textfiles.h>
@@ -60,8 +64,25 @@ public:
         textfile::TextCode code = textfile::TextCode::ByContent;
         return textfile::ReadTextFile(path, code);
     }
+    QByteArray Encode(const QString& text, int encoding) override { return EncodeText(text, EncodingOf(encoding)); }
+    QByteArray Mark(int encoding) override
+    {
+        switch (EncodingOf(encoding)) {
+        case TextEncoding::Utf16Le:
+            return MarkOf(TextEncoding::Utf16LeMark);
+        case TextEncoding::Utf8:
+            return MarkOf(TextEncoding::Utf8Mark);
+        default:
+            return {};
+        }
+    }
 
 private:
+    static TextEncoding EncodingOf(int number)
+    {
+        return number == 2 ? TextEncoding::Utf16Le : number == 3 ? TextEncoding::Utf8 : TextEncoding::Ansi;
+    }
+
     const FileSystem& files_;
 };
 
@@ -73,9 +94,12 @@ public:
         : currentUser_(CurrentUserHive(files_, system_)), localMachine_(LocalMachineHive(files_, system_)),
           layer_(PathStyle::Native(), files_, system_, *currentUser_, *localMachine_),
           ask_(!startedByPlatform, [this] { return MainWidget(); }),
-          lines_(clock_, layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {},
-                                                         InstallationIniFile(layer_.folders))),
-          splash_(SplashChoice()), wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
+          lines_(
+              clock_,
+              layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {}, InstallationIniFile(layer_.folders)),
+              system_.ConfigFolder()),
+          printing_(clock_, layer_.folders.DocumentsDir), splash_(SplashChoice()),
+          wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
           commandPieces_(ask_, [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); }),
           main_({layer_, ask_, wizard_, welcome_, settingsDialog_, migration_, running_, splash_, KeepToOneProcessor,
@@ -138,7 +162,8 @@ private:
 
     std::unique_ptr<ctlEmulator> MakeEmulator()
     {
-        return std::make_unique<ctlEmulator>(EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_});
+        return std::make_unique<ctlEmulator>(
+            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_, outputs_, printing_});
     }
 
     static bool UnloadForms()
@@ -168,6 +193,9 @@ private:
     CommLibrary lines_;
     SystemClipboard clipboard_;
     NativeTextFiles texts_{files_};
+    EventWaiter waiter_;
+    BackgroundFiles outputs_{clock_};
+    SystemPrinting printing_;
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;

@@ -71,6 +71,7 @@ static_assert(DistinctMembers(kToolRows));
 
 // An item of a collection by its key, without regard to case, or by its number from 1.
 template <typename T, typename KeyOf>
+// NOLINTNEXTLINE(misc-unused-parameters): the analyser does not see the uses inside a template
 Ref<T> FindItem(const std::vector<Ref<T>>& items, const Variant& key, KeyOf keyOf)
 {
     if (key.IsText()) {

@@ -224,7 +224,7 @@ private:
     }
 };
 
-consteval int CountParameters(std::string_view text)
+constexpr int CountParameters(std::string_view text)
 {
     int count = text.find_first_not_of(' ') == std::string_view::npos ? 0 : 1;
     for (const char c : text)
@@ -243,28 +243,28 @@ template <typename Self>
 struct Members
 {
     template <auto F>
-    static consteval MemberRow Method(MemberId id, const char* name, const char* parameters = "")
+    static constexpr MemberRow Method(MemberId id, const char* name, const char* parameters = "")
     {
         MemberRow row = Row<F>(id, name, parameters, 0);
         row.method = memberdetail::Thunk<Self, F>::kHandler;
         return row;
     }
     template <auto F>
-    static consteval MemberRow Get(MemberId id, const char* name, const char* parameters = "")
+    static constexpr MemberRow Get(MemberId id, const char* name, const char* parameters = "")
     {
         MemberRow row = Row<F>(id, name, parameters, 0);
         row.get = memberdetail::Thunk<Self, F>::kHandler;
         return row;
     }
     template <auto F>
-    static consteval MemberRow Let(MemberId id, const char* name, const char* parameters = "")
+    static constexpr MemberRow Let(MemberId id, const char* name, const char* parameters = "")
     {
         MemberRow row = Row<F>(id, name, parameters, 1);
         row.let = memberdetail::Thunk<Self, F>::kHandler;
         return row;
     }
     template <auto G, auto L>
-    static consteval MemberRow Property(MemberId id, const char* name, const char* parameters = "")
+    static constexpr MemberRow Property(MemberId id, const char* name, const char* parameters = "")
     {
         MemberRow row = Get<G>(id, name, parameters);
         row.let = Let<L>(id, name, parameters).let;
@@ -272,14 +272,14 @@ struct Members
     }
     // A property that holds an object: assigned by Set.
     template <auto G, auto S>
-    static consteval MemberRow ObjectProperty(MemberId id, const char* name, const char* parameters = "")
+    static constexpr MemberRow ObjectProperty(MemberId id, const char* name, const char* parameters = "")
     {
         MemberRow row = Get<G>(id, name, parameters);
         row.set = Let<S>(id, name, parameters).let;
         return row;
     }
     // Published, and fails with NotImplemented however it is called.
-    static consteval MemberRow Unserved(MemberId id, const char* name, quint8 kinds, const char* parameters = "")
+    static constexpr MemberRow Unserved(MemberId id, const char* name, quint8 kinds, const char* parameters = "")
     {
         const int count = memberdetail::CountParameters(parameters);
         MemberRow row;
@@ -298,7 +298,7 @@ struct Members
 
 private:
     template <auto F>
-    static consteval MemberRow Row(MemberId id, const char* name, const char* parameters, int values)
+    static constexpr MemberRow Row(MemberId id, const char* name, const char* parameters, int values)
     {
         using Thunk = memberdetail::Thunk<Self, F>;
         if (memberdetail::CountParameters(parameters) + values != static_cast<int>(Thunk::kCount))
@@ -313,7 +313,7 @@ private:
 };
 
 // A truth value that callers see as a 16-bit number, -1 or 0.
-consteval MemberRow Boolean16(MemberRow row)
+constexpr MemberRow Boolean16(MemberRow row)
 {
     row.result = Variant::Kind::Int16;
     return row;

@@ -98,7 +98,7 @@ constexpr int FileOfImage(ImageSource source)
     return source == ImageSource::Resource ? 1 : source == ImageSource::File ? 2 : 0;
 }
 
-int ToolKey(const QString& text)
+int KeyOfTool(const QString& text)
 {
     bool decimal = false;
     const int key = text.toInt(&decimal);
@@ -110,7 +110,7 @@ int ToolKey(const QString& text)
 MenuTool ReadTool(const Element& element)
 {
     MenuTool tool;
-    tool.key = ToolKey(element.Text("key"_L1));
+    tool.key = KeyOfTool(element.Text("key"_L1));
     tool.type = static_cast<ToolType>(element.Short("type"_L1));
     tool.style = element.Short("style"_L1);
     tool.caption = element.Text("caption"_L1);

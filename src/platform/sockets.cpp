@@ -1,11 +1,15 @@
 #include <platform/sockets.h>
 
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace kestrune {
 
@@ -19,6 +23,44 @@ bool SetTcpKeepalive(qintptr socket, int seconds)
     if (!set(SOL_SOCKET, SO_KEEPALIVE, on))
         return false;
     return !on || (set(IPPROTO_TCP, TCP_KEEPIDLE, seconds) && set(IPPROTO_TCP, TCP_KEEPINTVL, seconds));
+}
+
+void KeepUrgentInline(qintptr socket)
+{
+    const int on = 1;
+    ::setsockopt(static_cast<int>(socket), SOL_SOCKET, SO_OOBINLINE, &on, sizeof on);
+}
+
+bool HasUrgentAhead(qintptr socket)
+{
+    pollfd ask{.fd = static_cast<int>(socket), .events = POLLPRI, .revents = 0};
+    return ::poll(&ask, 1, 0) == 1 && (ask.revents & POLLPRI) != 0;
+}
+
+int DuplicateSocket(qintptr socket) { return ::fcntl(static_cast<int>(socket), F_DUPFD_CLOEXEC, 0); }
+
+void ShutDownSocket(int socket)
+{
+    if (socket >= 0)
+        ::shutdown(socket, SHUT_RDWR);
+}
+
+void CloseSocket(int socket)
+{
+    if (socket >= 0)
+        ::close(socket);
+}
+
+void CloseDuplicate(int duplicate, int original)
+{
+    struct stat one
+    {};
+    struct stat other
+    {};
+    const bool same = ::fstat(duplicate, &one) == 0 && ::fstat(original, &other) == 0 && one.st_dev == other.st_dev &&
+                      one.st_ino == other.st_ino;
+    if (same)
+        ::close(duplicate);
 }
 
 std::optional<quint16> ServicePort(const QByteArray& name)

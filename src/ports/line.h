@@ -5,11 +5,14 @@
 // Inside a notice any call on the line is allowed. The line may be destroyed inside LineClosed, which is
 // always the last thing it says, but not inside another notice.
 
+#include <ports/secret.h>
+
 #include <QByteArray>
 #include <QString>
 
 #include <memory>
 #include <string_view>
+#include <vector>
 
 namespace kestrune {
 
@@ -35,6 +38,41 @@ struct TerminalSize
     bool operator==(const TerminalSize&) const = default;
 };
 
+// Ways to log in over SSH, as SSHAuth stands in session files.
+enum class SshAuth : qint16
+{
+    Automatic = 0, // whatever the host takes: agent, key files, what can be asked of the user
+    Password = 1,
+    KeyboardInteractive = 2,
+    PublicKey = 3, // key files only
+    Agent = 4,
+};
+
+// What is done about the key by which an SSH host proves who it is, as HostKeyValidation stands in session files.
+enum class HostKeyValidation : qint32
+{
+    Ask = 0,       // about unknown and changed ones
+    Strict = 1,    // only known ones
+    AcceptNew = 2, // unknown ones are remembered without a question; about changed ones it is asked
+    None = 3,      // every key is good: for laboratories
+};
+
+// What a lost line leaves for the one that takes its place; only the line's own kind knows what is in it.
+class LineResume
+{
+public:
+    virtual ~LineResume() = default;
+};
+
+// What is done about a host's certificate that is not in order, as HostCertificateValidation stands in session files.
+enum class CertificateValidation : qint32
+{
+    Ask = 0,
+    Strict = 1,    // it ends the connection
+    AcceptNew = 2, // one that nobody known has signed is remembered without a question; about all else it is asked
+    None = 3,      // every certificate is good: for laboratories
+};
+
 // A copy of what the settings say at the moment of connecting. Each device reads its own part.
 struct LineOptions
 {
@@ -51,6 +89,15 @@ struct LineOptions
     bool utf8 = false;            // local program: its tty erases whole UTF-8 characters
     char eraseCharacter = '\x7f'; // local program: what the Backspace key sends, for the tty's erase character
 
+    // What network devices connect through. Its password is asked for, never kept with the session.
+    struct Proxy
+    {
+        int kind = 0; // 0 none, 1 SOCKS5, 2 HTTP CONNECT
+        QString host;
+        QString port; // number or service name
+        QString user; // empty: a proxy that wants to know is told by the user
+    } proxy;
+
     struct Telnet
     {
         bool binary = false;         // ask for BINARY in both directions
@@ -59,6 +106,33 @@ struct LineOptions
         bool alternateBreak = false; // a break is IAC IP instead of IAC BRK
         bool keepaliveIsNop = false; // IAC NOP instead of the TCP keep-alive
     } telnet;
+
+    struct Tls
+    {
+        CertificateValidation validation = CertificateValidation::Ask;
+        QString clientCertificate; // PEM or PKCS#12 file, in trustFolder or anywhere; empty: none
+        QString trustFolder;       // filled in by the library: what this user trusts
+    } tls;
+
+    struct Ssh
+    {
+        int cipher = 0; // SSHCipher: 0 the best that both have, else a row of the cipher table
+        bool onlyPreferredCipher = false;
+        SshAuth auth = SshAuth::Automatic;
+        QString keyFile;        // empty: those of the user's own SSH configuration
+        int keepAlive = 0;      // seconds; 0: off
+        bool noDelay = false;   // TCP_NODELAY, besides tcpNoDelay
+        int breakCharacter = 0; // sent for a break; 0: the channel request of RFC 4335
+        HostKeyValidation hostKeyValidation = HostKeyValidation::Ask;
+        QString hostKeyFingerprint; // "SHA256:..."; not empty: this key and no other
+    } ssh;
+
+    struct Resume
+    {
+        bool enabled = false;               // agree with a host that keeps sessions alive
+        int bufferBytes = 0x40000;          // of what is sent and not yet acknowledged
+        std::shared_ptr<LineResume> from{}; // taken from a lost line; null: a new session
+    } resume;
 
     struct Serial
     {
@@ -87,9 +161,12 @@ enum class LineState : qint16
 inline constexpr quint32 LineErrorCanResume = 0x02000000; // bit 25: the host side can be resumed
 
 namespace LineErrorNumber {
-inline constexpr quint16 NoSuchFile = 2; // local program: not found
+inline constexpr quint16 NoSuchFile = 2;     // local program: not found
+inline constexpr quint16 HostUnknown = 0x20; // with Device::Ssh: a question, see LineQuestion
+inline constexpr quint16 HostChanged = 0x21;
 inline constexpr quint16 AccessDenied = 10013;
 inline constexpr quint16 InvalidArgument = 10022;
+inline constexpr quint16 ProtocolNotSupported = 10043;
 inline constexpr quint16 NetworkDown = 10050;
 inline constexpr quint16 NetworkUnreachable = 10051;
 inline constexpr quint16 ConnectionReset = 10054;
@@ -102,6 +179,46 @@ inline constexpr quint16 HostNotFound = 11001;
 } // namespace LineErrorNumber
 
 constexpr quint32 LineErrorWord(Device device, quint16 number) { return static_cast<quint32>(device) << 16 | number; }
+
+// What a line needs of a person before it can go on. Its own time limits stand still meanwhile; the line's end
+// withdraws the question.
+struct LineQuestion
+{
+    enum class Kind
+    {
+        UnknownHost, // nobody has seen this host key or certificate before
+        ChangedHost, // another one is remembered for this host
+        Secrets      // passwords, passphrases, one-time codes
+    };
+    struct Field
+    {
+        QString label;                // as the host or the key asks for it: "Password:"
+        bool echo = false;            // what is typed may be seen
+        bool mayBeRemembered = false; // it will be the same next time
+    };
+
+    quint32 id = 0; // of this line, never 0
+    Kind kind = Kind::UnknownHost;
+    QString title; // of secrets: "SSH login to host"
+    // What it is about, in the user's words. What a host has said in it is marked as such and cleared of controls.
+    QString text;
+    std::vector<Field> fields{}; // of secrets, may be empty
+};
+
+struct LineAnswer
+{
+    enum class Choice
+    {
+        Cancel,   // the line ends
+        Continue, // trust: this time only; secrets: here they are
+        Update,   // trust: and remember it; secrets: and remember those that may be
+        Nobody    // there is no user to ask; the line ends and says so
+    };
+
+    quint32 question = 0;
+    Choice choice = Choice::Cancel;
+    std::vector<Secret> values{}; // one for each field
+};
 
 class LineListener
 {
@@ -118,6 +235,11 @@ public:
     // The far side does, or no longer does, echo what is typed (telnet ECHO). Told after each agreement; before
     // the first one a network virtual terminal does not echo, every other device does.
     virtual void LineRemoteEcho(bool remote) = 0;
+    // What LineOptions::Resume::from asked for. false: that session is gone, or the host does not answer for it; what
+    // has come since the line was opened belongs to a new one.
+    virtual void LineResumed(bool sameSession) { (void)sameSession; }
+    // Answered by Line::Answer, now or later. At most one question of a line stands at a time.
+    virtual void LineAsks(const LineQuestion& question) = 0;
     // What Send() had to leave in the queue has gone: Unsent() is 0 again. For a paste that paces itself.
     virtual void LineDrained() {}
 };
@@ -138,6 +260,10 @@ public:
     virtual void SetReceiving(bool on) = 0; // false: tell nothing more from the far side until true again
     virtual void Resize(const TerminalSize& size) = 0;
     virtual void Break(int milliseconds) = 0;
+    // An answer to a question that no longer stands is dropped; so is one of a line that never asks.
+    virtual void Answer(LineAnswer) {}
+    // Inside LineClosed, after a LineError with LineErrorCanResume: what the next line needs to go on. Else null.
+    virtual std::shared_ptr<LineResume> TakeResume() { return {}; }
     virtual bool HasChildren() const { return false; } // a program besides the shell itself is running there
 };
 

@@ -14,6 +14,7 @@ namespace kestrune {
 
 class ctlEmulator;
 class clsSession;
+class LinePanels;
 class MenuTools;
 
 class SessionWindow
@@ -22,6 +23,7 @@ public:
     virtual ~SessionWindow() = default;
     virtual ctlEmulator& Emulator() = 0;
     virtual MenuTools& Tools() = 0;
+    virtual LinePanels& Panels() = 0;
 
     virtual void SetTag(const QString& id) = 0; // the session's Id: the window finds its session by it
     virtual QString Tag() const = 0;
@@ -41,7 +43,7 @@ public:
     virtual void RunActivation() = 0;                // what the window does when it became active
     virtual void RunResize() = 0;                    // what it does after a resize
     virtual void ShowInactive() = 0;                 // shows it without activating: for the time a modal dialog is up
-    virtual void TakeFocus() = 0;                    // to the emulator
+    virtual void TakeFocus() = 0;                    // to the emulator, or to the panel over it
     virtual void TakeWindowFocus() = 0;              // to the window itself
     virtual bool FocusIsOnWindow() const = 0;        // on the window itself, not on the emulator in it
     virtual void SetCanClose(bool on) = 0;           // the Close entry of the system menu

@@ -15,6 +15,7 @@
 #include <support/ordlst.h>
 
 #include "emulatorevents.h"
+#include "linetrouble.h"
 #include "report.h"
 
 namespace kestrune {
@@ -58,7 +59,8 @@ void RunTransfer(ApplicationPort& application, const QString& id, const Transfer
 } // namespace
 
 ChildLogic::ChildLogic(ApplicationPort& application, SessionWindow& window)
-    : application_(application), window_(window), events_(std::make_unique<EmulatorEvents>(application, window))
+    : application_(application), window_(window), events_(std::make_unique<EmulatorEvents>(application, window)),
+      trouble_(std::make_unique<LineTrouble>(application, window))
 {}
 
 ChildLogic::~ChildLogic() = default;
@@ -75,7 +77,7 @@ void ChildLogic::FrameActivated()
 void ChildLogic::FocusAfterActivation()
 {
     if (window_.FocusIsOnWindow() && application_.IsForeground())
-        window_.TakeFocus();
+        window_.TakeFocus(); // which is a panel's button while one is up
 }
 
 bool ChildLogic::FrameDeactivated() { return std::exchange(swallowDeactivation_, false); }
@@ -95,6 +97,8 @@ void ChildLogic::Activated()
     RefreshMenu();
     if (!application_.Sessions().Walking())
         application_.Order().SetTop(session->Number());
+    if (window_.Panels().Shown() != LinePanel::None)
+        window_.Panels().TakeFocus();
     const bool recording = application_.Recorder().IsRecording();
     window_.Emulator().SetRecordingText(recording);
     window_.Emulator().SetRecordingKeys(recording);
@@ -160,6 +164,15 @@ void ChildLogic::KeyUp(int key)
     application_.Order().SetTop(window_.Tag().toInt());
 }
 
+// --- panels
+
+void ChildLogic::PanelPressed(LineButton button) { trouble_->Pressed(button); }
+
+void ChildLogic::SecretsTyped(std::vector<Secret> values, bool remember)
+{
+    trouble_->SecretsTyped(std::move(values), remember);
+}
+
 // --- place
 
 void ChildLogic::Resized()
@@ -210,6 +223,7 @@ void ChildLogic::Unloaded()
 {
     activateTimer_.reset();
     events_->Stop();
+    trouble_->Stop();
     application_.Order().Remove(window_.Tag().toInt());
     if (const auto session = Session())
         session->TerminateSession(true);

@@ -6,6 +6,7 @@
 // time; nothing happens when there is none.
 
 #include <ports/clock.h>
+#include <ports/linepanels.h>
 #include <ports/sessionwindow.h>
 
 #include <memory>
@@ -16,6 +17,7 @@ namespace kestrune {
 class ApplicationPort;
 class clsSession;
 class EmulatorEvents;
+class LineTrouble;
 
 // Who closes the window; the numbers are those of the platform's close query.
 enum class UnloadMode : int
@@ -49,6 +51,8 @@ public:
     // key: the platform's key code; shift: 1 shift, 2 control, 4 alt. True: eaten.
     bool KeyDown(int key, int shift);
     void KeyUp(int key);
+    void PanelPressed(LineButton button);
+    void SecretsTyped(std::vector<Secret> values, bool remember); // on the panel that asked for them
 
     // --- state the window's port shows
     bool IsClosing() const { return closing_; }
@@ -78,6 +82,7 @@ private:
     std::optional<Clock::Duration> lastActivation_;
     std::unique_ptr<Clock::Timer> activateTimer_;
     std::unique_ptr<EmulatorEvents> events_;
+    std::unique_ptr<LineTrouble> trouble_;
 };
 
 } // namespace kestrune

@@ -2,7 +2,6 @@
 
 #include <emulator/control/ctlemulator.h>
 #include <ports/line.h>
-#include <ports/questions.h>
 #include <ports/recorder.h>
 #include <ports/scriptengine.h>
 #include <sessions/tools.h>
@@ -54,18 +53,6 @@ constexpr std::array TermTypeNames = {
     TermTypeRow{77, u"VT220 Lanpar"},
 };
 
-// Connection reset, not connected and shut down on the network devices, and the end of an SSH line: the
-// Disconnect that follows speaks for them.
-constexpr std::array<quint32, 10> ErrorsOfDisconnect = {0x32746, 0x32749, 0x3274A, 0x52746, 0x52749,
-                                                        0x5274A, 0x72746, 0x72749, 0x7274A, 0x50010};
-constexpr quint32 ErrorNumberMask = 0x00FFFFFF;
-constexpr quint32 FirstGeneralError = 0x100000; // below it stand the classes of the devices
-
-bool IsNetworkDevice(int device)
-{
-    return device == int(Device::Telnet) || device == int(Device::Ssh) || device == int(Device::SslTelnet);
-}
-
 QString CommaText(std::initializer_list<int> numbers)
 {
     QStringList parts;
@@ -83,7 +70,6 @@ EmulatorEvents::EmulatorEvents(ApplicationPort& application, SessionWindow& wind
     SetCaption(Tool::TermType, TermTypeName(emulator.Settings().Integer(Setting("TermType"))));
     ConnectStatus(emulator);
     ConnectSession(emulator);
-    ConnectLine(emulator);
     ConnectRecorder(emulator);
     ConnectUser(emulator);
 }
@@ -136,10 +122,6 @@ void EmulatorEvents::StatusChanged(qint16 status, QString& text)
     const bool connected = status == qint16(LineState::Connected);
     if (text.isEmpty())
         text = tr("no connection");
-    if (connected) {
-        lossTold_ = false;
-        lastError_ = 0;
-    }
     Tell(Tool::AutoDial, ToolProperty::Enabled, connected);
     SetCaption(Tool::ConnectionStatus, text.left(StatusTextLength));
 }
@@ -191,63 +173,6 @@ void EmulatorEvents::ConnectSession(ctlEmulator& emulator)
                 *value = layer.profile.ProfileGetString(section, key, {}, InstallationIniFile(layer.folders));
                 *found = true;
             });
-}
-
-// --- line
-
-void EmulatorEvents::ConnectLine(ctlEmulator& emulator)
-{
-    connect(&emulator, &ctlEmulator::CommError, this,
-            [this](quint32* word, const QString& description, bool fatal) { CommError(*word, description, fatal); });
-    connect(&emulator, &ctlEmulator::Disconnect, this, [this] { Disconnected(); });
-}
-
-void EmulatorEvents::CommError(quint32& word, const QString& description, bool fatal)
-{
-    lastError_ = word;
-    const auto session = LiveSession(application_, window_);
-    if (!session)
-        return;
-    const quint32 number = word & ErrorNumberMask;
-    word = 0; // dealt with below
-    const bool saidByDisconnect =
-        session->AutoClose() || IsNetworkDevice(session->Settings().Integer(Setting("Device")));
-    if (saidByDisconnect &&
-        std::find(ErrorsOfDisconnect.begin(), ErrorsOfDisconnect.end(), number) != ErrorsOfDisconnect.end())
-        return;
-    if (number != 0 && (fatal || session->ShowErrs()))
-        SayLoss(description, session->ShowErrs() || number >= FirstGeneralError);
-}
-
-void EmulatorEvents::Disconnected()
-{
-    const auto session = LiveSession(application_, window_);
-    if (!session)
-        return;
-    if (session->AutoClose() && !(lastError_ & LineErrorCanResume)) {
-        // From the message loop: the end may ask about changes, and that must not happen inside the line's notice.
-        application_.Time().Post([&application = application_, id = session->Id()] {
-            if (const auto ended = application.Sessions().Find(id))
-                ReportFailure(application, [&] { ended->Terminate(TerminatePrompt::UnsavedChanges); });
-        });
-        return;
-    }
-    if (IsNetworkDevice(session->Settings().Integer(Setting("Device"))) && !window_.IsClosing() && !lossTold_)
-        SayLoss(tr("The connection to the host has been terminated."), session->ShowErrs());
-}
-
-// The emulator has written the reason on the screen and into the status text; the session stays.
-void EmulatorEvents::SayLoss(const QString& text, bool message)
-{
-    lossTold_ = true;
-    application_.Ask().Beep();
-    if (!message)
-        return;
-    MsgBoxRequest request;
-    request.text = text;
-    request.flags = MsgFlag::Exclamation;
-    request.title = application_.Sessions().Count() > 1 ? u"Kestrune - "_s + window_.Title() : u"Kestrune"_s;
-    application_.Time().Post([&ask = application_.Ask(), request] { ask.MsgBox(request); });
 }
 
 // --- recorder

@@ -1,6 +1,6 @@
 #pragma once
 
-// What an emulator control reports, turned into status texts, session calls, messages and recorder notices.
+// What an emulator control reports, turned into status texts, session calls and recorder notices.
 
 #include <ports/menutools.h>
 
@@ -27,22 +27,16 @@ public:
 private:
     void ConnectStatus(ctlEmulator& emulator);
     void ConnectSession(ctlEmulator& emulator);
-    void ConnectLine(ctlEmulator& emulator);
     void ConnectRecorder(ctlEmulator& emulator);
     void ConnectUser(ctlEmulator& emulator);
     void Tell(int tool, ToolProperty property, const QVariant& value);
     void SetCaption(int tool, const QString& text) { Tell(tool, ToolProperty::Caption, text); }
     void StatusChanged(qint16 status, QString& text);
-    void CommError(quint32& word, const QString& description, bool fatal);
-    void Disconnected();
-    void SayLoss(const QString& text, bool message);
     QString TermTypeName(int type) const;
 
     ApplicationPort& application_;
     SessionWindow& window_;
     std::map<std::pair<int, ToolProperty>, QVariant> told_; // events say a status only when it changes
-    quint32 lastError_ = 0;                                 // error word of the last CommError; 0: none
-    bool lossTold_ = false;                                 // the user has been told why this connection is gone
 };
 
 } // namespace kestrune

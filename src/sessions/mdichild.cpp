@@ -4,15 +4,20 @@
 #include <emulator/view/terminalview.h>
 #include <menubar/tamenubar.h>
 #include <ports/application.h>
+#include <ports/questions.h>
 #include <sessions/childlogic.h>
 #include <sessions/tools.h>
+
+#include "sessionpanels.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QKeyEvent>
 #include <QMdiArea>
 #include <QMenu>
+#include <QUrl>
 
 #include <array>
 
@@ -60,12 +65,17 @@ frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulat
       view_(new TerminalView(*emulator_)), logic_(std::make_unique<ChildLogic>(application, *this))
 {
     setWidget(view_);
-    setAttribute(Qt::WA_DeleteOnClose, false); // it goes by Unload
+    panels_ = new SessionPanels(*this, *view_); // a new child is an event for this window
+    setAttribute(Qt::WA_DeleteOnClose, false);  // it goes by Unload
     TakeOverSystemMenu();
     view_->installEventFilter(this);
+    connect(view_, &TerminalView::LinkActivated, this, &frmMdiChild::OpenLink);
     ChangeIcon({});
     SetState(application.InitChildWindowState());
     connect(this, &QMdiSubWindow::windowStateChanged, this, &frmMdiChild::StateChanged);
+    connect(panels_, &SessionPanels::Pressed, this, [this](LineButton button) { logic_->PanelPressed(button); });
+    connect(panels_, &SessionPanels::SecretsTyped, this,
+            [this](const auto& take, bool remember) { logic_->SecretsTyped(take(), remember); });
 }
 
 frmMdiChild::~frmMdiChild()
@@ -73,7 +83,23 @@ frmMdiChild::~frmMdiChild()
     disconnect(this, nullptr, this, nullptr); // the base class still reports states while it goes
     view_->removeEventFilter(this);
     logic_.reset();
+    delete panels_; // before the terminal that it watches
     delete view_;
+}
+
+void frmMdiChild::OpenLink(const QString& target, bool mustAsk)
+{
+    Questions& ask = application_.Ask();
+    const auto owner = quintptr(winId());
+    const QPointer self(this);
+    const auto say = [&](const QString& text, int flags) {
+        return ask.MsgBox({.text = text + u"\n\n"_s + target, .flags = flags, .title = {}, .owner = owner});
+    };
+    if (mustAsk && say(tr("Open this with the program that the desktop has for it?"),
+                       MsgFlag::OkCancel + MsgFlag::Question) != MsgResult::Ok)
+        return;
+    if (self && !QDesktopServices::openUrl(QUrl(target))) // the session may have gone while the box was up
+        say(tr("The desktop has no program that opens this:"), MsgFlag::Exclamation);
 }
 
 // The keys of the system menu's entries belong to the host.
@@ -87,6 +113,7 @@ void frmMdiChild::TakeOverSystemMenu()
 }
 
 MenuTools& frmMdiChild::Tools() { return *menu_; }
+LinePanels& frmMdiChild::Panels() { return *panels_; }
 
 // --- title and icon
 
@@ -212,7 +239,13 @@ void frmMdiChild::resizeEvent(QResizeEvent* event)
 
 // --- focus and keys
 
-void frmMdiChild::TakeFocus() { view_->setFocus(Qt::OtherFocusReason); }
+void frmMdiChild::TakeFocus()
+{
+    if (panels_->Shown() != LinePanel::None)
+        panels_->TakeFocus();
+    else
+        view_->setFocus(Qt::OtherFocusReason);
+}
 
 void frmMdiChild::TakeWindowFocus() { setFocus(Qt::OtherFocusReason); }
 

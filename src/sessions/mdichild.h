@@ -1,6 +1,7 @@
 #pragma once
 
-// The child window of one session inside the main window's area: the emulator's view and nothing else to see. It
+// The child window of one session inside the main window's area: the emulator's view, and panels
+// over it while the line needs the user. It
 // owns the session's emulator control and menu, tells ChildLogic what happens to it, and does what its port asks.
 
 #include <ports/sessionwindow.h>
@@ -16,6 +17,7 @@ namespace kestrune {
 
 class ApplicationPort;
 class ChildLogic;
+class SessionPanels;
 class taMenuBar;
 class TerminalView;
 
@@ -38,6 +40,7 @@ public:
     // --- SessionWindow
     ctlEmulator& Emulator() override { return *emulator_; }
     MenuTools& Tools() override;
+    LinePanels& Panels() override;
     void SetTag(const QString& id) override { tag_ = id; }
     QString Tag() const override { return tag_; }
     quintptr Handle() const override { return tag_.toULongLong(); } // the toolkit's views have none of their own
@@ -83,13 +86,15 @@ protected:
 
 private:
     void TakeOverSystemMenu();
+    void OpenLink(const QString& target, bool mustAsk);
     void StateChanged(Qt::WindowStates before, Qt::WindowStates now);
     void KeepNormalPlace();
 
     ApplicationPort& application_;
     std::unique_ptr<ctlEmulator> emulator_;
     std::unique_ptr<taMenuBar> menu_;
-    TerminalView* view_ = nullptr; // a child widget; goes before the emulator does
+    TerminalView* view_ = nullptr;    // a child widget; goes before the emulator does
+    SessionPanels* panels_ = nullptr; // a child too
     std::unique_ptr<ChildLogic> logic_;
     QPointer<QAction> closeAction_; // of the system menu
     QString tag_;

@@ -22,8 +22,8 @@ TEST(CommLibrary, KnowsWhichDevicesAreHere)
         if (without.ORCommExist(device))
             presentWithout.push_back(device);
     }
-    EXPECT_EQ(present, (std::vector<int>{3, 6}));
-    EXPECT_EQ(presentWithout, (std::vector<int>{3}));
+    EXPECT_EQ(present, (std::vector<int>{2, 3, 5, 6, 7}));
+    EXPECT_EQ(presentWithout, (std::vector<int>{2, 3, 5, 7}));
 }
 
 TEST(CommLibrary, NamesDevicesIntoABufferOfGivenLength)
@@ -36,7 +36,7 @@ TEST(CommLibrary, NamesDevicesIntoABufferOfGivenLength)
         QString text;
     };
     for (const Case& c : {Case{6, 20, u"Local Shell"_s}, Case{6, 5, u"Local"_s}, Case{3, 20, u"Telnet"_s},
-                          Case{5, 20, u""_s}, Case{99, 20, u""_s}, Case{6, -1, u""_s}}) {
+                          Case{5, 20, u"SSH"_s}, Case{99, 20, u""_s}, Case{6, -1, u""_s}}) {
         int length = c.room;
         QString text = u"before"_s;
         library.ORCommID(c.device, length, text);
@@ -47,7 +47,7 @@ TEST(CommLibrary, NamesDevicesIntoABufferOfGivenLength)
 
 TEST(CommLibrary, MakesNoLineForADeviceThatIsNotHere)
 {
-    for (const Device device : {Device::None, Device::Ssh, Device::SerialPort}) {
+    for (const Device device : {Device::None, Device::Modem, Device::SerialPort}) {
         LineOptions options;
         options.device = device;
         EXPECT_EQ(LineRig(options).line, nullptr);

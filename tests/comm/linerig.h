@@ -39,9 +39,11 @@ inline bool WaitUntil(const std::function<bool()>& happened)
 class LineRig : public LineListener
 {
 public:
-    explicit LineRig(const LineOptions& options) : LineRig(options, eventClock_) {}
-    LineRig(const LineOptions& options, Clock& clock)
-        : library_(clock, QStringLiteral("Local Shell")), line(library_.Make(options, *this))
+    explicit LineRig(const LineOptions& options, const QString& trustFolder = {})
+        : LineRig(options, eventClock_, trustFolder)
+    {}
+    LineRig(const LineOptions& options, Clock& clock, const QString& trustFolder = {})
+        : library_(clock, QStringLiteral("Local Shell"), trustFolder), line(library_.Make(options, *this))
     {}
 
     LineRig& Opened()
@@ -101,6 +103,12 @@ public:
         receivedAtEnd = receivedBytes;
     }
     void LineRemoteEcho(bool remote) override { remoteEcho = remote; }
+    void LineAsks(const LineQuestion& question) override
+    {
+        questions.push_back(question);
+        if (onQuestion)
+            line->Answer(onQuestion(question));
+    }
     void LineDrained() override { ++drained; }
 
     QByteArray received;
@@ -116,6 +124,8 @@ public:
     bool anyFatal = false;
     int closed = 0, programEnds = 0, exitCode = -1, signalNumber = -1, drained = 0;
     std::optional<bool> remoteEcho;
+    std::vector<LineQuestion> questions;
+    std::function<LineAnswer(const LineQuestion&)> onQuestion; // null: the test answers later
 
 private:
     EventClock eventClock_;

@@ -14,10 +14,11 @@ namespace {
 std::string Wire(const std::string& words)
 {
     static const std::map<std::string, int> names{
-        {"IAC", 255},   {"DONT", 254},    {"DO", 253},     {"WONT", 252}, {"WILL", 251},   {"SB", 250},
-        {"AYT", 246},   {"IP", 244},      {"BRK", 243},    {"DM", 242},   {"NOP", 241},    {"SE", 240},
-        {"BINARY", 0},  {"ECHO", 1},      {"SGA", 3},      {"TM", 6},     {"TTYPE", 24},   {"NAWS", 31},
-        {"TSPEED", 32}, {"XDISPLOC", 35}, {"ENVIRON", 39}, {"AUTH", 37},  {"LINEMODE", 34}};
+        {"IAC", 255},    {"DONT", 254}, {"DO", 253},     {"WONT", 252},   {"WILL", 251},  {"SB", 250},
+        {"AYT", 246},    {"IP", 244},   {"BRK", 243},    {"DM", 242},     {"NOP", 241},   {"SE", 240},
+        {"BINARY", 0},   {"ECHO", 1},   {"SGA", 3},      {"TM", 6},       {"TTYPE", 24},  {"NAWS", 31},
+        {"STATUS", 5},   {"EOR", 25},   {"LOGOUT", 18},  {"ENDREC", 239}, {"TSPEED", 32}, {"XDISPLOC", 35},
+        {"ENVIRON", 39}, {"AUTH", 37},  {"LINEMODE", 34}};
     std::string bytes;
     std::istringstream in(words);
     for (std::string word; in >> word;) {
@@ -111,6 +112,13 @@ TEST(Telnet, AnswersOptionsAsItsTableSays)
         {"no speed before the agreement", {}, "IAC SB TSPEED 1 IAC SE", ""},
         {"each timing mark is marked", {}, "IAC DO TM IAC DO TM", "IAC WILL TM IAC WILL TM"},
         {"are you there", {}, "IAC AYT", "IAC NOP"},
+        {"status",
+         {},
+         "IAC DO STATUS IAC WILL ECHO IAC DO TSPEED IAC SB STATUS 1 IAC SE",
+         "IAC WILL STATUS IAC DO ECHO IAC SB STATUS 0 WILL STATUS WILL TSPEED DO ECHO IAC SE"},
+        {"no status of the host's", {}, "IAC WILL STATUS IAC SB STATUS 0 WILL ECHO IAC SE", "IAC DONT STATUS"},
+        {"records both ways when asked", {}, "IAC DO EOR IAC WILL EOR", "IAC WILL EOR IAC DO EOR"},
+        {"nobody is logged off", {}, "IAC DO LOGOUT IAC WILL LOGOUT", "IAC WONT LOGOUT IAC DONT LOGOUT"},
         {"user by name", asUser, "IAC DO ENVIRON IAC SB ENVIRON 1 0 USER IAC SE",
          "IAC SB ENVIRON 0 0 USER 1 ann IAC SE"},
         {"user when all is asked for", asUser, "IAC DO ENVIRON IAC SB ENVIRON 1 IAC SE",
@@ -232,6 +240,30 @@ TEST(Telnet, SendsCarriageReturnsAsTheHostReadsThem)
     EXPECT_EQ(rig.Typed("ls\r\xff"), "ls\r\xff\xff") << "binary";
 }
 
+TEST(Telnet, EndsRecordsWhereTheHostAsksForThem)
+{
+    using namespace std::string_literals;
+    TelnetRig rig;
+    rig.Started().HostSays("IAC DO BINARY IAC DO EOR");
+    EXPECT_EQ(rig.Typed("ab"), "ab");
+    EXPECT_EQ(Words(rig.Typed("ab\r")), Words("ab\r" + Wire("IAC ENDREC")));
+    rig.HostSays("a IAC ENDREC b");
+    EXPECT_EQ(rig.data, "ab") << "marks are no text";
+}
+
+TEST(Telnet, DropsTextUpToTheDataMarkButObeysCommands)
+{
+    TelnetRig rig;
+    rig.Started().telnet.BeginSynch();
+    EXPECT_EQ(Words(rig.Answer("old IAC IAC IAC DO TM old IAC DM new")), Words(Wire("IAC WILL TM")));
+    EXPECT_EQ(rig.data, "new");
+    rig.telnet.BeginSynch();
+    rig.HostSays("lost");
+    rig.telnet.EndSynch();
+    rig.HostSays("IAC DM kept");
+    EXPECT_EQ(rig.data, "newkept");
+}
+
 TEST(Telnet, SendsCommands)
 {
     TelnetRig rig;
@@ -281,6 +313,10 @@ TEST(Telnet, GivesTheSameForAnySplit)
         TelnetSettings settings = Vt220();
         settings.userName = "ann";
         TelnetRig whole(settings), split(settings);
+        if (round % 2) {
+            whole.telnet.BeginSynch();
+            split.telnet.BeginSynch();
+        }
         whole.telnet.Receive(wire);
         for (std::size_t at = 0; at < wire.size();) {
             const std::size_t length = 1 + random() % 5;

@@ -1,12 +1,10 @@
-#include "linerig.h"
+#include "scriptedhost.h"
 
 #include <fakes/fakeclock.h>
 
-#include <QHostAddress>
-#include <QTcpServer>
-#include <QTcpSocket>
-
 #include <gtest/gtest.h>
+
+#include <sys/socket.h>
 
 namespace kestrune {
 
@@ -15,60 +13,13 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-// The host of a test: takes one caller and plays bytes.
-class ScriptedHost
-{
-public:
-    ScriptedHost() { EXPECT_TRUE(server_.listen(QHostAddress::LocalHost)); }
-
-    LineOptions Options() const
-    {
-        LineOptions options;
-        options.device = Device::Telnet;
-        options.hostName = u"127.0.0.1"_s;
-        options.hostPort = QString::number(server_.serverPort());
-        options.terminalName = u"vt220"_s;
-        return options;
-    }
-    bool Takes(LineRig& rig)
-    {
-        rig.line->Open();
-        const bool called = rig.Until([this, &rig] {
-            caller_ = caller_ ? caller_ : server_.nextPendingConnection();
-            return caller_ && rig.line->IsOpen();
-        });
-        return called;
-    }
-    QTcpSocket& Caller() { return *caller_; }
-    void Says(const QByteArray& bytes) { caller_->write(bytes); }
-    bool Hears(LineRig& rig, const QByteArray& bytes)
-    {
-        return rig.Until([&] {
-            heard_ += caller_->readAll();
-            return heard_.contains(bytes);
-        });
-    }
-
-private:
-    QTcpServer server_;
-    QTcpSocket* caller_ = nullptr; // the server's
-    QByteArray heard_;
-};
-
-LineOptions TelnetTo(const QString& host, const QString& port = {})
+LineOptions TelnetTo(const QString& host, const QString& port = {}, Device device = Device::Telnet)
 {
     LineOptions options;
-    options.device = Device::Telnet;
+    options.device = device;
     options.hostName = host;
     options.hostPort = port;
     return options;
-}
-
-quint16 ClosedPort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost);
-    return server.serverPort();
 }
 
 TEST(TelnetLine, ConnectsTalksAndTellsHowItWent)
@@ -99,24 +50,27 @@ TEST(TelnetLine, ConnectsTalksAndTellsHowItWent)
     EXPECT_EQ(rig.closed, 1);
 }
 
-TEST(TelnetLine, BypassChangesNoByte)
+TEST(TelnetLine, BypassAndPicLanChangeNoByte)
 {
-    ScriptedHost host;
-    LineOptions options = host.Options();
-    options.telnet.bypass = true;
-    options.keepaliveInterval = 60;
-    options.telnet.keepaliveIsNop = true;
-    LineRig rig(options);
-    ASSERT_TRUE(host.Takes(rig));
-    QByteArray all;
-    for (int i = 0; i < 256; ++i)
-        all += static_cast<char>(i);
-    all += "\xff\xfd\x18\r\n";
-    rig.line->Break(100);
-    rig.Type(all);
-    EXPECT_TRUE(host.Hears(rig, all));
-    host.Says(all);
-    EXPECT_TRUE(rig.UntilReceived(all));
+    for (const Device device : {Device::Telnet, Device::PicLan}) {
+        ScriptedHost host;
+        LineOptions options = host.Options();
+        options.device = device;
+        options.telnet.bypass = device == Device::Telnet;
+        options.keepaliveInterval = 60;
+        options.telnet.keepaliveIsNop = true;
+        LineRig rig(options);
+        ASSERT_TRUE(host.Takes(rig));
+        QByteArray all;
+        for (int i = 0; i < 256; ++i)
+            all += static_cast<char>(i);
+        all += "\xff\xfd\x18\r\n";
+        rig.line->Break(100);
+        rig.Type(all);
+        EXPECT_TRUE(host.Hears(rig, all));
+        host.Says(all);
+        EXPECT_TRUE(rig.UntilReceived(all));
+    }
 }
 
 TEST(TelnetLine, SaysWhyItCouldNotConnect)
@@ -148,6 +102,7 @@ TEST(TelnetLine, SaysWhyItCouldNotConnect)
          u"Unable to connect to h: \"65536\" is not a port number or a service name."_s},
         {TelnetTo(u"h"_s, u"-1"_s), 0x32726,
          u"Unable to connect to h: \"-1\" is not a port number or a service name."_s},
+        {TelnetTo(u"h"_s, u""_s, Device::PicLan), 0x22726, u"Unable to connect to h: the session names no port."_s},
         {TelnetTo(u"h"_s, u"no such"_s), 0x32726,
          u"Unable to connect to h: \"no such\" is not a port number or a service name."_s},
     };
@@ -296,6 +251,23 @@ TEST(TelnetLine, BreaksAsTheSettingsSay)
         rig.line->Break(250);
         EXPECT_TRUE(host.Hears(rig, alternate ? "\xff\xf4" : "\xff\xf3"));
     }
+}
+
+// The mark comes as the urgent byte that RFC 854 asks for, right after its IAC.
+TEST(TelnetLine, ThrowsOldOutputAwayWhenTheHostIsUrgent)
+{
+    ScriptedHost host;
+    LineRig rig(host.Options());
+    ASSERT_TRUE(host.Takes(rig));
+    rig.line->SetReceiving(false);
+    host.Says("old text" + QByteArray(100'000, 'x') + "\xff");
+    host.Caller().flush();
+    const char mark = '\xf2';
+    ASSERT_EQ(::send(static_cast<int>(host.Caller().socketDescriptor()), &mark, 1, MSG_OOB), 1);
+    host.Says("new text");
+    rig.line->SetReceiving(true);
+    ASSERT_TRUE(rig.UntilReceived("new text"));
+    EXPECT_EQ(rig.received, "new text");
 }
 
 TEST(TelnetLine, NeverTellsAUserNameThatBeginsWithADash)

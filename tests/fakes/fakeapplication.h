@@ -17,6 +17,9 @@
 #include "fakemainwindow.h"
 #include "fakequestions.h"
 #include "fakesystem.h"
+#include "fakewaiter.h"
+#include "memoryoutput.h"
+#include "memoryprinting.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -115,7 +118,7 @@ struct FakeSurroundings
           layer(PathStyle::Native(), files, system, user, machine)
     {}
 
-    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts}; }
+    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs, printing}; }
 
     QTemporaryDir folder;
     FakeSystem system;
@@ -128,6 +131,9 @@ struct FakeSurroundings
     FakeClipboard clipboard;
     FakeLineFactory lines;
     MemoryTextFiles texts;
+    FakeWaiter waiter{clock};
+    MemoryOutputFiles outputs{clock};
+    MemoryPrinting printing{clock};
     FakeRecorder recorder;
 
 private:

@@ -61,6 +61,8 @@ public:
         ++resizes;
     }
     void Break(int) override { ++breaks; }
+    void Answer(LineAnswer answer) override { answers.push_back(std::move(answer)); }
+    std::shared_ptr<LineResume> TakeResume() override { return std::move(resume); }
     bool HasChildren() const override { return hasChildren; }
 
     // --- what the far side does
@@ -72,6 +74,8 @@ public:
         listener_.LineStateChanged(LineState::Connected, QStringLiteral("Connected"));
     }
     void HostSays(std::string_view bytes) { listener_.LineReceived(bytes); }
+    void Ask(const LineQuestion& question) { listener_.LineAsks(question); }
+    void Resumed(bool sameSession) { listener_.LineResumed(sameSession); }
     void RemoteEcho(bool on) { listener_.LineRemoteEcho(on); }
     void Fail(quint32 word, const QString& text)
     {
@@ -110,6 +114,8 @@ public:
     bool hasChildren = false;
     bool held = false; // what is sent stays queued until Drain
     qsizetype unsent = 0;
+    std::vector<LineAnswer> answers;
+    std::shared_ptr<LineResume> resume; // what a lost line leaves behind
     int breaks = 0;
     int resizes = 0;
 };

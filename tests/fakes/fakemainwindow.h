@@ -5,6 +5,7 @@
 
 #include <emulator/control/ctlemulator.h>
 #include <ports/application.h>
+#include <ports/linepanels.h>
 #include <ports/menutools.h>
 #include <ports/sessionwindow.h>
 #include <sessions/childlogic.h>
@@ -34,6 +35,31 @@ public:
     std::map<int, QHash<ToolProperty, QVariant>> tools;
 };
 
+class FakeLinePanels : public LinePanels
+{
+public:
+    LinePanel Shown() const override { return shown; }
+    void ShowReconnect(const QString& what) override { Show(LinePanel::Reconnect, what); }
+    void ShowConfirm(const QString& what) override { Show(LinePanel::Confirm, what); }
+    void ShowSecrets(const LineQuestion& question) override { Show(LinePanel::Secrets, question.text); }
+    void SetCanResume(bool on) override { canResume = on; }
+    void Hide() override { shown = LinePanel::None; }
+    void TakeFocus() override { ++focused; }
+    void ShowHelp(const QString& what) override { help = what; }
+
+    LinePanel shown = LinePanel::None;
+    QString text, help;
+    bool canResume = false;
+    int focused = 0;
+
+private:
+    void Show(LinePanel panel, const QString& what)
+    {
+        shown = panel;
+        text = what;
+    }
+};
+
 class FakeMainWindow;
 
 class FakeSessionWindow : public SessionWindow
@@ -52,6 +78,7 @@ public:
 
     ctlEmulator& Emulator() override { return *emulator; }
     MenuTools& Tools() override { return tools; }
+    LinePanels& Panels() override { return panels; }
     void SetTag(const QString& id) override { tag = id; }
     QString Tag() const override { return tag; }
     quintptr Handle() const override { return tag.toULongLong(); }
@@ -106,6 +133,7 @@ private:
 public:
     std::unique_ptr<ctlEmulator> emulator;
     FakeMenuTools tools;
+    FakeLinePanels panels;
     std::unique_ptr<ChildLogic> logic;
     QString tag, title, icon;
     WindowPlace place{0, 0, 640, 400, 0};

@@ -169,9 +169,12 @@ class Kestrune:
         self.click(*middle)
         return text
 
-    def shows(self, *needles, seconds=20):
-        """Waits until one look at the screen finds them all, and returns what it saw."""
+    def shows(self, *needles, seconds=20, under_panel=False):
+        """Waits until one look at the screen finds them all, and returns what it saw. under_panel: the panel over
+        the terminal, which keeps the mouse from it, is cancelled first."""
         def there():
+            if under_panel:
+                self.key("Escape")
             self.last_text = self.screen_text()
             return all(needle in self.last_text for needle in needles)
         try:

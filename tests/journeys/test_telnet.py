@@ -74,7 +74,7 @@ class Telnet(desktop.Journey):
         self.desktop.picture("telnet")
 
         self.end_server()
-        program.shows("onnection")
+        program.shows("onnection", under_panel=True)
         self.desktop.picture("telnet-lost")
         self.assertIn("welcome ann", program.last_text)  # what was on the screen stays
         self.assertIsNone(program.process.poll())
@@ -85,7 +85,7 @@ class Telnet(desktop.Journey):
             port = probe.getsockname()[1]
         program = self.start(self.session_file("dead.orcf", Device=3, HostName="127.0.0.1", HostPort=port))
         program.window()
-        shown = program.shows("refused")
+        shown = program.shows("refused", under_panel=True)
         self.assertIn(str(port), shown)
 
 

@@ -1,3 +1,4 @@
+#include <app/missingpieces.h>
 #include <fakes/print.h>
 #include <fakes/shellbench.h>
 #include <menus/loadmenu.h>
@@ -92,6 +93,35 @@ TEST_F(MenuCmdTest, SessionCommands)
     EXPECT_EQ(application_.Sessions().Count(), 1);
 }
 
+// Until the capture dialogs stand, a file dialog starts a capture.
+TEST_F(MenuCmdTest, CaptureAndPrinterAreTurnedOnAndOff)
+{
+    const auto session = Open();
+    MissingCommandPieces pieces(bench_.ask, [](const QString&) {});
+    const QString file = bench_.Home(u"capture.txt"_s);
+    bench_.ask.files = {std::nullopt, file};
+    pieces.ShowCaptureStart(*session);
+    EXPECT_EQ(session->Emulator().CaptureSource(), 0) << "cancelled";
+    pieces.ShowCaptureStart(*session);
+    EXPECT_EQ(session->Emulator().CaptureFileName(), file);
+    pieces.ShowCaptureStop(*session);
+    EXPECT_EQ(session->Emulator().CaptureSource(), 0);
+    EXPECT_TRUE(bench_.outputs.files.contains(file));
+
+    bench_.outputs.readOnly = true;
+    bench_.ask.files = {file};
+    pieces.ShowCaptureStart(*session);
+    ASSERT_EQ(bench_.ask.boxes.size(), 1u);
+    EXPECT_EQ(bench_.ask.boxes[0].text, u"The selected file cannot be updated. Please choose a different file."_s);
+
+    Do(u"[#201]"_s, session.get());
+    EXPECT_EQ(session->Emulator().PrinterMode(), 1);
+    Do(u"[#201]"_s, session.get());
+    EXPECT_EQ(session->Emulator().PrinterMode(), 0);
+    Do(u"[#202]"_s, session.get());
+    EXPECT_EQ(bench_.printing.jobs.size(), 1u);
+}
+
 TEST_F(MenuCmdTest, BarsAreFlippedAndStored)
 {
     Do(u"[#1201]"_s);
@@ -183,7 +213,7 @@ TEST_F(MenuCmdTest, FailuresOfAClickAreToldInTheStatusLineOrAsMissing)
 {
     const auto session = Open();
     taMenuBar bars;
-    menu_.ToolClick(bars, {}, ToolOf(202, u"[#202]"_s), session.get());
+    menu_.ToolClick(bars, {}, ToolOf(506, u"[#506]"_s), session.get());
     ASSERT_EQ(bench_.ask.boxes.size(), 1u);
     EXPECT_EQ(bench_.ask.boxes[0].flags, MsgFlag::Information);
 }

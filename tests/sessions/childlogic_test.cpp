@@ -1,7 +1,5 @@
 #include "bench.h"
 
-#include <ports/line.h>
-
 namespace kestrune {
 namespace {
 
@@ -150,69 +148,6 @@ TEST(ChildLogic, SaveThatTheEmulatorAskedForSaysWhyItFailed)
     emit bench.window->emulator->SaveSettings();
     ASSERT_EQ(bench.ask.boxes.size(), 1u);
     EXPECT_FALSE(bench.ask.boxes[0].text.isEmpty());
-}
-
-struct LossCase
-{
-    const char* what;
-    bool showErrs, autoClose;
-    bool fails; // with an error, else the host just closes
-    quint32 word;
-    bool ends;
-    QString message;
-};
-
-TEST(ChildLogic, LostConnectionIsToldAndTheSessionStays)
-{
-    const QString lost = u"The connection to the host has been terminated."_s;
-    const LossCase cases[] = {
-        {"host closed", false, false, false, 0, false, {}},
-        {"host closed, errors shown", true, false, false, 0, false, lost},
-        {"refused", false, false, true, 0x3274D, false, {}},
-        {"refused, errors shown", true, false, true, 0x3274D, false, u"Refused"_s},
-        {"reset: the disconnect speaks for it", true, false, true, 0x32746, false, lost},
-        {"general error is a message", false, false, true, 0x130001, false, u"Refused"_s},
-        {"closes by itself", false, true, false, 0, true, {}},
-        {"can be resumed: does not close", true, true, true, 0x3274D | LineErrorCanResume, false, u"Refused"_s},
-    };
-    for (const LossCase& row : cases) {
-        SCOPED_TRACE(row.what);
-        ChildBench bench;
-        bench.session->SetShowErrs(row.showErrs);
-        bench.session->SetAutoClose(row.autoClose);
-        bench.session->SetChanged(false);
-        bench.lines.Current().Connect();
-        if (row.fails)
-            bench.lines.Current().Fail(row.word, u"Refused"_s);
-        else
-            bench.lines.Current().Drop();
-        EXPECT_FALSE(bench.session->Terminated()) << "not from inside the line's notice";
-        bench.clock.RunPosted();
-        EXPECT_EQ(bench.session->Terminated(), row.ends);
-        if (row.message.isEmpty()) {
-            EXPECT_TRUE(bench.ask.boxes.empty());
-        } else {
-            ASSERT_EQ(bench.ask.boxes.size(), 1u);
-            EXPECT_EQ(bench.ask.boxes[0].text, row.message);
-            EXPECT_EQ(bench.ask.boxes[0].title, u"Kestrune"_s);
-        }
-        if (!row.ends) {
-            EXPECT_FALSE(bench.session->Emulator().Connected());
-            EXPECT_NE(bench.window->tools.Caption(1102), u"Connected"_s);
-        }
-    }
-}
-
-TEST(ChildLogic, AutoCloseOfAChangedSessionStillAsksToSave)
-{
-    ChildBench bench;
-    bench.session->SetAutoClose(true); // and so it is changed
-    bench.lines.Current().Connect();
-    bench.ask.answers = {MsgResult::Cancel};
-    bench.lines.Current().Drop();
-    bench.clock.RunPosted();
-    EXPECT_FALSE(bench.session->Terminated());
-    EXPECT_EQ(bench.ask.boxes.size(), 1u);
 }
 
 TEST(ChildLogic, RecorderHearsOfTheActiveWindowOnly)

@@ -61,7 +61,7 @@ public:
 
 struct WindowBench : SessionBench
 {
-    WindowBench() : area(*this, {lines, clock, layer.keyFiles, ask, clipboard, texts}) {}
+    WindowBench() : area(*this, Ports()) {}
     ~WindowBench() override
     {
         for (const auto& session : sessions.All())

@@ -1,6 +1,8 @@
 #include <comm/commlibrary.h>
 
 #include "localshell.h"
+#include "resumableline.h"
+#include "sshline.h"
 #include "telnetline.h"
 
 #include <QCoreApplication>
@@ -8,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace kestrune {
 
@@ -30,12 +33,12 @@ struct DeviceRow
 
 constexpr std::array DeviceRows{
     DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), nullptr},
-    DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), nullptr},
+    DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Telnet, QT_TRANSLATE_NOOP("CommLibrary", "Telnet"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), nullptr},
-    DeviceRow{Device::Ssh, QT_TRANSLATE_NOOP("CommLibrary", "SSH"), nullptr},
+    DeviceRow{Device::Ssh, QT_TRANSLATE_NOOP("CommLibrary", "SSH"), &MakeLine<comm::SshLine>},
     DeviceRow{Device::Extension, QT_TRANSLATE_NOOP("CommLibrary", "Local Shell"), &MakeLine<comm::LocalShell>},
-    DeviceRow{Device::SslTelnet, QT_TRANSLATE_NOOP("CommLibrary", "SSL/Telnet"), nullptr},
+    DeviceRow{Device::SslTelnet, QT_TRANSLATE_NOOP("CommLibrary", "SSL/Telnet"), &MakeLine<comm::TelnetLine>},
 };
 
 const DeviceRow* RowOf(Device device)
@@ -46,8 +49,8 @@ const DeviceRow* RowOf(Device device)
 
 } // namespace
 
-CommLibrary::CommLibrary(Clock& clock, const QString& extensionName)
-    : clock_(clock), hasExtension_(!extensionName.trimmed().isEmpty())
+CommLibrary::CommLibrary(Clock& clock, const QString& extensionName, QString trustFolder)
+    : clock_(clock), hasExtension_(!extensionName.trimmed().isEmpty()), trustFolder_(std::move(trustFolder))
 {}
 
 bool CommLibrary::Exists(Device device) const
@@ -64,7 +67,14 @@ QString CommLibrary::Name(Device device) const
 
 std::unique_ptr<Line> CommLibrary::Make(const LineOptions& options, LineListener& listener)
 {
-    return Exists(options.device) ? RowOf(options.device)->make(options, listener, clock_) : nullptr;
+    if (!Exists(options.device))
+        return nullptr;
+    LineOptions own = options;
+    own.tls.trustFolder = trustFolder_;
+    const LineMaker make = RowOf(options.device)->make;
+    if (comm::ResumableLine::IsWanted(own))
+        return std::make_unique<comm::ResumableLine>(own, listener, clock_, make);
+    return make(own, listener, clock_);
 }
 
 int CommLibrary::ORCommExist(int device) const { return Exists(static_cast<Device>(device)) ? 1 : 0; }

@@ -23,7 +23,8 @@ class CommLibrary : public LineFactory
 {
 public:
     // extensionName: what the installation says about extension device 6; empty: there is no device 6.
-    CommLibrary(Clock& clock, const QString& extensionName);
+    // trustFolder: holds authorities.pem and known_certificates; empty: no certificate is remembered.
+    CommLibrary(Clock& clock, const QString& extensionName, QString trustFolder = {});
 
     bool Exists(Device device) const override;
     QString Name(Device device) const override; // "Telnet"; empty: no such number
@@ -54,6 +55,7 @@ public:
 private:
     Clock& clock_;
     bool hasExtension_;
+    QString trustFolder_;
 };
 
 } // namespace kestrune

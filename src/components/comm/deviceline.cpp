@@ -71,6 +71,19 @@ void DeviceLine::End(Ending ending)
     });
 }
 
+void DeviceLine::Ask(LineQuestion question, std::function<void(LineAnswer)> then)
+{
+    question.id = ++questions_;
+    answered_ = std::move(then);
+    listener_.LineAsks(question);
+}
+
+void DeviceLine::Answer(LineAnswer answer)
+{
+    if (!HasEnded() && answer.question == questions_ && answered_)
+        std::exchange(answered_, nullptr)(std::move(answer));
+}
+
 bool DeviceLine::HasRoomFor(qsizetype bytes)
 {
     if (Unsent() + bytes <= MaxUnsent)

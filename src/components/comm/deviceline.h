@@ -23,6 +23,7 @@ public:
     void Close() final;
     bool IsOpen() const final { return phase_ == Phase::Open; }
     void SetReceiving(bool on) final;
+    void Answer(LineAnswer answer) override;
 
 protected:
     struct Ending
@@ -41,6 +42,9 @@ protected:
     void BecomeOpen(const QString& text);
     void Fail(quint16 number, const QString& text);
     void End(Ending ending);
+    // Asks the user; then gets the answer, unless the line ends first. The last thing that its caller does: the
+    // answer may be there before Ask returns. One question at a time.
+    void Ask(LineQuestion question, std::function<void(LineAnswer)> then);
     void Post(std::function<void()> run); // dropped when the line goes first
 
     bool HasEnded() const { return phase_ == Phase::Ended; }
@@ -67,6 +71,8 @@ private:
     Phase phase_ = Phase::Fresh;
     bool receiving_ = true;
     bool overflowTold_ = false;
+    quint32 questions_ = 0; // asked so far; the last one's id
+    std::function<void(LineAnswer)> answered_;
 };
 
 } // namespace kestrune::comm

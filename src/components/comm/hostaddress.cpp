@@ -61,6 +61,8 @@ HostAddress HostAddress::From(const QString& hostField, const QString& portField
     else if (!ascii && !idn)
         result.error =
             tr("Unable to connect to %1: international host names are switched off for this session.").arg(result.host);
+    else if (port.isEmpty() && defaultPort == 0)
+        result.error = tr("Unable to connect to %1: the session names no port.").arg(result.host);
     else if (const auto number = port.isEmpty() ? std::optional(defaultPort) : PortNumber(port))
         result.port = *number;
     else

@@ -10,8 +10,10 @@ namespace {
 
 enum Code : std::uint8_t
 {
+    EOR = 239,
     SE = 240,
     NOP = 241,
+    DM = 242,
     BRK = 243,
     IP = 244,
     AYT = 246,
@@ -28,8 +30,10 @@ enum OptionCode : std::uint8_t
     Binary = 0,
     Echo = 1,
     SuppressGoAhead = 3,
+    Status = 5,
     TimingMark = 6,
     TerminalType = 24,
+    EndOfRecord = 25,
     WindowSize = 31,
     TerminalSpeed = 32,
     NewEnviron = 39
@@ -90,6 +94,8 @@ struct OptionTable
         Row{Binary, Always, Always, WhenBinaryIsAsked, WhenBinaryIsAsked, nullptr, nullptr},
         Row{Echo, Never, WhenHostMayEcho, Never, Never, nullptr, nullptr},
         Row{SuppressGoAhead, Always, Always, Always, Always, nullptr, nullptr},
+        Row{Status, Always, Never, Never, Never, nullptr, &Telnet::SendStatus},
+        Row{EndOfRecord, Always, Always, Never, Never, nullptr, nullptr},
         Row{TerminalType, Always, Never, Always, Never, nullptr, &Telnet::SendTerminalName},
         Row{WindowSize, Always, Never, Always, Never, &Telnet::SendSize, nullptr},
         Row{TerminalSpeed, Always, Never, Always, Never, nullptr, &Telnet::SendSpeed},
@@ -159,6 +165,10 @@ std::size_t Telnet::TakeData(std::string_view wire)
 // Outside BINARY a CR of the host's is CR LF or CR NUL on the wire, and the NUL is not text (RFC 854).
 void Telnet::EmitData(std::string_view run)
 {
+    if (synch_) {
+        afterCr_ = false;
+        return;
+    }
     if (him_[Binary] == Side::Yes) {
         afterCr_ = false;
         events_.TelnetData(run);
@@ -242,8 +252,11 @@ void Telnet::TakeCommand(std::uint8_t command)
     case AYT:
         SendNop(); // a sign of life that does not come out as input on the host
         break;
+    case DM:
+        EndSynch();
+        break;
     default:
-        break; // NOP, DM, GA and commands to a printer that is not here
+        break; // NOP, GA, EOR (a stream has no records) and commands to a printer that is not here
     }
 }
 
@@ -373,6 +386,22 @@ void Telnet::SendSpeed(std::string_view request)
         SendSub(TerminalSpeed, SubIs + settings_.speed);
 }
 
+// What each side does at present, as RFC 859 lists it.
+void Telnet::SendStatus(std::string_view request)
+{
+    if (request.empty() || request.front() != SubSend)
+        return;
+    std::string answer{SubIs};
+    const auto list = [&answer](const std::array<Side, 256>& sides, Code verb) {
+        for (std::size_t option = 0; option < sides.size(); ++option)
+            if (sides[option] == Side::Yes)
+                answer += {static_cast<char>(verb), static_cast<char>(option)};
+    };
+    list(us_, WILL);
+    list(him_, DO);
+    SendSub(Status, answer);
+}
+
 // The user's name is all that is ever told, and only when it is asked for: by name, by kind or by asking for
 // everything. What else stands in our environment is none of the host's business.
 void Telnet::SendEnvironment(std::string_view request)
@@ -422,6 +451,9 @@ void Telnet::Send(std::string_view bytes)
                 wire += '\0';
         }
     }
+    // The Enter key ends a record of a host that asked for records.
+    if (us_[EndOfRecord] == Side::Yes && bytes.ends_with('\r'))
+        wire += {IacChar, static_cast<char>(EOR)};
     if (!wire.empty())
         events_.TelnetOutput(wire);
 }

@@ -4,8 +4,9 @@
 // bytes for the wire and events out. It knows no socket and no clock, never blocks, and keeps no more than one
 // sub-negotiation of bounded length, whatever the far side sends. Any split of the input gives the same output.
 //
-// Options it takes part in: BINARY (RFC 856), ECHO (857), SUPPRESS-GO-AHEAD (858), TIMING-MARK (860),
-// TERMINAL-TYPE (1091), NAWS (1073), TERMINAL-SPEED (1079), NEW-ENVIRON (1572). All others are refused.
+// Options it takes part in: BINARY (RFC 856), ECHO (857), SUPPRESS-GO-AHEAD (858), STATUS (859), TIMING-MARK (860),
+// END-OF-RECORD (885), TERMINAL-TYPE (1091), NAWS (1073), TERMINAL-SPEED (1079), NEW-ENVIRON (1572). All others are
+// refused, LINEMODE (1184) and LOGOUT (727) among them: keys go out one by one, and nobody is logged off unasked.
 
 #include <array>
 #include <cstdint>
@@ -57,6 +58,11 @@ public:
     void SendNop(); // keep-alive
     void SendAreYouThere();
 
+    // The host has sent an urgent notice (RFC 854, SYNCH): text is dropped until its data mark, which may stand far
+    // behind. EndSynch: the urgent part is over; a host that has sent no mark does not lose more.
+    void BeginSynch() { synch_ = true; }
+    void EndSynch() { synch_ = false; }
+
     bool RemoteEcho() const;
 
 private:
@@ -96,6 +102,7 @@ private:
     void SendSize();
     void SendTerminalName(std::string_view request);
     void SendSpeed(std::string_view request);
+    void SendStatus(std::string_view request);
     void SendEnvironment(std::string_view request);
 
     TelnetSettings settings_;
@@ -110,6 +117,7 @@ private:
     std::size_t nextName_ = 0;
     bool started_ = false;
     bool afterCr_ = false;
+    bool synch_ = false;
 };
 
 } // namespace kestrune::comm

@@ -1,10 +1,9 @@
 #include "telnetline.h"
 
 #include "hostaddress.h"
+#include "socketreason.h"
 
 #include <platform/sockets.h>
-
-#include <QNetworkProxy>
 
 #include <algorithm>
 #include <array>
@@ -15,6 +14,7 @@ namespace kestrune::comm {
 namespace {
 
 constexpr int DefaultConnectTimeout = 30; // seconds
+constexpr int MostProxyLogins = 3;
 // What the socket may hold unread, and so what one wake-up takes at most: the engine parses it in about 3 ms,
 // and the window is drawn between wake-ups.
 constexpr qint64 ReadAhead = qint64{256} * 1024;
@@ -46,81 +46,142 @@ TelnetSettings SettingsFor(const LineOptions& options)
     return settings;
 }
 
-struct SocketReason
+struct NetworkDevice
 {
-    QAbstractSocket::SocketError error;
-    quint16 number;
-    const char* words;
+    Device device;
+    quint16 defaultPort; // 0: the session has to name one
+    const char* status;
 };
 
-constexpr std::array SocketReasons{
-    SocketReason{QAbstractSocket::ConnectionRefusedError, LineErrorNumber::ConnectionRefused,
-                 QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "connection refused")},
-    SocketReason{QAbstractSocket::HostNotFoundError, LineErrorNumber::HostNotFound,
-                 QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "no host of this name was found")},
-    SocketReason{QAbstractSocket::SocketTimeoutError, LineErrorNumber::TimedOut,
-                 QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "the host does not answer")},
-    SocketReason{QAbstractSocket::SocketAccessError, LineErrorNumber::AccessDenied,
-                 QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "access denied")},
-    SocketReason{QAbstractSocket::SocketResourceError, LineErrorNumber::NoBufferSpace,
-                 QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "the system has no room for another connection")},
-    SocketReason{QAbstractSocket::RemoteHostClosedError, LineErrorNumber::ConnectionReset,
-                 QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "the host has closed the connection")},
+constexpr std::array NetworkDevices{
+    NetworkDevice{Device::PicLan, 0, QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "PicLan %1:%2")},
+    NetworkDevice{Device::Telnet, 23, QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "Telnet %1:%2")},
+    NetworkDevice{Device::SslTelnet, 992, QT_TRANSLATE_NOOP("kestrune::comm::TelnetLine", "SSL/Telnet %1:%2")},
 };
+
+const NetworkDevice& NetworkDeviceOf(Device device)
+{
+    const auto row = std::ranges::find(NetworkDevices, device, &NetworkDevice::device);
+    return row == NetworkDevices.end() ? NetworkDevices[1] : *row;
+}
 
 } // namespace
 
 TelnetLine::TelnetLine(const LineOptions& options, LineListener& listener, Clock& clock)
     : DeviceLine(options, listener, clock), telnet_(SettingsFor(options), *this)
-{
-    socket_.setProxy(QNetworkProxy::NoProxy);
-    socket_.setReadBufferSize(ReadAhead);
-    connect(&socket_, &QAbstractSocket::hostFound, this, &TelnetLine::HostFound);
-    connect(&socket_, &QAbstractSocket::connected, this, &TelnetLine::SocketConnected);
-    connect(&socket_, &QAbstractSocket::errorOccurred, this, &TelnetLine::SocketFailed);
-    connect(&socket_, &QIODevice::readyRead, this, &TelnetLine::TakeWaiting);
-    connect(&socket_, &QIODevice::bytesWritten, this, &TelnetLine::SocketWrote);
-}
+{}
 
 // The socket speaks once more while it goes; by then there is nobody to tell.
-TelnetLine::~TelnetLine() { socket_.disconnect(this); }
+TelnetLine::~TelnetLine()
+{
+    if (socket_)
+        socket_->disconnect(this);
+}
+
+std::chrono::seconds TelnetLine::TimeLimit() const
+{
+    return std::chrono::seconds(Options().connectTimeout > 0 ? Options().connectTimeout : DefaultConnectTimeout);
+}
+
+bool TelnetLine::IsRaw() const { return Options().telnet.bypass || Options().device == Device::PicLan; }
 
 void TelnetLine::Begin()
 {
+    const NetworkDevice& device = NetworkDeviceOf(Options().device);
     const HostAddress address =
-        HostAddress::From(Options().hostName, Options().hostPort, DefaultPort, Options().tcpIdn);
+        HostAddress::From(Options().hostName, Options().hostPort, device.defaultPort, Options().tcpIdn);
     if (!address.error.isEmpty()) {
         Fail(LineErrorNumber::InvalidArgument, address.error);
         return;
     }
     host_ = address.host;
     port_ = address.port;
-    const int seconds = Options().connectTimeout > 0 ? Options().connectTimeout : DefaultConnectTimeout;
-    connectLimit_ =
-        Time().After(std::chrono::seconds(seconds), [this] { SocketFailed(QAbstractSocket::SocketTimeoutError); });
-    Listener().LineDeviceStatus(tr("Telnet %1:%2").arg(host_).arg(port_));
-    EnterState(LineState::Resolving, tr("Looking up %1").arg(host_));
-    if (!HasEnded())
-        socket_.connectToHost(host_, port_);
-}
-
-void TelnetLine::HostFound()
-{
-    if (!HasEnded())
-        EnterState(LineState::Connecting, tr("Connecting to %1").arg(host_));
-}
-
-void TelnetLine::SocketConnected()
-{
+    Listener().LineDeviceStatus(tr(device.status).arg(host_).arg(port_));
     if (HasEnded())
         return;
-    connectLimit_.reset();
-    SetKeepalive();
+    TcpCalls calls;
+    if (Options().device == Device::SslTelnet)
+        calls.makeSocket = [] { return std::make_unique<QSslSocket>(); };
+    connector_ = std::make_unique<TcpConnector>(
+        TcpTarget{.host = host_, .port = port_, .limit = TimeLimit(), .proxy = Options().proxy},
+        static_cast<TcpConnectorEvents&>(*this), Time(), std::move(calls));
+    connector_->Start();
+}
+
+void TelnetLine::TcpWantsProxyLogin(const QString& proxy, bool again)
+{
+    if (proxyLogins_++ == MostProxyLogins) {
+        Fail(LineErrorNumber::AccessDenied,
+             tr("Unable to connect to %1: the proxy %2 refuses this name and password.").arg(host_, proxy));
+        return;
+    }
+    LineQuestion question;
+    question.kind = LineQuestion::Kind::Secrets;
+    question.title = tr("Login at the proxy %1").arg(proxy);
+    question.text = again ? tr("The proxy refused the name or the password.")
+                          : tr("The proxy %1 wants to know who asks for %2.").arg(proxy, host_);
+    question.fields = {{.label = tr("User name:"), .echo = true}, {.label = tr("Password:")}};
+    if (!Options().proxy.user.isEmpty())
+        question.fields.erase(question.fields.begin());
+    Ask(question, [this, proxy](LineAnswer answer) {
+        const bool given = answer.choice == LineAnswer::Choice::Continue || answer.choice == LineAnswer::Choice::Update;
+        if (given && !answer.values.empty()) {
+            const std::string_view typed = answer.values.front().Utf8();
+            const QString& known = Options().proxy.user;
+            const QString name =
+                known.isEmpty() ? QString::fromUtf8(typed.data(), static_cast<qsizetype>(typed.size())) : known;
+            connector_->Retry(name, std::move(answer.values.back()));
+        } else if (answer.choice == LineAnswer::Choice::Nobody) {
+            Fail(LineErrorNumber::AccessDenied,
+                 tr("Unable to connect to %1: the proxy %2 wants a password, and there is nobody to ask for it.")
+                     .arg(host_, proxy));
+        } else {
+            Close();
+        }
+    });
+}
+
+void TelnetLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
+{
+    socket_ = std::move(socket);
+    socket_->setReadBufferSize(ReadAhead);
+    KeepUrgentInline(socket_->socketDescriptor());
     if (Options().tcpNoDelay)
-        socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    if (Options().device == Device::SslTelnet)
+        MakeSecure();
+    else
+        StartTalking();
+}
+
+void TelnetLine::MakeSecure()
+{
+    EnterState(LineState::Authenticating, tr("Securing %1").arg(host_));
+    if (HasEnded())
+        return;
+    tls_ = std::make_unique<TlsHandshake>(static_cast<QSslSocket&>(*socket_),
+                                          TlsHandshake::Peer{.host = host_, .port = port_, .limit = TimeLimit()},
+                                          Options().tls, static_cast<TlsEvents&>(*this), Time());
+    tls_->Start();
+}
+
+void TelnetLine::TlsAsks(const LineQuestion& question, std::function<void(LineAnswer)> then)
+{
+    Ask(question, std::move(then));
+}
+
+void TelnetLine::StartTalking()
+{
+    connect(socket_.get(), &QAbstractSocket::errorOccurred, this, &TelnetLine::SocketFailed);
+    connect(socket_.get(), &QIODevice::readyRead, this, &TelnetLine::TakeWaiting);
+    connect(socket_.get(), &QIODevice::bytesWritten, this, &TelnetLine::SocketWrote);
+    if (tls_)
+        connect(static_cast<QSslSocket*>(socket_.get()), &QSslSocket::encryptedBytesWritten, this,
+                &TelnetLine::SocketWrote);
+    SetKeepalive();
     BecomeOpen(tr("Connected to %1").arg(host_));
     // On other ports there may be something that is no telnet server; there the host speaks first.
-    if (IsOpen() && port_ == DefaultPort && !Options().telnet.bypass)
+    if (IsOpen() && !IsRaw() && port_ == NetworkDeviceOf(Options().device).defaultPort)
         telnet_.Start();
 }
 
@@ -128,10 +189,10 @@ void TelnetLine::SetKeepalive()
 {
     if (Options().keepaliveInterval <= 0)
         return;
-    if (Options().telnet.keepaliveIsNop && !Options().telnet.bypass)
+    if (Options().telnet.keepaliveIsNop && !IsRaw())
         ArmKeepalive();
-    else if (!SetTcpKeepalive(socket_.socketDescriptor(), Options().keepaliveInterval))
-        Listener().LineError(LineErrorWord(Device::Telnet, LineErrorNumber::InvalidArgument),
+    else if (!SetTcpKeepalive(socket_->socketDescriptor(), Options().keepaliveInterval))
+        Listener().LineError(LineErrorWord(Options().device, LineErrorNumber::InvalidArgument),
                              tr("The system refused to keep the connection to %1 alive every %n second(s).", nullptr,
                                 Options().keepaliveInterval)
                                  .arg(host_),
@@ -150,25 +211,31 @@ void TelnetLine::SocketFailed(QAbstractSocket::SocketError error)
 {
     if (HasEnded())
         return;
+    if (tls_ && !tls_->Refusal().isEmpty()) {
+        Fail(LineErrorNumber::AccessDenied,
+             tr("The host %1 has ended the secure connection: %2").arg(host_, tls_->Refusal()));
+        return;
+    }
     if (IsOpen() && error == QAbstractSocket::RemoteHostClosedError) {
         hostHasClosed_ = true;
         Post([this] { TakeWaiting(); }); // the socket is still in the middle of closing
         return;
     }
-    const auto known = std::ranges::find(SocketReasons, error, &SocketReason::error);
-    const bool isKnown = known != SocketReasons.end();
-    const QString reason = isKnown ? tr(known->words) : socket_.errorString();
-    const QString text = IsOpen() ? tr("The connection to %1 was lost: %2").arg(host_, reason)
-                                  : tr("Unable to connect to %1 port %2: %3").arg(host_).arg(port_).arg(reason);
-    Fail(isKnown ? known->number : LineErrorNumber::NetworkUnreachable, text);
+    const SocketReason reason = SocketReason::Of(error, socket_->errorString());
+    Fail(reason.number, tr("The connection to %1 was lost: %2").arg(host_, reason.words));
 }
 
 void TelnetLine::LetGo()
 {
-    connectLimit_.reset();
     keepalive_.reset();
-    socket_.flush(); // what was typed last still goes out
-    socket_.abort();
+    if (connector_)
+        connector_->Cancel();
+    if (tls_)
+        tls_->Stop();
+    if (!socket_)
+        return;
+    socket_->flush(); // what was typed last still goes out
+    socket_->abort();
 }
 
 // --- from the host
@@ -179,16 +246,33 @@ void TelnetLine::TakeWaiting()
         const QByteArray held = std::exchange(held_, {});
         Listener().LineReceived({held.constData(), static_cast<std::size_t>(held.size())});
     }
-    while (IsOpen() && Receiving() && socket_.bytesAvailable() > 0) {
-        const QByteArray piece = socket_.read(ReadPiece);
+    if (IsUrgent())
+        telnet_.BeginSynch();
+    while (IsOpen() && Receiving() && socket_->bytesAvailable() > 0) {
+        const QByteArray piece = socket_->read(ReadPiece);
         const std::string_view bytes(piece.constData(), static_cast<std::size_t>(piece.size()));
-        if (Options().telnet.bypass)
+        if (IsRaw())
             Listener().LineReceived(bytes);
         else
             telnet_.Receive(bytes);
     }
-    if (IsOpen() && hostHasClosed_ && held_.isEmpty() && socket_.bytesAvailable() == 0)
+    if (!IsUrgent() && IsOpen() && socket_->bytesAvailable() == 0)
+        telnet_.EndSynch();
+    if (IsOpen() && hostHasClosed_ && held_.isEmpty() && socket_->bytesAvailable() == 0)
         End({.stateText = tr("The host %1 has closed the connection.").arg(host_)});
+}
+
+// There is no urgent byte in a secure stream.
+bool TelnetLine::IsUrgent() const
+{
+    return IsOpen() && !IsRaw() && !tls_ && HasUrgentAhead(socket_->socketDescriptor());
+}
+
+qsizetype TelnetLine::Unsent() const
+{
+    if (!socket_)
+        return 0;
+    return socket_->bytesToWrite() + (tls_ ? static_cast<QSslSocket&>(*socket_).encryptedBytesToWrite() : 0);
 }
 
 void TelnetLine::TelnetData(std::string_view bytes)
@@ -209,7 +293,7 @@ void TelnetLine::Send(std::string_view bytes)
 {
     if (!IsOpen() || bytes.empty() || !HasRoomFor(static_cast<qsizetype>(bytes.size())))
         return;
-    if (Options().telnet.bypass)
+    if (IsRaw())
         TelnetOutput(bytes);
     else
         telnet_.Send(bytes);
@@ -219,7 +303,7 @@ void TelnetLine::Send(std::string_view bytes)
 void TelnetLine::TelnetOutput(std::string_view wire)
 {
     if (IsOpen() && Unsent() < 2 * MaxUnsent)
-        socket_.write(wire.data(), static_cast<qint64>(wire.size()));
+        socket_->write(wire.data(), static_cast<qint64>(wire.size()));
 }
 
 void TelnetLine::SocketWrote()
@@ -232,7 +316,7 @@ void TelnetLine::Resize(const TerminalSize& size) { telnet_.Resize(size.cols, si
 
 void TelnetLine::Break(int)
 {
-    if (IsOpen() && !Options().telnet.bypass)
+    if (IsOpen() && !IsRaw())
         telnet_.SendBreak(Options().telnet.alternateBreak ? TelnetBreak::InterruptProcess : TelnetBreak::Break);
 }
 

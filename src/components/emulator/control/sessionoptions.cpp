@@ -43,6 +43,7 @@ emu::HostCharset NativeCharset(int termType)
     }
 }
 
+constexpr int kMostResumeBuffer = 65'536; // KB
 constexpr std::array kBauds{300, 1200, 2400, 4800, 9600, 14400, 19200, 38400, 57600, 115200};
 
 } // namespace
@@ -70,7 +71,9 @@ emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Si
     options.autoWrap = !settings.Boolean(Setting("NoAutoWrap"));
     options.applicationCursor = settings.Boolean(Setting("AnsiAppCursor"));
     options.applicationKeypad = settings.Boolean(Setting("AnsiAppKeypad"));
+    options.lockFunctionKeys = settings.Boolean(Setting("LockFKeys"));
     options.backspace = settings.Boolean(Setting("BkspSendsDel")) ? emu::BackspaceKey::Del : emu::BackspaceKey::AsType;
+    options.cursor = emu::CursorShape(settings.Integer(Setting("CursorType"))); // the table's range is this list
     options.answerBack = settings.Text(Setting("AnswerBack")).toLatin1().toStdString();
     return options;
 }
@@ -90,6 +93,10 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     // TelnetNoDelay is the name of earlier releases.
     options.tcpNoDelay = settings.Boolean(Setting("TcpNoDelay")) || settings.Boolean(Setting("TelnetNoDelay"));
     options.tcpIdn = settings.Boolean(Setting("TcpIdn"));
+    options.proxy.kind = settings.Integer(Setting("ProxyType"));
+    options.proxy.host = settings.Text(Setting("ProxyHost"));
+    options.proxy.port = settings.Text(Setting("ProxyPort"));
+    options.proxy.user = settings.Text(Setting("ProxyUser"));
     options.utf8 = CharsetOf(settings) == emu::HostCharset::Utf8;
     const bool sendsDel = settings.Boolean(Setting("BkspSendsDel")) || type.backspaceSendsDel;
     options.eraseCharacter = sendsDel ? '\x7f' : '\b';
@@ -98,6 +105,21 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.telnet.bypass = settings.Boolean(Setting("TelnetBypass"));
     options.telnet.alternateBreak = settings.Boolean(Setting("TelnetAltBreak"));
     options.telnet.keepaliveIsNop = settings.Boolean(Setting("TelnetKeepaliveIsNOP"));
+    options.tls.validation = CertificateValidation(settings.Integer(Setting("HostCertificateValidation")));
+    options.tls.clientCertificate = settings.Text(Setting("ClientCertificateID"));
+    options.ssh.cipher = settings.Integer(Setting("SSHCipher"));
+    options.ssh.onlyPreferredCipher = settings.Boolean(Setting("SSHUseOnlyPreferredCipher"));
+    if (const auto auth = SshAuth(settings.Integer(Setting("SSHAuth"))); auth > SshAuth{} && auth <= SshAuth::Agent)
+        options.ssh.auth = auth;
+    options.ssh.keyFile = settings.Text(Setting("SSHKey"));
+    options.ssh.keepAlive = settings.Integer(Setting("SSHKeepAlive"));
+    options.ssh.noDelay = settings.Boolean(Setting("SSHNoDelay"));
+    options.ssh.breakCharacter = settings.Integer(Setting("SSHBreakCharacter"));
+    options.ssh.hostKeyValidation = HostKeyValidation(settings.Integer(Setting("HostKeyValidation")));
+    options.ssh.hostKeyFingerprint = settings.Text(Setting("HostKeyFingerprint"));
+    options.resume.enabled = settings.Integer(Setting("ResumeAfterDisconnect")) >= 0;
+    if (const int kilobytes = settings.Integer(Setting("ResumeBufferSize")); kilobytes > 0)
+        options.resume.bufferBytes = std::min(kilobytes, kMostResumeBuffer) * 1024;
     options.serial.port = settings.Integer(Setting("Port"));
     options.serial.baud = kBauds.at(size_t(settings.Integer(Setting("Baud"))));
     options.serial.dataBits = settings.Integer(Setting("DataBits"));

@@ -75,6 +75,8 @@ constexpr int Least32 = -2147483647 - 1, Most32 = 2147483647;
 // The order is that of the object's slots.
 inline constexpr auto SettingsTable = [] {
     using namespace settingrow;
+    // A row a line.
+    // clang-format off
     return std::array{
         I("Device", 0, 0, 7),
         I("Port", 0, 0, 32767),
@@ -109,8 +111,8 @@ inline constexpr auto SettingsTable = [] {
         B("GmodeEnable", true),
         B("MouseEnable", true),
         I("ProtectAttr", 16, 0, 63),
-        I("CursorType"),
-        I("ScrMode", 0, 0, 1), // 0 normal, 1 extended
+        I("CursorType", 0, 0, 5), // block, underline, bar: 0, 2, 4 blinking, 1, 3, 5 steady
+        I("ScrMode", 0, 0, 1),    // 0 normal, 1 extended
         I("HistoryRows", 0, 0, 32767),
         T("PrinterName"),
         I("PrinterTimeout", 5),
@@ -164,7 +166,7 @@ inline constexpr auto SettingsTable = [] {
         B("SSHNoDelay"),
         I("SSHCipher"),
         I("SSHBreakCharacter"),
-        B("LockFKeys"),
+        B("LockFKeys"), // the host may not define function keys
         I("U2DeviceLicensing"),
         T("CharacterMapping"),
         B("AnsiAutoPrint"),
@@ -199,9 +201,19 @@ inline constexpr auto SettingsTable = [] {
         I("PasteOptions"),
         // Kept for the macro recorder's comparison, which knows them.
         I("AttributeMask", 10),
-        I("ResumeAfterDisconnect").DefaultTextInBag(),
-        I("ResumeBufferSize", -1, Least32, Most32),
+        // 0 the user is asked, 1 it is tried at once, -1 no host is ever agreed with.
+        I("ResumeAfterDisconnect", 0, -1, 1).DefaultTextInBag(),
+        I("ResumeBufferSize", -1, Least32, Most32), // KB; -1: the line's own
+        // Seconds before the first try, seconds between two, and how many; -1: 2, 5 and 5.
+        I("ResumeReconnectDelay", -1, -1, 3600),
+        I("ResumeReconnectInterval", -1, -1, 3600),
+        I("ResumeRetryCount", -1, -1, 1000),
+        I("ProxyType", 0, 0, 2), // 0 none, 1 SOCKS5, 2 HTTP CONNECT
+        T("ProxyHost"),
+        T("ProxyPort"),
+        T("ProxyUser"), // its password is asked for and stands nowhere
     };
+    // clang-format on
 }();
 
 // A setting's place in the table.

@@ -1,0 +1,97 @@
+#pragma once
+
+// One SSH session with a host, as the steps of a conversation see it: each call of the library is repeated until
+// it has an answer, and the thread sleeps in between. The user's own SSH configuration is read, from the home
+// folder that the environment names. What fails, and a conversation that was cancelled, is thrown as SshFailure.
+
+#include "sshmailbox.h"
+#include <comm/sshtarget.h>
+
+#include <libssh/libssh.h>
+
+#include <exception>
+#include <memory>
+#include <utility>
+
+namespace kestrune::comm {
+
+class SshFailure : public std::exception
+{
+public:
+    explicit SshFailure(SshEnding ending) : why(std::move(ending)) {}
+    const char* what() const noexcept override { return "SSH"; }
+    SshEnding why;
+};
+
+template <auto Free>
+struct SshFree
+{
+    template <typename T>
+    void operator()(T* handle) const
+    {
+        Free(handle);
+    }
+};
+using SshSessionHandle = std::unique_ptr<ssh_session_struct, SshFree<ssh_free>>;
+using SshChannelHandle = std::unique_ptr<ssh_channel_struct, SshFree<ssh_channel_free>>;
+using SshEventHandle = std::unique_ptr<ssh_event_struct, SshFree<ssh_event_free>>;
+using SshKeyHandle = std::unique_ptr<ssh_key_struct, SshFree<ssh_key_free>>;
+using SshText = std::unique_ptr<char, SshFree<ssh_string_free_char>>;
+
+class SshContact
+{
+public:
+    SshContact(SshMailbox& mail, const LineOptions& options, const SshTarget& target);
+    ~SshContact();
+
+    ssh_session Session() const { return session_.get(); }
+    const LineOptions& Options() const { return options_; }
+    SshMailbox& Mail() { return mail_; }
+    const QString& Host() const { return host_; } // as the configuration says: where the connection goes
+    int Port() const { return port_; }
+    QString User() const;
+    QString Address() const; // "user@host" for titles, with a port that is not the usual one
+
+    // Key exchange over a connected socket, owned from now on.
+    void Connect(int socket);
+
+    // Repeats a call of the library until it says something else than again.
+    template <typename Step>
+    int Until(Step step)
+    {
+        static_assert(int(SSH_AUTH_ERROR) == SSH_ERROR);
+        for (;;) {
+            const int result = step();
+            if (result != SSH_AGAIN && result != SSH_AUTH_AGAIN)
+                return result;
+            if (IsLost())
+                return SSH_ERROR; // some calls go on asking for patience; SSH_AUTH_ERROR is the same number
+            WaitForHost();
+        }
+    }
+    void WaitForHost();
+    // Waits for the user. Never returns a refusal: that ends the conversation.
+    LineAnswer Ask(LineQuestion question);
+    [[noreturn]] void Fail(quint16 number, const QString& text) const;
+    QString Reason() const; // the library's words for what failed last
+    bool IsLost() const;    // the host has gone
+    [[noreturn]] void FailAsLost() const;
+
+private:
+    void SetText(ssh_options_e option, const QString& text);
+    [[noreturn]] void FailToAgree();
+
+    SshMailbox& mail_;
+    const LineOptions& options_;
+    SshSessionHandle session_;
+    QString host_;
+    int port_ = 22;
+    int socket_ = -1;    // ours
+    int duplicate_ = -1; // the library's
+    quint32 lastQuestion_ = 0;
+};
+
+// What a host says, fit for people: its control characters become blanks, line ends stay, and it has an end.
+QString HostWords(const char* text);
+
+} // namespace kestrune::comm

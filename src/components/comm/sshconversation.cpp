@@ -1,0 +1,172 @@
+#include "sshconversation.h"
+
+#include "sshcontact.h"
+#include "sshlogin.h"
+#include "sshshell.h"
+#include "sshtrust.h"
+
+#include <platform/processors.h>
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <list>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace kestrune::comm {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct ConversationText
+{
+    Q_DECLARE_TR_FUNCTIONS(SshLine)
+};
+
+SshTarget TargetOf(const LineOptions& options)
+{
+    SshTarget target = SshTarget::From(options.hostName);
+    if (!options.hostPort.trimmed().isEmpty())
+        target.port = options.hostPort.trimmed();
+    if (target.user.isEmpty())
+        target.user = QString::fromUtf8(options.userName);
+    return target;
+}
+
+void State(SshContact& contact, LineState state, const QString& text)
+{
+    contact.Mail().Tell([=](SshNotices& line) { line.SshState(state, text); });
+}
+
+int Dial(SshContact& contact)
+{
+    contact.Mail().Tell([host = contact.Host(), port = static_cast<quint16>(contact.Port())](SshNotices& line) {
+        line.SshDial(host, port);
+    });
+    const int socket = contact.Mail().AwaitSocket();
+    if (socket < 0)
+        throw SshFailure(SshEnding{});
+    return socket;
+}
+
+// What the host wants to be read before the login (RFC 4252 5.4), without its controls.
+void ShowBanner(SshContact& contact)
+{
+    if (char* banner = ssh_get_issue_banner(contact.Session())) {
+        const QString words = HostWords(SshText(banner).get());
+        if (!words.isEmpty())
+            contact.Mail().Received(QString(words).replace(u"\n"_s, u"\r\n"_s).toStdString() + "\r\n");
+    }
+}
+
+SshEnding Converse(const LineOptions& options, SshMailbox& mail)
+{
+    SshContact contact(mail, options, TargetOf(options));
+    mail.Tell([text = ConversationText::tr("SSH %1").arg(contact.Address())](SshNotices& line) {
+        line.SshDeviceStatus(text);
+    });
+    const int socket = Dial(contact); // owned by contact from here on
+    State(contact, LineState::Authenticating, ConversationText::tr("Agreeing with %1").arg(contact.Host()));
+    contact.Connect(socket);
+    CheckHostKey(contact);
+    State(contact, LineState::Authenticating, ConversationText::tr("Logging in to %1").arg(contact.Host()));
+    LogIn(contact);
+    ShowBanner(contact);
+    SshShell shell(contact);
+    shell.Open();
+    mail.Tell([text = ConversationText::tr("Connected to %1").arg(contact.Host())](SshNotices& line) {
+        line.SshOpened(text);
+    });
+    return shell.Run();
+}
+
+// The threads of all conversations. A line never waits for its own: a key or an agent may hold it up, and the window
+// must not stand still for that. But none may outlive the program: the libraries that it works with are taken down at
+// the end of main, under its feet.
+class SshThreads
+{
+public:
+    SshThreads() { ssh_init(); } // so that the library goes down after this
+
+    SshThreads(const SshThreads&) = delete;
+    SshThreads& operator=(const SshThreads&) = delete;
+
+    void Start(std::function<void()> conversation)
+    {
+        const std::lock_guard held(lock_);
+        JoinEnded();
+        Entry& entry = threads_.emplace_back();
+        entry.thread = std::thread([this, &entry, conversation = std::move(conversation)]() mutable {
+            conversation();
+            conversation = nullptr; // with all that it holds
+            const std::lock_guard leaving(lock_);
+            entry.done = true;
+            ended_.notify_all();
+        });
+    }
+
+    // All are cancelled by now. One that still runs after this hangs in a system call, for an agent that is stuck.
+    void AwaitEnds()
+    {
+        constexpr std::chrono::seconds LongestFarewell{3};
+        std::unique_lock held(lock_);
+        ended_.wait_for(held, LongestFarewell, [this] { return std::ranges::all_of(threads_, &Entry::done); });
+        JoinEnded();
+    }
+
+private:
+    struct Entry
+    {
+        std::thread thread;
+        bool done = false;
+    };
+
+    void JoinEnded() // with the lock held; what is done has let go of it, and ends at once
+    {
+        threads_.remove_if([](Entry& entry) {
+            if (entry.done)
+                entry.thread.join();
+            return entry.done;
+        });
+    }
+
+    std::mutex lock_;
+    std::condition_variable ended_;
+    std::list<Entry> threads_;
+};
+
+// Never taken down itself: a stuck thread may come back to it.
+SshThreads& Threads()
+{
+    struct EndOfProgram
+    {
+        SshThreads* threads = new SshThreads;
+        ~EndOfProgram() { threads->AwaitEnds(); }
+    };
+    static const EndOfProgram atEnd;
+    return *atEnd.threads;
+}
+
+} // namespace
+
+void StartSshConversation(const LineOptions& options, std::shared_ptr<SshMailbox> mail)
+{
+    Threads().Start([options, mail = std::move(mail)] {
+        GiveBackProcessors();
+        try {
+            mail->End(Converse(options, *mail));
+        } catch (const SshFailure& failure) {
+            mail->End(failure.why);
+        } catch (const std::exception& error) {
+            mail->End({.number = LineErrorNumber::NoBufferSpace, .text = QString::fromLocal8Bit(error.what())});
+        }
+    });
+}
+
+} // namespace kestrune::comm

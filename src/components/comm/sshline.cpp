@@ -1,0 +1,214 @@
+#include "sshline.h"
+
+#include "hostaddress.h"
+#include "socketreason.h"
+#include "sshconversation.h"
+#include <comm/sshtarget.h>
+
+#include <platform/sockets.h>
+
+#include <QNetworkProxy>
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrune::comm {
+
+namespace {
+
+constexpr int DefaultSshTimeout = 30; // seconds
+// One wake-up takes at most so much, which the engine parses in about 3 ms; the window is drawn in between.
+constexpr qsizetype MostSshAtOnce = qsizetype{256} * 1024;
+constexpr qsizetype SshReadPiece = qsizetype{64} * 1024;
+
+} // namespace
+
+SshLine::SshLine(const LineOptions& options, LineListener& listener, Clock& clock)
+    : DeviceLine(options, listener, clock)
+{
+    socket_.setProxy(QNetworkProxy::NoProxy);
+    connect(&socket_, &QAbstractSocket::connected, this, &SshLine::SocketConnected);
+    connect(&socket_, &QAbstractSocket::errorOccurred, this, &SshLine::SocketFailed);
+}
+
+SshLine::~SshLine() { SshLine::LetGo(); }
+
+void SshLine::Begin()
+{
+    const SshTarget target = SshTarget::From(Options().hostName);
+    const QString port = Options().hostPort.trimmed().isEmpty() ? target.port : Options().hostPort;
+    const HostAddress address = HostAddress::From(target.host, port, DefaultPort, Options().tcpIdn);
+    // A user name with a dash in front would be an option to a careless program on the way.
+    if (!address.error.isEmpty() || target.user.startsWith(u'-')) {
+        Fail(LineErrorNumber::InvalidArgument,
+             address.error.isEmpty() ? tr("Unable to connect: \"%1\" is not a user name.").arg(target.user)
+                                     : address.error);
+        return;
+    }
+    mail_ = std::make_shared<SshMailbox>(*this, [this] { Knocked(); });
+    ArmConnectLimit();
+    StartSshConversation(Options(), mail_);
+}
+
+void SshLine::LetGo()
+{
+    connectLimit_.reset();
+    keepAlive_.reset();
+    socket_.disconnect(this); // it speaks once more while it goes
+    socket_.abort();
+    if (mail_)
+        mail_->Cancel();
+}
+
+// --- what the conversation says
+
+void SshLine::Knocked()
+{
+    for (const SshMailbox::Notice& notice : mail_->TakeNotices())
+        if (!HasEnded())
+            notice(*this);
+    TakeWaiting();
+    if (!HasEnded() && mail_->TakeDrained())
+        Drained();
+}
+
+void SshLine::SshDial(const QString& host, quint16 port)
+{
+    host_ = host;
+    port_ = port;
+    EnterState(LineState::Connecting, tr("Connecting to %1").arg(host_));
+    if (!HasEnded())
+        socket_.connectToHost(host_, port_);
+}
+
+void SshLine::SocketConnected()
+{
+    if (Options().tcpNoDelay || Options().ssh.noDelay)
+        socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    if (Options().keepaliveInterval > 0)
+        SetTcpKeepalive(socket_.socketDescriptor(), Options().keepaliveInterval);
+    const int copy = DuplicateSocket(socket_.socketDescriptor());
+    socket_.disconnect(this);
+    socket_.abort(); // closes this descriptor only
+    if (copy < 0)
+        Fail(LineErrorNumber::NoBufferSpace, tr("The system has no room for another connection."));
+    else
+        mail_->GiveSocket(copy);
+}
+
+void SshLine::SocketFailed(QAbstractSocket::SocketError error)
+{
+    if (HasEnded())
+        return;
+    const SocketReason reason = SocketReason::Of(error, socket_.errorString());
+    Fail(reason.number, tr("Unable to connect to %1 port %2: %3").arg(host_).arg(port_).arg(reason.words));
+}
+
+void SshLine::SshState(LineState state, const QString& text) { EnterState(state, text); }
+
+void SshLine::SshDeviceStatus(const QString& text) { Listener().LineDeviceStatus(text); }
+
+void SshLine::SshOpened(const QString& text)
+{
+    connectLimit_.reset();
+    ArmKeepAlive();
+    BecomeOpen(text);
+}
+
+void SshLine::SshAsks(const LineQuestion& question)
+{
+    connectLimit_.reset(); // the user may take any time
+    standingQuestion_ = question.id;
+    Listener().LineAsks(question);
+}
+
+void SshLine::Answer(LineAnswer answer)
+{
+    if (HasEnded() || standingQuestion_ == 0 || answer.question != standingQuestion_)
+        return;
+    standingQuestion_ = 0;
+    ArmConnectLimit();
+    mail_->GiveAnswer(std::move(answer));
+}
+
+void SshLine::TakeWaiting()
+{
+    if (HasEnded() || !mail_)
+        return;
+    qsizetype taken = 0;
+    while (!HasEnded() && Receiving() && taken < MostSshAtOnce) {
+        const QByteArray piece = mail_->TakeReceived(SshReadPiece);
+        if (piece.isEmpty())
+            break;
+        taken += piece.size();
+        Listener().LineReceived({piece.constData(), static_cast<std::size_t>(piece.size())});
+    }
+    if (taken >= MostSshAtOnce)
+        Post([this] { TakeWaiting(); });
+    else if (!HasEnded())
+        TakeEnding();
+}
+
+void SshLine::TakeEnding()
+{
+    const auto ending = mail_->TakeEnding();
+    if (!ending)
+        return;
+    const bool told = ending->exitCode || ending->signalNumber != 0;
+    const auto tellProgram = [this, ending] {
+        Listener().LineProgramEnded(ending->exitCode.value_or(0), ending->signalNumber);
+    };
+    End({.errorWord = ending->number == 0 ? 0 : LineErrorWord(Device::Ssh, ending->number),
+         .error = ending->text,
+         .stateText = ending->text,
+         .before = told ? std::function<void()>(tellProgram) : nullptr});
+}
+
+// --- time
+
+void SshLine::ArmConnectLimit()
+{
+    if (IsOpen())
+        return;
+    const int seconds = Options().connectTimeout > 0 ? Options().connectTimeout : DefaultSshTimeout;
+    connectLimit_ = Time().After(std::chrono::seconds(seconds), [this] {
+        const QString host = host_.isEmpty() ? SshTarget::From(Options().hostName).host : host_;
+        Fail(LineErrorNumber::TimedOut, tr("Unable to connect to %1: the host does not answer").arg(host));
+    });
+}
+
+void SshLine::ArmKeepAlive()
+{
+    if (Options().ssh.keepAlive <= 0)
+        return;
+    keepAlive_ = Time().After(std::chrono::seconds(Options().ssh.keepAlive), [this] {
+        mail_->KeepAlive();
+        ArmKeepAlive();
+    });
+}
+
+// --- to the host
+
+void SshLine::Send(std::string_view bytes)
+{
+    if (IsOpen() && !bytes.empty() && HasRoomFor(static_cast<qsizetype>(bytes.size())))
+        mail_->Queue(bytes);
+}
+
+void SshLine::Resize(const TerminalSize& size)
+{
+    if (!HasEnded() && mail_)
+        mail_->Resize(size);
+}
+
+void SshLine::Break(int milliseconds)
+{
+    if (!IsOpen())
+        return;
+    if (const int character = Options().ssh.breakCharacter; character != 0)
+        Send(std::string(1, static_cast<char>(character)));
+    else
+        mail_->Break(milliseconds);
+}
+
+} // namespace kestrune::comm

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "sshcontact.h"
+
+#include <libssh/callbacks.h>
+
+#include <optional>
+
+namespace kestrune::comm {
+
+// A shell on a pseudo-terminal of the host, from its opening to its end.
+class SshShell
+{
+public:
+    explicit SshShell(SshContact& contact);
+    ~SshShell();
+    SshShell(const SshShell&) = delete;
+    SshShell& operator=(const SshShell&) = delete;
+
+    void Open();
+    SshEnding Run(); // until the shell has ended; a lost connection is thrown
+
+private:
+    ssh_session Session() const { return contact_.Session(); }
+    void SetEnvironment();
+    void Obey();
+    void Send();
+    bool Receive(bool fromErrors); // false: nothing was there, or there is no room
+    [[noreturn]] void Refuse(const QString& what);
+
+    SshContact& contact_;
+    SshEventHandle event_;
+    SshChannelHandle channel_;
+    ssh_channel_callbacks_struct callbacks_{};
+    QByteArray sending_;
+    qsizetype sent_ = 0; // of sending_
+    std::optional<int> exitCode_;
+    int signalNumber_ = 0;
+};
+
+} // namespace kestrune::comm
