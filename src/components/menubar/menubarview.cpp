@@ -3,8 +3,6 @@
 #include <menubar/icons.h>
 
 #include <QAction>
-#include <QCoreApplication>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
@@ -12,7 +10,6 @@
 #include <QStatusBar>
 #include <QToolBar>
 
-#include <algorithm>
 #include <list>
 
 namespace kestrune {
@@ -74,13 +71,6 @@ public:
         });
     }
 
-    bool HasShortcut(const QKeySequence& keys) const
-    {
-        return std::any_of(shown_.begin(), shown_.end(), [&](const Shown& shown) {
-            return shown.action && shown.action->isEnabled() && shown.action->shortcut() == keys;
-        });
-    }
-
 private:
     struct Shown
     {
@@ -133,8 +123,6 @@ public:
     }
 
     ~Drawing() override { Clear(); }
-
-    bool HasShortcut(const QKeySequence& keys) const { return actions_ != nullptr && actions_->HasShortcut(keys); }
 
 private:
     struct Panel
@@ -287,7 +275,6 @@ MenuBarView::MenuBarView(QMainWindow& window) : QObject(&window), window_(window
 {
     window.menuBar(); // both are there from the first show on: maximised windows inside look for a menu bar
     window.statusBar();
-    QCoreApplication::instance()->installEventFilter(this);
 }
 
 MenuBarView::~MenuBarView() = default;
@@ -302,17 +289,6 @@ void MenuBarView::Show(taMenuBar* model)
         return;
     drawing_ = std::make_unique<Drawing>(window_, *model);
     connect(model, &QObject::destroyed, this, [this] { drawing_.reset(); });
-}
-
-bool MenuBarView::eventFilter(QObject*, QEvent* event)
-{
-    if (event->type() != QEvent::ShortcutOverride || drawing_ == nullptr || !window_.isActiveWindow())
-        return false;
-    const auto* key = static_cast<const QKeyEvent*>(event);
-    if (!key->modifiers().testFlag(Qt::AltModifier) || !drawing_->HasShortcut(QKeySequence(key->keyCombination())))
-        return false;
-    event->ignore(); // nobody else may claim it: the shortcut is tried next
-    return true;
 }
 
 taMenuBar* MenuBarView::Shown() const { return model_; }

@@ -29,10 +29,6 @@ public:
     // The popup band of that name, at a place of the screen; unknown or empty: nothing. Returns at once.
     void Popup(taMenuBar& model, const QString& band, const QPoint& at);
 
-protected:
-    // In a session Alt and a letter belong to the host, but not where the menu gives that key to a tool.
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     class ToolActions;
     class Drawing;
