@@ -31,6 +31,10 @@ house_layer(textfile platform dispatch ${_qt_core})
 house_layer(menubar_core ports dispatch ${_qt_core})
 house_layer(menubar_ui menubar_core ports dispatch ${_qt_ui})
 
+# --- the help pages and their window
+house_layer(help_core ${_qt_core})
+house_layer(help_ui help_core ${_qt_ui})
+
 # --- the shell
 set(_below ports dispatch platform support_core textfile ${_qt_core})
 house_layer(settings ${_below})

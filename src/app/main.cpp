@@ -11,6 +11,8 @@
 #include <comm/commlibrary.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
+#include <help/helpkey.h>
+#include <help/helpviewer.h>
 #include <platform/backgroundfiles.h>
 #include <platform/endrequests.h>
 #include <platform/eventclock.h>
@@ -24,6 +26,7 @@
 #include <ports/textfiles.h>
 #include <printing/systemprinting.h>
 #include <settings/layer.h>
+#include <support/errors.h>
 #include <support/qtquestions.h>
 #include <textfile/textfiles.h>
 
@@ -103,7 +106,11 @@ public:
           printing_(clock_, layer_.folders.DocumentsDir), splash_(SplashChoice()),
           wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
-          commandPieces_(ask_, [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); }),
+          commandPieces_(
+              ask_, [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); },
+              [this](HelpPage page) {
+                  Help().Open(page == HelpPage::Index ? HelpViewer::Side::Index : HelpViewer::Side::Contents);
+              }),
           main_({layer_, ask_, wizard_, welcome_, settingsDialog_, migration_, running_, splash_, KeepToOneProcessor,
                  [] { return QGuiApplication::primaryScreen()->depth(); },
                  [] {}, // nothing can be asked for the class until other programs can reach it
@@ -133,6 +140,19 @@ private:
         const bool isWord = choice.isEmpty() || choice.compare(u"yes"_s, Qt::CaseInsensitive) == 0 ||
                             choice.compare(u"no"_s, Qt::CaseInsensitive) == 0;
         return isWord ? choice : layer_.spec.ExpandPath(choice, layer_.folders.ProgramDir, {});
+    }
+
+    HelpViewer& Help()
+    {
+        if (help_ == nullptr) {
+            const QString name = GlobalSettingOf(GlobalId::HelpPlace).key.toString();
+            help_ = std::make_unique<HelpViewer>(HelpViewer::Memory{
+                [this, name] { return layer_.store.StoreGetString(StoreKey::Settings, name, {}); },
+                [this, name](const QString& place) {
+                    Silently([&] { layer_.store.StoreSetString(StoreKey::Settings, name, place, {}); });
+                }});
+        }
+        return *help_;
     }
 
     std::unique_ptr<Kestrune> MakeApplication(Ormain& host, const StartMode& mode)
@@ -213,6 +233,8 @@ private:
     MissingWizard wizard_;
     MissingWelcome welcome_;
     MissingSettingsDialog settingsDialog_;
+    std::unique_ptr<HelpViewer> help_;
+    HelpKey helpKey_{[this](const QString& page) { Help().Open({page, {}}); }};
     MissingCommandPieces commandPieces_;
     MissingMigration migration_;
     MissingSingleInstance running_;

@@ -1,6 +1,7 @@
 #include <app/mdiparntform.h>
 
 #include <app/emptypage.h>
+#include <app/menusbykey.h>
 #include <app/programicon.h>
 #include <automation/kestrune.h>
 #include <emulator/control/ctlemulator.h>
@@ -78,10 +79,7 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
         if (!logic_->DesktopSessionEnds())
             desktop.cancel();
     });
-    connect(&menu_, &taMenuBar::CommandStateChanged, this, [this](int key) {
-        if (key == ToolId::FileExit)
-            logic_->CheckState();
-    });
+    OpenMenusByKey(*this);
     ConnectMenu(menu_, nullptr);
     bars_->Show(&menu_);
 }
@@ -121,19 +119,32 @@ void frmMdiParent::BuildSessionBar()
 void frmMdiParent::ConnectMenu(taMenuBar& menu, frmMdiChild* child)
 {
     const QPointer<frmMdiChild> window(child);
-    connect(&menu, &taMenuBar::BandOpen, this, [this, window](MenuTool& tool) {
+    connect(&menu, &taMenuBar::BandOpen, this, [this, &menu, window](MenuTool& tool) {
         const auto session = window ? application_.Sessions().Find(window->Tag()) : nullptr;
-        application_.Menu().BandOpen(tool, session.get());
+        application_.Menu().BandOpen(menu, tool, session.get());
     });
+    connect(&menu, &taMenuBar::CommandStateChanged, this,
+            [this](int key) { application_.Menu().ToolStateWritten(key); });
+    // Commands run from the event loop: they may run events and make the menus anew, and the menu that was clicked is
+    // still at work.
     connect(&menu, &taMenuBar::ToolClick, this,
-            [this, &menu, child, window](const QString& band, const MenuTool& tool) {
-                if (child == nullptr) {
-                    logic_->ToolClick(band, tool);
-                } else if (window && !logic_->IsClosing()) {
-                    const auto session = application_.Sessions().Find(window->Tag());
-                    application_.Menu().ToolClick(menu, band, tool, session.get());
-                }
+            [this, isOwn = child == nullptr, window](const QString& band, const MenuTool& tool) {
+                application_.Time().Post([self = QPointer(this), isOwn, window, band, tool] {
+                    if (self && (isOwn || window))
+                        self->RunTool(window, band, tool);
+                });
             });
+}
+
+// child: null for a tool of the frame's own menu.
+void frmMdiParent::RunTool(const frmMdiChild* child, const QString& band, const MenuTool& tool)
+{
+    if (child == nullptr) {
+        logic_->ToolClick(band, tool);
+    } else if (!logic_->IsClosing()) {
+        const auto session = application_.Sessions().Find(child->Tag());
+        application_.Menu().ToolClick(child->Menu(), band, tool, session.get());
+    }
 }
 
 // --- session windows

@@ -91,6 +91,7 @@ protected:
 private:
     void BuildSessionBar();
     void ConnectMenu(taMenuBar& menu, frmMdiChild* child);
+    void RunTool(const frmMdiChild* child, const QString& band, const MenuTool& tool);
     frmMdiChild* ActiveWindow() const;
     QList<frmMdiChild*> Windows() const; // in the order of the sessions
     void ActiveWindowChanged();

@@ -148,8 +148,8 @@ std::optional<MenuBand> ReadBand(const Element& element, const std::vector<MenuB
 {
     MenuBand band;
     band.key = element.Text("key"_L1);
+    band.type = static_cast<BandType>(element.Short("type"_L1)); // what cannot be this fails the whole file
     try {
-        band.type = static_cast<BandType>(element.Short("type"_L1));
         band.style = element.Short("style"_L1);
         band.title = element.Text("title"_L1);
         band.dock = static_cast<BandDock>(element.Short("dock"_L1, kDefaultDock));

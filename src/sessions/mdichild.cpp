@@ -8,6 +8,7 @@
 #include <sessions/childlogic.h>
 #include <sessions/tools.h>
 
+#include "menukeys.h"
 #include "sessionpanels.h"
 
 #include <QAction>
@@ -264,6 +265,10 @@ bool frmMdiChild::event(QEvent* event)
 bool frmMdiChild::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == view_ && !unloaded_) {
+        if (event->type() == QEvent::ShortcutOverride && MenusTake(*menu_, *static_cast<QKeyEvent*>(event))) {
+            event->ignore(); // the terminal must not claim it
+            return true;
+        }
         if (event->type() == QEvent::KeyPress) {
             const PlatformKey key = FromKeyEvent(*static_cast<QKeyEvent*>(event));
             if (key.key != 0 && logic_->KeyDown(key.key, key.shift))

@@ -15,15 +15,20 @@ bool WalkTools(std::vector<MenuTool>& tools, const EachFn& goesOn)
                        [&](MenuTool& tool) { return goesOn(tool) && WalkTools(tool.tools, goesOn); });
 }
 
-const MenuTool* FindTool(const std::vector<MenuTool>& tools, int key)
+const MenuTool* FirstTool(const std::vector<MenuTool>& tools, const std::function<bool(const MenuTool&)>& wanted)
 {
     for (const MenuTool& tool : tools) {
-        if (tool.key == key)
+        if (wanted(tool))
             return &tool;
-        if (const MenuTool* inside = FindTool(tool.tools, key))
+        if (const MenuTool* inside = FirstTool(tool.tools, wanted))
             return inside;
     }
     return nullptr;
+}
+
+const MenuTool* FirstTool(const std::vector<MenuTool>& tools, int key)
+{
+    return FirstTool(tools, [key](const MenuTool& tool) { return tool.key == key; });
 }
 
 // How each property of a tool is read and written by its code.
@@ -63,7 +68,7 @@ const PropertyRow* FindProperty(ToolProperty code)
 
 MenuTool* FindToolIn(std::vector<MenuTool>& tools, int key)
 {
-    return const_cast<MenuTool*>(FindTool(tools, key)); // the tools themselves are not constant
+    return const_cast<MenuTool*>(FirstTool(tools, key)); // the tools themselves are not constant
 }
 
 bool RemoveFirst(std::vector<MenuTool>& tools, int key)
@@ -199,18 +204,23 @@ void taMenuBar::EachTool(const std::function<void(MenuTool&)>& change)
     emit BandsChanged();
 }
 
-const MenuTool* taMenuBar::Tool(int key) const
+const MenuTool* taMenuBar::FindTool(const std::function<bool(const MenuTool&)>& wanted) const
 {
     for (const MenuBand& band : bands_)
-        if (const MenuTool* tool = FindTool(band.tools, key))
+        if (const MenuTool* tool = FirstTool(band.tools, wanted))
             return tool;
     return nullptr;
+}
+
+const MenuTool* taMenuBar::Tool(int key) const
+{
+    return FindTool([key](const MenuTool& tool) { return tool.key == key; });
 }
 
 const MenuTool* taMenuBar::Tool(const QString& bandKey, int key) const
 {
     const MenuBand* band = Band(bandKey);
-    return band != nullptr ? FindTool(band->tools, key) : nullptr;
+    return band != nullptr ? FirstTool(band->tools, key) : nullptr;
 }
 
 const MenuTool* taMenuBar::OpenTool(const QString& bandKey, int key)

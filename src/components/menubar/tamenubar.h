@@ -148,11 +148,16 @@ public:
     void EachBand(const std::function<void(MenuBand&)>& change);
     // Every tool, depth first in band order; change() may change what it is given.
     void EachTool(const std::function<void(MenuTool&)>& change);
+    const MenuTool* FindTool(const std::function<bool(const MenuTool&)>& wanted) const; // in that order; null: none
     const MenuTool* Tool(int key) const; // the first with that key; null: none
     const MenuTool* Tool(const QString& band, int key) const;
 
     // Asks the owner to bring the sub-tools of one tool up to date, which is about to show them.
     const MenuTool* OpenTool(const QString& band, int key);
+
+    // Whether Alt, and Alt with a letter, open menus also while a session has the keyboard; its host gets them if not.
+    bool AccessKeys() const { return accessKeys_; }
+    void SetAccessKeys(bool on) { accessKeys_ = on; }
 
     // By id. Reading looks at keys alone; writing changes every tool of the id on every band.
     QVariant GetToolProperty(int id, ToolProperty property) const override;
@@ -169,6 +174,7 @@ private:
     MenuBand* FindBand(const QString& key);
 
     std::vector<MenuBand> bands_;
+    bool accessKeys_ = false;
 };
 
 // The number in an action of the form "[#id]" or "[#id#name]", by its numeric prefix; 0: not a command.
