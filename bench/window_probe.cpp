@@ -1,21 +1,28 @@
-// Runs inside a terminal and measures it from there. What it finds goes as one line of JSON into a file.
+// Runs inside a terminal and measures it from there. What it finds goes as JSON into a file.
 //
-//   window_probe block                          fills the screen with one colour and waits: what a start is judged by
-//   window_probe flood MEGABYTES XSERVER FILE   so much text in pieces of 64 KiB; the clock stops when the terminal
-//                                               answers the question for the cursor that stands behind it
-//   window_probe history LINES FILE             resident memory of the terminal before and after so many lines
+//   window_probe block                            fills the screen with one colour and waits: what a start is judged by
+//   window_probe flood MEGABYTES SECONDS SERVER FILE
+//                                                 each stream in pieces of 64 KiB, until so much of it is written or so
+//                                                 much time has gone; the clock stops when the terminal answers the
+//                                                 question for the cursor that stands behind it
+//   window_probe history FILE                     resident memory of the terminal at 0, 10, 30 and 100 thousand lines
+//   window_probe keys                             a block whose colour every key press changes
+//   window_probe busy FILE                        the block until a first key; then output without end, and for each
+//                                                 further key the time of its arrival, in nanoseconds
 //
-// The terminal is the parent process. XSERVER: process id of the X server, whose share of the work is counted too.
+// The terminal is the parent process. SERVER: process id of the display server, whose share of the work is counted too.
 
 #include "processes.h"
+#include "streams.h"
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <random>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include <poll.h>
 #include <termios.h>
@@ -64,20 +71,6 @@ void WaitForTerminal()
     }
 }
 
-// Words and blanks, 78 characters a line, from a fixed seed.
-std::string TextLines(std::size_t bytes)
-{
-    std::mt19937 random(7);
-    std::string text;
-    while (text.size() < bytes) {
-        for (int i = 0; i < 78; ++i)
-            text += random() % 6 == 0 ? ' ' : static_cast<char>('a' + random() % 26);
-        text += "\r\n";
-    }
-    text.resize(bytes);
-    return text;
-}
-
 // Beside and then renamed: whoever sees the file sees all of it.
 void Report(const std::string& path, const std::string& json)
 {
@@ -87,45 +80,112 @@ void Report(const std::string& path, const std::string& json)
         Fail("window_probe: result");
 }
 
-int Flood(std::size_t megabytes, pid_t xServer, const std::string& file)
+struct Cost
+{
+    double wall, terminal, server;
+};
+Cost Now(pid_t server)
+{
+    return {Seconds(std::chrono::steady_clock::now().time_since_epoch()).count(), bench::ProcessorSeconds(getppid()),
+            bench::ProcessorSeconds(server)};
+}
+
+// {"bytes": .., "wall": .., ..} for one stream.
+std::string FloodWith(std::string_view name, std::size_t megabytes, double seconds, pid_t server)
 {
     constexpr std::size_t piece = 65536;
-    const pid_t terminal = getppid();
-    const std::string text = TextLines(1'000'000);
+    const std::string text = bench::Stream(name, 1'000'000);
+    Write("\x1b[?1049l\x1b[r\x1b[m\x1b[2J\x1b[H");
     WaitForTerminal();
-    const double terminalBefore = bench::ProcessorSeconds(terminal);
-    const double xBefore = bench::ProcessorSeconds(xServer);
-    const auto begin = std::chrono::steady_clock::now();
-    for (std::size_t i = 0; i < megabytes; ++i)
-        for (std::size_t at = 0; at < text.size(); at += piece)
-            Write(std::string_view(text).substr(at, piece));
+    const Cost before = Now(server);
+    std::size_t written = 0;
+    for (std::size_t at = 0; written < megabytes * 1'000'000 && Now(server).wall - before.wall < seconds;) {
+        const std::string_view now = std::string_view(text).substr(at, piece);
+        Write(now);
+        written += now.size();
+        at = at + now.size() < text.size() ? at + now.size() : 0;
+    }
     WaitForTerminal();
-    const double wall = Seconds(std::chrono::steady_clock::now() - begin).count();
-    const double terminalSpent = bench::ProcessorSeconds(terminal) - terminalBefore;
-    const double xSpent = bench::ProcessorSeconds(xServer) - xBefore;
-    Report(file, "{\"wall\": " + std::to_string(wall) + ", \"terminal\": " + std::to_string(terminalSpent) +
-                     ", \"server\": " + std::to_string(xSpent) + "}");
+    const Cost after = Now(server);
+    std::ostringstream json;
+    json << '"' << name << "\": {\"bytes\": " << written << ", \"wall\": " << after.wall - before.wall
+         << ", \"terminal\": " << after.terminal - before.terminal << ", \"server\": " << after.server - before.server
+         << '}';
+    return json.str();
+}
+
+int Flood(std::size_t megabytes, double seconds, pid_t server, const std::string& file)
+{
+    std::string json;
+    for (const std::string_view name : bench::StreamNames())
+        json.append(json.empty() ? "{" : ", ").append(FloodWith(name, megabytes, seconds, server));
+    Report(file, json + '}');
     return 0;
 }
 
-int History(std::size_t lines, const std::string& file)
+int History(const std::string& file)
 {
     const pid_t terminal = getppid();
+    std::ostringstream json;
+    std::size_t written = 0;
+    const std::string text = bench::Stream("ascii_lines", 80'000'000 / 100);
+    constexpr std::size_t linesAtOnce = 10'000;
     WaitForTerminal();
-    const long before = bench::ResidentKilobytes(terminal);
-    Write(TextLines(lines * 80));
-    WaitForTerminal();
-    const long after = bench::ResidentKilobytes(terminal);
-    Report(file, "{\"before\": " + std::to_string(before) + ", \"after\": " + std::to_string(after) + "}");
+    for (const std::size_t lines : {0U, 10'000U, 30'000U, 100'000U}) {
+        for (; written < lines; written += linesAtOnce)
+            Write(text);
+        WaitForTerminal();
+        json << (lines == 0 ? "{\"" : ", \"") << lines << "\": " << bench::ResidentKilobytes(terminal);
+    }
+    Report(file, json.str() + '}');
     return 0;
+}
+
+std::string BlockOf(int color, int top, int bottom, int left, int columns)
+{
+    std::ostringstream block;
+    for (int row = top; row <= bottom; ++row)
+        block << "\x1b[" << row << ';' << left << "H\x1b[" << color << 'm' << std::string(size_t(columns), ' ');
+    return block.str();
+}
+std::string WholeBlock(int color) { return BlockOf(color, 1, 24, 1, 80); }
+constexpr int kMagenta = 45;
+constexpr int kGreen = 42;
+
+bool ReadKey()
+{
+    char key = 0;
+    return read(0, &key, 1) == 1;
+}
+
+// Only a part changes, as for an echo: eight short rows in the middle.
+int Keys()
+{
+    Write(WholeBlock(kMagenta));
+    for (bool green = true; ReadKey(); green = !green)
+        Write(BlockOf(green ? kGreen : kMagenta, 9, 16, 31, 20));
+    return 0;
+}
+
+int Busy(const std::string& file)
+{
+    Write(WholeBlock(kMagenta));
+    if (!ReadKey())
+        return 1;
+    std::thread([file] {
+        std::ofstream out(file);
+        while (ReadKey())
+            out << std::chrono::steady_clock::now().time_since_epoch().count() << std::endl;
+        _exit(0);
+    }).detach();
+    Write("\x1b[m");
+    for (const std::string text = bench::Stream("ascii_lines", 1'000'000);;)
+        Write(text);
 }
 
 int Block()
 {
-    std::string screen;
-    for (int row = 1; row <= 24; ++row)
-        screen += "\x1b[" + std::to_string(row) + ";1H\x1b[45m" + std::string(80, ' ');
-    Write(screen);
+    Write(WholeBlock(kMagenta));
     pollfd nothing{0, 0, 0};
     while (poll(&nothing, 1, -1) >= 0 && (nothing.revents & (POLLHUP | POLLERR)) == 0)
         nothing.revents = 0;
@@ -140,10 +200,16 @@ int main(int count, char** arguments)
     MakeRaw();
     if (mode == "block")
         return Block();
-    if (mode == "flood" && count == 5)
-        return Flood(std::stoul(arguments[2]), static_cast<pid_t>(std::stol(arguments[3])), arguments[4]);
-    if (mode == "history" && count == 4)
-        return History(std::stoul(arguments[2]), arguments[3]);
-    std::fputs("usage: window_probe block | flood MEGABYTES XSERVER FILE | history LINES FILE\r\n", stderr);
+    if (mode == "flood" && count == 6)
+        return Flood(std::stoul(arguments[2]), std::stod(arguments[3]), static_cast<pid_t>(std::stol(arguments[4])),
+                     arguments[5]);
+    if (mode == "history" && count == 3)
+        return History(arguments[2]);
+    if (mode == "keys")
+        return Keys();
+    if (mode == "busy" && count == 3)
+        return Busy(arguments[2]);
+    std::fputs("usage: window_probe block | flood MEGABYTES SECONDS SERVER FILE | history FILE | keys | busy FILE\r\n",
+               stderr);
     return 2;
 }

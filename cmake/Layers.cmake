@@ -15,6 +15,7 @@ set(_qt_ui Qt6::Core Qt6::Gui Qt6::Widgets)
 house_layer(dispatch ${_qt_core})
 house_layer(ports dispatch ${_qt_core})
 house_layer(platform dispatch ports ${_qt_core}) # raises Failure, gives the event loop's Clock
+house_layer(printing ports dispatch platform ${_qt_core} Qt6::Gui Qt6::PrintSupport)
 house_layer(support_core ports dispatch platform ${_qt_core})
 house_layer(support_ui support_core ports dispatch platform ${_qt_ui})
 
@@ -24,7 +25,8 @@ house_layer(emulator_personalities emulator_engine)
 house_layer(emulator_control emulator_engine emulator_personalities ports dispatch ${_qt_core})
 house_layer(emulator_view emulator_control emulator_engine ports dispatch ${_qt_ui})
 house_layer(comm_core)
-house_layer(comm comm_core ports dispatch platform ${_qt_core} Qt6::Network)
+house_layer(comm_rebind)
+house_layer(comm comm_core comm_rebind ports dispatch platform ${_qt_core} Qt6::Network)
 house_layer(textfile platform dispatch ${_qt_core})
 house_layer(menubar_core ports dispatch ${_qt_core})
 house_layer(menubar_ui menubar_core ports dispatch ${_qt_ui})
@@ -39,3 +41,6 @@ house_layer(automation menus_core sessions_core settings emulator_control menuba
 house_layer(app_core automation menus_core sessions_core settings emulator_control menubar_core ${_below})
 house_layer(app_ui app_core automation menus_core sessions_core sessions_ui settings emulator_control emulator_view
     menubar_core menubar_ui support_ui ${_below} ${_qt_ui})
+
+# --- a program of its own, for hosts
+house_layer(rebind_host comm_rebind)

@@ -39,10 +39,21 @@ void Look(const Terminal& terminal)
     }
 }
 
+TerminalOptions OptionsFor(uint8_t charset, uint8_t cols, uint8_t rows)
+{
+    TerminalOptions options;
+    options.charset = HostCharset(charset % 5);
+    options.size = {cols % 90 + 1, rows % 40 + 1};
+    options.historyRows = 30;
+    return options;
+}
+
 void Act(Terminal& terminal, uint8_t what, uint8_t how)
 {
     const auto types = AllPersonalities();
-    switch (what % 6) {
+    const Size size = terminal.ScreenSize();
+    const Position place{how % size.cols, how / 3 % size.rows};
+    switch (what % 14) {
     case 0:
         terminal.Resize({how % 90 + 1, terminal.ScreenSize().rows});
         break;
@@ -58,6 +69,37 @@ void Act(Terminal& terminal, uint8_t what, uint8_t how)
     case 4:
         terminal.SetCharset(HostCharset(how % 5));
         break;
+    case 5:
+        terminal.PutText(place,
+                         "x\xe4\xb8\xad"
+                         "e\xcc\x81"
+                         "\xff",
+                         {});
+        break;
+    case 6:
+        terminal.EraseArea({0, 0}, place, {});
+        break;
+    case 7:
+        terminal.MoveCursor(place);
+        break;
+    case 8:
+        terminal.PrintNotice("the line has gone");
+        break;
+    case 9:
+        terminal.Reset();
+        break;
+    case 10:
+        terminal.ClearHistory();
+        break;
+    case 11:
+        terminal.SetOptions(OptionsFor(uint8_t(how / 7), how, what));
+        break;
+    case 12:
+        (void)terminal.PasteBytes("a\x1b[201~b\r\n");
+        (void)terminal.FocusBytes(how % 2 != 0);
+        (void)terminal.MouseBytes({});
+        (void)terminal.EncodeText("\xc3\xa9 \xe4\xb8\xad");
+        break;
     default:
         Look(terminal);
         (void)terminal.KeyBytes({Key(how % 72), uint8_t(how >> 4), "x"});
@@ -72,12 +114,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (size < 4)
         return 0;
     const auto types = AllPersonalities();
-    TerminalOptions options;
-    options.charset = HostCharset(data[1] % 5);
-    options.size = {data[2] % 90 + 1, data[3] % 40 + 1};
-    options.historyRows = 30;
     Sink sink;
-    Terminal terminal(options, *types[data[0] % types.size()], sink);
+    Terminal terminal(OptionsFor(data[1], data[2], data[3]), *types[data[0] % types.size()], sink);
     std::string_view rest(reinterpret_cast<const char*>(data) + 4, size - 4);
     while (!rest.empty()) {
         const size_t mark = rest.find('\xff');

@@ -11,20 +11,26 @@
 #include <comm/commlibrary.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
+#include <platform/backgroundfiles.h>
 #include <platform/eventclock.h>
+#include <platform/eventwaiter.h>
 #include <platform/hive.h>
 #include <platform/nativefiles.h>
 #include <platform/processors.h>
 #include <platform/system.h>
+#include <platform/textcodec.h>
 #include <ports/recorder.h>
 #include <ports/textfiles.h>
+#include <printing/systemprinting.h>
 #include <settings/layer.h>
 #include <support/qtquestions.h>
 #include <textfile/textfiles.h>
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QRandomGenerator>
 #include <QScreen>
+#include <QUrl>
 
 #include <bit>
 #include <cstdio>
@@ -58,8 +64,25 @@ public:
         textfile::TextCode code = textfile::TextCode::ByContent;
         return textfile::ReadTextFile(path, code);
     }
+    QByteArray Encode(const QString& text, int encoding) override { return EncodeText(text, EncodingOf(encoding)); }
+    QByteArray Mark(int encoding) override
+    {
+        switch (EncodingOf(encoding)) {
+        case TextEncoding::Utf16Le:
+            return MarkOf(TextEncoding::Utf16LeMark);
+        case TextEncoding::Utf8:
+            return MarkOf(TextEncoding::Utf8Mark);
+        default:
+            return {};
+        }
+    }
 
 private:
+    static TextEncoding EncodingOf(int number)
+    {
+        return number == 2 ? TextEncoding::Utf16Le : number == 3 ? TextEncoding::Utf8 : TextEncoding::Ansi;
+    }
+
     const FileSystem& files_;
 };
 
@@ -75,8 +98,10 @@ public:
               clock_,
               layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {}, InstallationIniFile(layer_.folders)),
               system_.ConfigFolder()),
-          splash_(SplashChoice()), wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
+          printing_(clock_, layer_.folders.DocumentsDir), splash_(SplashChoice()),
+          wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
+          commandPieces_(ask_, [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); }),
           main_({layer_, ask_, wizard_, welcome_, settingsDialog_, migration_, running_, splash_, KeepToOneProcessor,
                  [] { return QGuiApplication::primaryScreen()->depth(); },
                  [] {}, // nothing can be asked for the class until other programs can reach it
@@ -112,7 +137,9 @@ private:
     {
         Kestrune::Parts parts{layer_, clock_, ask_, recorder_, running_, {}, {}, {}, {}, {}, {}};
         parts.makeFrame = [this](Kestrune& application) { return MakeFrame(application); };
-        parts.makeCommands = [&host](Kestrune& application) { return std::make_unique<MenuCmd>(application, host); };
+        parts.makeCommands = [this, &host](Kestrune& application) {
+            return std::make_unique<MenuCmd>(application, host, commandPieces_);
+        };
         parts.makeScriptEngine = [this](Kestrune&) {
             return std::make_unique<MissingScriptEngine>([this](const QString& line) { main_.ShowNotice(line); });
         };
@@ -135,7 +162,8 @@ private:
 
     std::unique_ptr<ctlEmulator> MakeEmulator()
     {
-        return std::make_unique<ctlEmulator>(EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_});
+        return std::make_unique<ctlEmulator>(
+            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_, outputs_, printing_});
     }
 
     static bool UnloadForms()
@@ -165,11 +193,15 @@ private:
     CommLibrary lines_;
     SystemClipboard clipboard_;
     NativeTextFiles texts_{files_};
+    EventWaiter waiter_;
+    BackgroundFiles outputs_{clock_};
+    SystemPrinting printing_;
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;
     MissingWelcome welcome_;
     MissingSettingsDialog settingsDialog_;
+    MissingCommandPieces commandPieces_;
     MissingMigration migration_;
     MissingSingleInstance running_;
     Ormain main_;

@@ -264,6 +264,8 @@ void frmMdiParent::RunCommand(int id)
     logic_->ToolClick({}, tool);
 }
 
+void frmMdiParent::ShowPopup(const QString& band) { bars_->Popup(menu_, band, QCursor::pos()); }
+
 void frmMdiParent::ApplyBar(Bar bar, bool visible)
 {
     struct BarBand
@@ -276,18 +278,14 @@ void frmMdiParent::ApplyBar(Bar bar, bool visible)
     for (const BarBand& row : bands)
         if (row.bar == bar) {
             const QString band = QString::fromUtf16(row.band);
-            menu_.SetBandVisible(band, visible);
-            for (const frmMdiChild* window : Windows())
-                window->Menu().SetBandVisible(band, visible);
+            application_.Menu().SetBandProperty(band, {}, BandProperty::Visible, visible);
         }
     RefreshSessionBar();
 }
 
 void frmMdiParent::ApplyLargeIcons(bool on)
 {
-    menu_.SetLargeIcons(on);
-    for (const frmMdiChild* window : Windows())
-        window->Menu().SetLargeIcons(on);
+    application_.Menu().SetBandProperty({}, BandType::ToolBar, BandProperty::LargeIcons, on);
 }
 
 void frmMdiParent::ShowNotice(const QString& line)

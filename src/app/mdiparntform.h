@@ -62,6 +62,7 @@ public:
 
     // --- FrameWindow
     taMenuBar& Menu() override { return menu_; }
+    void ShowPopup(const QString& band) override;
     void SetCaption(const QString& text) override { logic_->SetTitle(text); }
     bool ChangeIcon(const QString& path) override;
     void PostLeave(Leave request) override { logic_->PostLeave(request); }

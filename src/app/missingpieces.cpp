@@ -3,6 +3,7 @@
 #include <emulator/control/ctlemulator.h>
 #include <sessions/session.h>
 #include <support/log.h>
+#include <support/msgbox.h>
 #include <support/notices.h>
 
 #include <QCoreApplication>
@@ -49,6 +50,51 @@ WelcomeChoice MissingWelcome::ShowWelcome(QString&)
 bool MissingSettingsDialog::ShowSettingsDialog(clsSession*, const QString&, const QString&)
 {
     NotImplemented(ask_, u"Settings dialog"_s);
+    return false;
+}
+
+void MissingCommandPieces::ShowUpload(clsSession&) { NotImplemented(ask_, u"File upload"_s); }
+void MissingCommandPieces::ShowDownload(clsSession&) { NotImplemented(ask_, u"File download"_s); }
+
+// Until the capture dialogs stand: the text of what comes in, to a file that a dialog asks for.
+void MissingCommandPieces::ShowCaptureStart(clsSession& open)
+{
+    constexpr int received = 1, overwrite = 1, textOnly = 128;
+    constexpr int askBeforeOverwriting = 2;
+    const auto session = open.shared_from_this(); // the dialog runs the message loop
+    FileDialogRequest request;
+    request.title = u"File Capture"_s;
+    request.folder = session->Settings().Text(Setting("DefaultCaptureDir"));
+    request.filter = u"All files (*.*)|*.*"_s;
+    request.flags = askBeforeOverwriting;
+    const auto file = ask_.SaveFile(request);
+    if (!file || session->Terminated())
+        return;
+    session->Emulator().Capture(*file, received, overwrite | textOnly);
+    if (session->Emulator().CaptureSource() == 0)
+        MsgBox(ask_, u"The selected file cannot be updated. Please choose a different file."_s, MsgFlag::Exclamation);
+}
+
+void MissingCommandPieces::ShowCaptureStop(clsSession& session) { session.Emulator().CaptureEnd(); }
+
+void MissingCommandPieces::StartMacroRecorder() { NotImplemented(ask_, u"Macro recorder"_s); }
+void MissingCommandPieces::OpenScriptEditor(const QString&, const QString&)
+{
+    NotImplemented(ask_, u"Script editor"_s);
+}
+void MissingCommandPieces::RunMacro(const QString&, clsSession*) { NotImplemented(ask_, u"Macro player"_s); }
+void MissingCommandPieces::InvokeMVService(int, const QString&) { NotImplemented(ask_, u"MultiValue host tools"_s); }
+void MissingCommandPieces::ShowHelp(HelpPage) { NotImplemented(ask_, u"Help viewer"_s); }
+
+DialResult MissingCommandPieces::ShowDial(clsSession&, QString&)
+{
+    NotImplemented(ask_, u"Dialer"_s);
+    return DialResult::Cancelled;
+}
+
+bool MissingCommandPieces::ShowMenuDesigner(clsSession*)
+{
+    NotImplemented(ask_, u"Menu designer"_s);
     return false;
 }
 

@@ -51,6 +51,32 @@ private:
     Questions& ask_;
 };
 
+// Each command says that its piece is not there yet. Documents are opened.
+class MissingCommandPieces : public CommandPieces
+{
+public:
+    MissingCommandPieces(Questions& ask, std::function<void(const QString&)> openDocument)
+        : ask_(ask), openDocument_(std::move(openDocument))
+    {}
+    void ShowUpload(clsSession& session) override;
+    void ShowDownload(clsSession& session) override;
+    void ShowCaptureStart(clsSession& session) override;
+    void ShowCaptureStop(clsSession& session) override;
+    DialResult ShowDial(clsSession& session, QString& number) override;
+    bool ShowMenuDesigner(clsSession* session) override;
+    void StartMacroRecorder() override;
+    void OpenScriptEditor(const QString& kind, const QString& name) override;
+    void RunMacro(const QString& name, clsSession* session) override;
+    bool HasHostTool(int) const override { return false; }
+    void InvokeMVService(int id, const QString& sessionId) override;
+    void ShowHelp(HelpPage page) override;
+    void OpenDocument(const QString& path) override { openDocument_(path); }
+
+private:
+    Questions& ask_;
+    std::function<void(const QString&)> openDocument_;
+};
+
 class MissingMigration : public MigrationPort
 {
 public:

@@ -30,6 +30,7 @@ class FrameWindow : public MainWindow
 {
 public:
     virtual taMenuBar& Menu() = 0;
+    virtual void ShowPopup(const QString& band) = 0;  // of its own menu, at the pointer; unknown: nothing
     virtual void SetCaption(const QString& text) = 0; // the program's part of the title
     virtual bool ChangeIcon(const QString& path) = 0; // empty or unreadable: the program's own
     virtual void PostLeave(Leave request) = 0;        // carried out from the event loop

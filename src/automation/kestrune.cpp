@@ -207,6 +207,29 @@ void Kestrune::SaveGlobalSettings()
             stored_.SetText(setting.id, Text(setting.id));
 }
 
+Ref<clsMenu> Kestrune::MenuObject(clsSession* session)
+{
+    if (std::exchange(menuReloads_, commands_->Reloads()) != commands_->Reloads())
+        menuObjects_.clear();
+    std::erase_if(menuObjects_, [this](const auto& entry) {
+        return !entry.first.isEmpty() && sessions_->Find(entry.first) == nullptr; // its session has ended
+    });
+    Ref<clsMenu>& object = menuObjects_[session != nullptr ? session->Id() : QString()];
+    if (object)
+        return object;
+    if (session == nullptr) {
+        object =
+            MakeObject<clsMenu>(frame_->Menu(), [this](taMenuBar&, const QString& band) { frame_->ShowPopup(band); });
+    } else if (auto* bars = dynamic_cast<taMenuBar*>(&session->frmSession()->Tools())) {
+        const QString id = session->Id();
+        object = MakeObject<clsMenu>(*bars, [this, id](taMenuBar&, const QString& band) {
+            if (const auto shown = sessions_->Find(id))
+                shown->frmSession()->ShowPopup(band);
+        });
+    }
+    return object;
+}
+
 void Kestrune::Load()
 {
     LoadGlobalSettings();

@@ -8,6 +8,7 @@
 // being loaded, and applies it. Which settings there are, their keys and defaults stand in one table
 // (settings/globals.h); what a change does at once stands in one table in the source.
 
+#include <automation/clsmenu.h>
 #include <automation/frame.h>
 #include <menus/menucmd.h>
 #include <ports/application.h>
@@ -20,6 +21,7 @@
 
 #include <array>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -66,6 +68,9 @@ public:
     std::shared_ptr<clsSession> ActiveSession() const;       // null: none
     clsRecentList& RecentList() { return recent_; }
     MenuCmd& Menu() { return *commands_; }
+    // The menu of the main window, or of a session, as scripts see it. The object stays the same until menu files
+    // are loaded again; one that a caller has kept goes on working by its keys.
+    Ref<clsMenu> MenuObject(clsSession* session = nullptr);
     QString IniPath() const { return iniPath_; }
     int Cookie() const { return cookie_; } // of the registration; 0: none
     void RevokeObject();
@@ -189,6 +194,8 @@ private:
     std::unique_ptr<ScriptEnginePort> engine_;
     std::unique_ptr<FrameWindow> frame_;
 
+    std::map<QString, Ref<clsMenu>> menuObjects_; // by session id, empty: of the main window
+    int menuReloads_ = 0;                         // that they were made after
     int cookie_ = 0;
     int sessionCounter_ = 0;
     bool sessionCreated_ = false;

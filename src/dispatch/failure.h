@@ -14,7 +14,10 @@ namespace kestrune {
 enum class ErrorNumber : quint32
 {
     InvalidCall = 5,
+    Overflow = 6,
     OutOfMemory = 7,
+    SubscriptOutOfRange = 9,
+    TypeMismatch = 13,
     BadFileHandle = 52,
     FileNotFound = 53,
     FileExists = 58,
@@ -26,9 +29,17 @@ enum class ErrorNumber : quint32
     PathAccess = 75,
     PathNotFound = 76,
     ObjectNotSet = 91,
+    InvalidUseOfNull = 94,
     BadIndex = 381,
     ModalDialogUp = 401,
+    ObjectRequired = 424,
     NoSuchMember = 438,
+    NoSuchArgument = 448,
+    ArgumentNotOptional = 449,
+    TooManyArguments = 450,
+    NotACollection = 451,
+    InvalidMenuFile = 32767,
+    ReadOnlyProperty = 0x800A017F,
     BadRecentListSize = 0x800407D1,
     NotImplemented = 0x80004001,
 };

@@ -1,5 +1,7 @@
 #include "variant.h"
 
+#include "object.h"
+
 #include <QRegularExpression>
 
 #include <cmath>
@@ -26,22 +28,55 @@ double NumberAtStart(const QString& text)
     return match.captured().trimmed().toLower().replace(u'd', u'e').toDouble();
 }
 
+constexpr double kDayOfEpoch = 25569.0; // 1970-01-01 counted from 1899-12-30
+constexpr double kMillisecondsOfDay = 86'400'000.0;
+constexpr double kCurrencyScale = 10'000.0;
+
+QString CurrencyText(Variant::Currency value)
+{
+    const quint64 size =
+        value.scaled < 0 ? ~static_cast<quint64>(value.scaled) + 1 : static_cast<quint64>(value.scaled);
+    QString text = QString::number(size / 10'000);
+    if (const quint64 rest = size % 10'000) {
+        text += u'.' + QString::number(rest).rightJustified(4, u'0');
+        while (text.endsWith(u'0'))
+            text.chop(1);
+    }
+    return value.scaled < 0 ? u'-' + text : text;
+}
+
 } // namespace
+
+Variant::Variant(Array value) : Variant(VariantArray(std::move(value))) {}
+
+Variant::Variant(VariantArray value) : value_(std::make_shared<const VariantArray>(std::move(value))) {}
+
+const Variant& Variant::Resolved() const
+{
+    const Variant* value = this;
+    while (const auto* reference = value->As<Reference>())
+        value = reference->target;
+    return *value;
+}
 
 double Variant::ToDouble() const
 {
-    return std::visit(Overloaded{
-                          [](std::monostate) { return 0.0; },
-                          [](Missing) { return 0.0; },
-                          [](bool v) { return v ? -1.0 : 0.0; },
-                          [](qint16 v) { return double(v); },
-                          [](qint32 v) { return double(v); },
-                          [](double v) { return v; },
-                          [](const QDateTime& v) { return double(v.toMSecsSinceEpoch()) / 86'400'000.0 + 25569.0; },
-                          [](const QString& v) { return NumberAtStart(v); },
-                          [](const Array&) { return 0.0; },
-                      },
-                      value_);
+    return std::visit(
+        Overloaded{
+            [](bool v) { return v ? -1.0 : 0.0; },
+            [](qint16 v) { return double(v); },
+            [](qint32 v) { return double(v); },
+            [](qint64 v) { return double(v); },
+            [](float v) { return double(v); },
+            [](double v) { return v; },
+            [](Currency v) { return double(v.scaled) / kCurrencyScale; },
+            [](const QDateTime& v) { return double(v.toMSecsSinceEpoch()) / kMillisecondsOfDay + kDayOfEpoch; },
+            [](const QString& v) { return NumberAtStart(v); },
+            [](Error v) { return double(v.number); },
+            [](Reference v) { return v.target->ToDouble(); },
+            [](const auto&) { return 0.0; },
+        },
+        value_);
 }
 
 qint32 Variant::ToInteger() const
@@ -56,7 +91,7 @@ qint32 Variant::ToInteger() const
 
 bool Variant::ToBoolean() const
 {
-    if (const auto* text = std::get_if<QString>(&value_)) {
+    if (const auto* text = As<QString>()) {
         if (text->compare(QStringLiteral("True"), Qt::CaseInsensitive) == 0)
             return true;
     }
@@ -66,24 +101,80 @@ bool Variant::ToBoolean() const
 QString Variant::ToText() const
 {
     return std::visit(Overloaded{
-                          [](std::monostate) { return QString(); },
-                          [](Missing) { return QString(); },
                           [](bool v) { return v ? QStringLiteral("True") : QStringLiteral("False"); },
                           [](qint16 v) { return QString::number(v); },
                           [](qint32 v) { return QString::number(v); },
+                          [](qint64 v) { return QString::number(v); },
+                          [](float v) { return QString::number(double(v), 'g', 7); },
                           [](double v) { return QString::number(v, 'g', 15); },
+                          [](Currency v) { return CurrencyText(v); },
                           [](const QDateTime& v) { return v.toString(Qt::ISODate); },
                           [](const QString& v) { return v; },
-                          [](const Array&) { return QString(); },
+                          [](Error v) { return QStringLiteral("Error %1").arg(v.number); },
+                          [](Reference v) { return v.target->ToText(); },
+                          [](const auto&) { return QString(); },
                       },
                       value_);
+}
+
+const VariantArray* Variant::AsArray() const
+{
+    const auto* array = As<SharedArray>();
+    return array != nullptr ? array->get() : nullptr;
 }
 
 const Variant::Array& Variant::ToArray() const
 {
     static const Array empty;
-    const auto* array = std::get_if<Array>(&value_);
-    return array ? *array : empty;
+    const VariantArray* array = AsArray();
+    return array != nullptr ? array->Elements() : empty;
+}
+
+ObjectRef Variant::ToObject() const
+{
+    const auto* object = Resolved().As<ObjectRef>();
+    return object != nullptr ? *object : ObjectRef();
+}
+
+bool Variant::operator==(const Variant& other) const
+{
+    if (Type() == Kind::Array && other.Type() == Kind::Array)
+        return *AsArray() == *other.AsArray();
+    return value_ == other.value_;
+}
+
+VariantArray::VariantArray(Variant::Array elements)
+    : bounds_{{0, static_cast<qint32>(elements.size()) - 1}}, elements_(std::move(elements))
+{}
+
+VariantArray::VariantArray(std::vector<Bound> bounds) : bounds_(std::move(bounds))
+{
+    if (bounds_.empty())
+        throw Failure(ErrorNumber::SubscriptOutOfRange, QStringLiteral("Subscript out of range"));
+    std::size_t count = 1;
+    for (const Bound& bound : bounds_) {
+        const qint64 length = std::max<qint64>(0, qint64(bound.upper) - bound.lower + 1);
+        if (count != 0 && static_cast<std::size_t>(length) > kMaxElements / count)
+            throw Failure(ErrorNumber::OutOfMemory, QStringLiteral("Out of memory"));
+        count *= static_cast<std::size_t>(length);
+    }
+    elements_.resize(count);
+}
+
+std::size_t VariantArray::Offset(const std::vector<qint32>& indexes) const
+{
+    std::size_t offset = 0;
+    std::size_t step = 1;
+    bool inside = indexes.size() == bounds_.size();
+    for (std::size_t i = 0; inside && i < indexes.size(); ++i) {
+        const Bound& bound = bounds_[i];
+        inside = indexes[i] >= bound.lower && indexes[i] <= bound.upper;
+        offset += static_cast<std::size_t>(qint64(indexes[i]) - bound.lower) * step;
+        step *= static_cast<std::size_t>(qint64(bound.upper) - bound.lower + 1);
+    }
+    if (!inside)
+        throw Failure(ErrorNumber::SubscriptOutOfRange, QStringLiteral("Subscript out of range"));
+    return offset;
 }
 
 } // namespace kestrune

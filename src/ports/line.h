@@ -57,6 +57,13 @@ enum class HostKeyValidation : qint32
     None = 3,      // every key is good: for laboratories
 };
 
+// What a lost line leaves for the one that takes its place; only the line's own kind knows what is in it.
+class LineResume
+{
+public:
+    virtual ~LineResume() = default;
+};
+
 // What is done about a host's certificate that is not in order, as HostCertificateValidation stands in session files.
 enum class CertificateValidation : qint32
 {
@@ -119,6 +126,13 @@ struct LineOptions
         HostKeyValidation hostKeyValidation = HostKeyValidation::Ask;
         QString hostKeyFingerprint; // "SHA256:..."; not empty: this key and no other
     } ssh;
+
+    struct Resume
+    {
+        bool enabled = false;               // agree with a host that keeps sessions alive
+        int bufferBytes = 0x40000;          // of what is sent and not yet acknowledged
+        std::shared_ptr<LineResume> from{}; // taken from a lost line; null: a new session
+    } resume;
 
     struct Serial
     {
@@ -221,6 +235,9 @@ public:
     // The far side does, or no longer does, echo what is typed (telnet ECHO). Told after each agreement; before
     // the first one a network virtual terminal does not echo, every other device does.
     virtual void LineRemoteEcho(bool remote) = 0;
+    // What LineOptions::Resume::from asked for. false: that session is gone, or the host does not answer for it; what
+    // has come since the line was opened belongs to a new one.
+    virtual void LineResumed(bool sameSession) { (void)sameSession; }
     // Answered by Line::Answer, now or later. At most one question of a line stands at a time.
     virtual void LineAsks(const LineQuestion& question) = 0;
     // What Send() had to leave in the queue has gone: Unsent() is 0 again. For a paste that paces itself.
@@ -245,6 +262,8 @@ public:
     virtual void Break(int milliseconds) = 0;
     // An answer to a question that no longer stands is dropped; so is one of a line that never asks.
     virtual void Answer(LineAnswer) {}
+    // Inside LineClosed, after a LineError with LineErrorCanResume: what the next line needs to go on. Else null.
+    virtual std::shared_ptr<LineResume> TakeResume() { return {}; }
     virtual bool HasChildren() const { return false; } // a program besides the shell itself is running there
 };
 

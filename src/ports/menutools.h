@@ -18,6 +18,12 @@ enum class ToolProperty
     Shortcut = 12
 };
 
+enum class BandProperty
+{
+    Visible = 11,
+    LargeIcons = 13
+};
+
 class MenuTools
 {
 public:

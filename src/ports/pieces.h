@@ -48,6 +48,39 @@ public:
     virtual bool ShowSettingsDialog(clsSession* session, const QString& page, const QString& extra) = 0;
 };
 
+enum class DialResult : int
+{
+    Cancelled = 0,
+    Dial = 1,
+    HangUp = 2
+};
+
+enum class HelpPage
+{
+    Contents,
+    Index
+};
+
+// What commands open.
+class CommandPieces
+{
+public:
+    virtual ~CommandPieces() = default;
+    virtual void ShowUpload(clsSession& session) = 0;
+    virtual void ShowDownload(clsSession& session) = 0;
+    virtual void ShowCaptureStart(clsSession& session) = 0;
+    virtual void ShowCaptureStop(clsSession& session) = 0;
+    virtual DialResult ShowDial(clsSession& session, QString& number) = 0; // number: what to dial
+    virtual bool ShowMenuDesigner(clsSession* session) = 0;                // true: menu files have changed
+    virtual void StartMacroRecorder() = 0;
+    virtual void OpenScriptEditor(const QString& kind, const QString& name) = 0;
+    virtual void RunMacro(const QString& name, clsSession* session) = 0;
+    virtual bool HasHostTool(int id) const = 0;
+    virtual void InvokeMVService(int id, const QString& sessionId) = 0;
+    virtual void ShowHelp(HelpPage page) = 0;
+    virtual void OpenDocument(const QString& path) = 0; // a file that is there
+};
+
 class MigrationPort
 {
 public:

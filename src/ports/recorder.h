@@ -29,6 +29,15 @@ struct TransferRequest
     qint16 textEncoding = 0; // used when mode is 0
 };
 
+// A command that was carried out, as macros repeat it.
+struct CommandRecord
+{
+    int id = 0;
+    clsSession* session = nullptr; // the one that it acted on or made; null: none
+    QString text;                  // a file, a number to dial
+    int value = 0;                 // a state that was switched to
+};
+
 class RecorderPort
 {
 public:
@@ -42,6 +51,7 @@ public:
     virtual void RecordText(clsSession&, const QString&) {}
     virtual void RecordKey(clsSession&, const QString&, int /*code*/) {}
     virtual void TransferStarted(clsSession&, const TransferRequest&) {}
+    virtual void CommandRan(const CommandRecord&) {}
     virtual void ApplicationActivated(bool) {}
     virtual void Close() {}
 };

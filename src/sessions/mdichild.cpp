@@ -4,6 +4,7 @@
 #include <emulator/view/terminalview.h>
 #include <menubar/tamenubar.h>
 #include <ports/application.h>
+#include <ports/questions.h>
 #include <sessions/childlogic.h>
 #include <sessions/tools.h>
 
@@ -12,9 +13,11 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QKeyEvent>
 #include <QMdiArea>
 #include <QMenu>
+#include <QUrl>
 
 #include <array>
 
@@ -59,13 +62,14 @@ PlatformKey FromKeyEvent(const QKeyEvent& event)
 frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulator> emulator,
                          std::unique_ptr<taMenuBar> menu)
     : application_(application), emulator_(std::move(emulator)), menu_(std::move(menu)),
-      view_(new TerminalView(*emulator_)), panels_(new SessionPanels(*this, *view_)),
-      logic_(std::make_unique<ChildLogic>(application, *this))
+      view_(new TerminalView(*emulator_)), logic_(std::make_unique<ChildLogic>(application, *this))
 {
     setWidget(view_);
-    setAttribute(Qt::WA_DeleteOnClose, false); // it goes by Unload
+    panels_ = new SessionPanels(*this, *view_); // a new child is an event for this window
+    setAttribute(Qt::WA_DeleteOnClose, false);  // it goes by Unload
     TakeOverSystemMenu();
     view_->installEventFilter(this);
+    connect(view_, &TerminalView::LinkActivated, this, &frmMdiChild::OpenLink);
     ChangeIcon({});
     SetState(application.InitChildWindowState());
     connect(this, &QMdiSubWindow::windowStateChanged, this, &frmMdiChild::StateChanged);
@@ -81,6 +85,21 @@ frmMdiChild::~frmMdiChild()
     logic_.reset();
     delete panels_; // before the terminal that it watches
     delete view_;
+}
+
+void frmMdiChild::OpenLink(const QString& target, bool mustAsk)
+{
+    Questions& ask = application_.Ask();
+    const auto owner = quintptr(winId());
+    const QPointer self(this);
+    const auto say = [&](const QString& text, int flags) {
+        return ask.MsgBox({.text = text + u"\n\n"_s + target, .flags = flags, .title = {}, .owner = owner});
+    };
+    if (mustAsk && say(tr("Open this with the program that the desktop has for it?"),
+                       MsgFlag::OkCancel + MsgFlag::Question) != MsgResult::Ok)
+        return;
+    if (self && !QDesktopServices::openUrl(QUrl(target))) // the session may have gone while the box was up
+        say(tr("The desktop has no program that opens this:"), MsgFlag::Exclamation);
 }
 
 // The keys of the system menu's entries belong to the host.

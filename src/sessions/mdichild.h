@@ -86,6 +86,7 @@ protected:
 
 private:
     void TakeOverSystemMenu();
+    void OpenLink(const QString& target, bool mustAsk);
     void StateChanged(Qt::WindowStates before, Qt::WindowStates now);
     void KeepNormalPlace();
 

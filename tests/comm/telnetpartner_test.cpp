@@ -1,6 +1,7 @@
 // The telnet device against a real server: the daemon of inetutils, started for each caller by socat.
 
 #include "linerig.h"
+#include "telnetserver.h"
 
 #include <QFile>
 #include <QHostAddress>
@@ -48,59 +49,9 @@ while True:
         os.write(1, b'got ' + line + b'\n')
 )script";
 
-class TelnetServer
-{
-public:
-    TelnetServer()
-    {
-        QFile script(folder_.filePath(u"login"_s));
-        EXPECT_TRUE(script.open(QIODevice::WriteOnly));
-        script.write(LoginScript);
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QTcpServer free;
-        free.listen(QHostAddress::LocalHost);
-        port_ = free.serverPort();
-        free.close();
-        process_.start(
-            u"timeout"_s,
-            {u"-k"_s, u"1"_s, u"90"_s, u"socat"_s, u"TCP-LISTEN:%1,bind=127.0.0.1,reuseaddr,fork"_s.arg(port_),
-             u"EXEC:/usr/sbin/telnetd -h --accept-env=USER --exec-login=%1,nofork"_s.arg(script.fileName())});
-    }
-    ~TelnetServer() { Kill(); }
-    void Kill()
-    {
-        process_.terminate(); // timeout passes it on to all of its group
-        process_.waitForFinished();
-    }
-    bool Answers()
-    {
-        return WaitUntil([this] {
-            QTcpSocket caller;
-            caller.connectToHost(QHostAddress::LocalHost, port_);
-            return caller.waitForConnected(200);
-        });
-    }
-    LineOptions Options() const
-    {
-        LineOptions options;
-        options.device = Device::Telnet;
-        options.hostName = u"localhost"_s;
-        options.hostPort = QString::number(port_);
-        options.terminalName = u"vt220"_s;
-        options.userName = "ann";
-        options.size = {.cols = 255, .rows = 40};
-        return options;
-    }
-
-private:
-    QTemporaryDir folder_;
-    QProcess process_;
-    quint16 port_ = 0;
-};
-
 TEST(TelnetPartner, WorksWithARealServer)
 {
-    TelnetServer server;
+    TelnetServer server(LoginScript);
     ASSERT_TRUE(server.Answers());
     LineRig rig(server.Options());
     ASSERT_TRUE(rig.Opened().UntilReceived("SIZE=40 255\r\n"));
@@ -132,7 +83,7 @@ TEST(TelnetPartner, WorksWithARealServer)
 
 TEST(TelnetPartner, InterruptsByTheAlternateBreak)
 {
-    TelnetServer server;
+    TelnetServer server(LoginScript);
     ASSERT_TRUE(server.Answers());
     LineOptions options = server.Options();
     options.telnet.alternateBreak = true;
@@ -144,7 +95,7 @@ TEST(TelnetPartner, InterruptsByTheAlternateBreak)
 
 TEST(TelnetPartner, SaysThatTheServerIsGone)
 {
-    TelnetServer server;
+    TelnetServer server(LoginScript);
     ASSERT_TRUE(server.Answers());
     LineRig rig(server.Options());
     ASSERT_TRUE(rig.Opened().UntilReceived("SIZE="));

@@ -7,7 +7,10 @@
 #include <fakes/fakeclock.h>
 #include <fakes/fakeline.h>
 #include <fakes/fakequestions.h>
+#include <fakes/fakewaiter.h>
 #include <fakes/memorykeyfile.h>
+#include <fakes/memoryoutput.h>
+#include <fakes/memoryprinting.h>
 
 namespace kestrune {
 
@@ -53,7 +56,14 @@ struct EmulatorBench
     FakeQuestions ask;
     FakeClipboard clipboard;
     MemoryTextFiles texts;
-    ctlEmulator control{EmulatorPorts{lines, clock, files, ask, clipboard, texts}};
+    FakeWaiter waiter{clock};
+    MemoryOutputFiles outputs{clock};
+    MemoryPrinting printing{clock};
+    EmulatorPorts Ports(Questions& asked)
+    {
+        return {lines, clock, files, asked, clipboard, texts, waiter, outputs, printing};
+    }
+    ctlEmulator control{Ports(ask)};
 };
 
 } // namespace kestrune

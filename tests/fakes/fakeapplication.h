@@ -17,6 +17,9 @@
 #include "fakemainwindow.h"
 #include "fakequestions.h"
 #include "fakesystem.h"
+#include "fakewaiter.h"
+#include "memoryoutput.h"
+#include "memoryprinting.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -89,10 +92,19 @@ public:
     void SessionActivated(clsSession& session) override { log.push_back(QStringLiteral("activated ") + session.Id()); }
     void RecordText(clsSession&, const QString& text) override { log.push_back(QStringLiteral("text ") + text); }
     void RecordKey(clsSession&, const QString& text, int) override { log.push_back(QStringLiteral("key ") + text); }
+    void CommandRan(const CommandRecord& record) override
+    {
+        commands.push_back(QStringLiteral("%1 %2 %3 %4")
+                               .arg(record.id)
+                               .arg(record.session != nullptr ? record.session->Id() : QStringLiteral("-"),
+                                    QFileInfo(record.text).fileName())
+                               .arg(record.value));
+    }
     QStringList TakeLog() { return std::exchange(log, {}); }
 
     bool recording = false;
     QStringList log;
+    QStringList commands;
 };
 
 // Where a shell stands in a test: settings in a folder of its own, and in place of people, hosts, clock, clipboard and
@@ -106,7 +118,7 @@ struct FakeSurroundings
           layer(PathStyle::Native(), files, system, user, machine)
     {}
 
-    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts}; }
+    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs, printing}; }
 
     QTemporaryDir folder;
     FakeSystem system;
@@ -119,6 +131,9 @@ struct FakeSurroundings
     FakeClipboard clipboard;
     FakeLineFactory lines;
     MemoryTextFiles texts;
+    FakeWaiter waiter{clock};
+    MemoryOutputFiles outputs{clock};
+    MemoryPrinting printing{clock};
     FakeRecorder recorder;
 
 private:

@@ -8,6 +8,7 @@
 #include <dispatch/failure.h>
 
 #include <QMap>
+#include <QStringEncoder>
 
 namespace kestrune {
 
@@ -30,6 +31,15 @@ public:
         if (!files.contains(path))
             throw Failure(ErrorNumber::FileNotFound, QStringLiteral("Cannot find ") + path);
         return files.value(path);
+    }
+    QByteArray Encode(const QString& text, int encoding) override
+    {
+        using enum QStringConverter::Encoding;
+        return QStringEncoder(encoding == 2 ? Utf16LE : encoding == 3 ? Utf8 : Latin1).encode(text);
+    }
+    QByteArray Mark(int encoding) override
+    {
+        return encoding == 1 ? QByteArray() : Encode(QString(QChar(QChar::ByteOrderMark)), encoding);
     }
 
     QMap<QString, QString> files;

@@ -36,6 +36,7 @@ public:
     quintptr Handle() const override { return 1; }
 
     taMenuBar& Menu() override { return menu; }
+    void ShowPopup(const QString& band) override { popups.push_back(band); }
     void SetCaption(const QString& text) override { caption = text; }
     bool ChangeIcon(const QString&) override { return false; }
     void PostLeave(Leave request) override { leaves.push_back(request); }
@@ -67,7 +68,7 @@ public:
     taMenuBar menu;
     std::map<Bar, bool> bars;
     QString caption, titleText;
-    QStringList notices;
+    QStringList notices, popups;
     std::vector<Leave> leaves;
     bool visible = false, closing = false, largeIcons = false, foreground = true, closeEnabled = true;
     bool focusIsOnFrame = false, acceptsFocus = true, childrenLetGo = true;

@@ -62,6 +62,7 @@ public:
     }
     void Break(int) override { ++breaks; }
     void Answer(LineAnswer answer) override { answers.push_back(std::move(answer)); }
+    std::shared_ptr<LineResume> TakeResume() override { return std::move(resume); }
     bool HasChildren() const override { return hasChildren; }
 
     // --- what the far side does
@@ -74,6 +75,7 @@ public:
     }
     void HostSays(std::string_view bytes) { listener_.LineReceived(bytes); }
     void Ask(const LineQuestion& question) { listener_.LineAsks(question); }
+    void Resumed(bool sameSession) { listener_.LineResumed(sameSession); }
     void RemoteEcho(bool on) { listener_.LineRemoteEcho(on); }
     void Fail(quint32 word, const QString& text)
     {
@@ -113,6 +115,7 @@ public:
     bool held = false; // what is sent stays queued until Drain
     qsizetype unsent = 0;
     std::vector<LineAnswer> answers;
+    std::shared_ptr<LineResume> resume; // what a lost line leaves behind
     int breaks = 0;
     int resizes = 0;
 };

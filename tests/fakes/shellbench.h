@@ -9,6 +9,7 @@
 #include <sessions/sessions.h>
 
 #include "fakeapplication.h"
+#include "fakecommandpieces.h"
 #include "fakeframe.h"
 
 #include <QFile>
@@ -132,7 +133,9 @@ private:
             frame = made.get();
             return made;
         };
-        parts.makeCommands = [&host](Kestrune& application) { return std::make_unique<MenuCmd>(application, host); };
+        parts.makeCommands = [this, &host](Kestrune& application) {
+            return std::make_unique<MenuCmd>(application, host, pieces);
+        };
         parts.makeScriptEngine = [this](Kestrune&) {
             auto made = std::make_unique<FakeScriptEngine>();
             engine = made.get();
@@ -150,6 +153,8 @@ private:
 public:
     FakeFrame* frame = nullptr;         // of the application, while there is one
     FakeScriptEngine* engine = nullptr; // likewise, once somebody asked for it
+
+    FakeCommandPieces pieces; // what commands opened
 
     WizardResult wizardResult = WizardResult::Cancelled;
     WelcomeChoice welcomeChoice = WelcomeChoice::Cancelled;

@@ -1,12 +1,15 @@
+#include <app/missingpieces.h>
 #include <fakes/print.h>
 #include <fakes/shellbench.h>
-#include <menus/defaultmenu.h>
+#include <menus/loadmenu.h>
 
 #include <QFileInfo>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+
+#include "menuparts.h"
 
 namespace kestrune {
 
@@ -57,31 +60,16 @@ TEST_F(MenuCmdTest, ActionsOfEachForm)
     EXPECT_EQ(bench_.engine->texts, (QStringList{u"0:MsgBox 1\r\n"_s, u"1:#abc\r\n"_s}));
 }
 
-TEST_F(MenuCmdTest, CommandsWithoutTheirSessionDoNothing)
-{
-    for (const int id : {104, 105, 106, 303, 305, 308, 506, 599, 707, 708, 712, 1301, 1302, 1305})
-        Do(u"[#%1]"_s.arg(id));
-    EXPECT_TRUE(bench_.ask.boxes.empty());
-    EXPECT_EQ(application_.Sessions().Count(), 0);
-}
-
-TEST_F(MenuCmdTest, PiecesThatAreNotThereSaySo)
-{
-    const auto session = Open();
-    for (const int id : {601, 603, 704, 711, 804, 2001})
-        Do(u"[#%1]"_s.arg(id), session.get());
-    ASSERT_EQ(bench_.ask.boxes.size(), 6u);
-    for (const MsgBoxRequest& box : bench_.ask.boxes)
-        EXPECT_TRUE(box.text.contains(u"has not been implemented at this time."_s)) << box.text.toStdString();
-}
-
 TEST_F(MenuCmdTest, MacroWhileAScriptRunsBeeps)
 {
     application_.ScriptEngine(false);
     bench_.engine->running = true;
     Do(u"[#2001#Foo]"_s);
     EXPECT_EQ(bench_.ask.beeps, 1);
-    EXPECT_TRUE(bench_.ask.boxes.empty());
+    EXPECT_TRUE(bench_.pieces.log.isEmpty());
+    bench_.engine->running = false;
+    Do(u"[#2001#Foo bar]rest"_s);
+    EXPECT_EQ(bench_.pieces.log, QStringList{u"macro Foo bar"_s});
 }
 
 TEST_F(MenuCmdTest, SessionCommands)
@@ -103,6 +91,35 @@ TEST_F(MenuCmdTest, SessionCommands)
     EXPECT_EQ(application_.Sessions().Count(), 2);
     Do(u"[#104]"_s, session.get());
     EXPECT_EQ(application_.Sessions().Count(), 1);
+}
+
+// Until the capture dialogs stand, a file dialog starts a capture.
+TEST_F(MenuCmdTest, CaptureAndPrinterAreTurnedOnAndOff)
+{
+    const auto session = Open();
+    MissingCommandPieces pieces(bench_.ask, [](const QString&) {});
+    const QString file = bench_.Home(u"capture.txt"_s);
+    bench_.ask.files = {std::nullopt, file};
+    pieces.ShowCaptureStart(*session);
+    EXPECT_EQ(session->Emulator().CaptureSource(), 0) << "cancelled";
+    pieces.ShowCaptureStart(*session);
+    EXPECT_EQ(session->Emulator().CaptureFileName(), file);
+    pieces.ShowCaptureStop(*session);
+    EXPECT_EQ(session->Emulator().CaptureSource(), 0);
+    EXPECT_TRUE(bench_.outputs.files.contains(file));
+
+    bench_.outputs.readOnly = true;
+    bench_.ask.files = {file};
+    pieces.ShowCaptureStart(*session);
+    ASSERT_EQ(bench_.ask.boxes.size(), 1u);
+    EXPECT_EQ(bench_.ask.boxes[0].text, u"The selected file cannot be updated. Please choose a different file."_s);
+
+    Do(u"[#201]"_s, session.get());
+    EXPECT_EQ(session->Emulator().PrinterMode(), 1);
+    Do(u"[#201]"_s, session.get());
+    EXPECT_EQ(session->Emulator().PrinterMode(), 0);
+    Do(u"[#202]"_s, session.get());
+    EXPECT_EQ(bench_.printing.jobs.size(), 1u);
 }
 
 TEST_F(MenuCmdTest, BarsAreFlippedAndStored)
@@ -152,20 +169,34 @@ TEST_F(MenuCmdTest, RecentFilesAndWindowsFillTheirMenus)
     EXPECT_TRUE(Captions(*bars.OpenTool(u"Menu"_s, 99)).contains(u"*Session &Bar"_s));
 }
 
-TEST_F(MenuCmdTest, FrameMenuOffersWhatNeedsNoSession)
+TEST_F(MenuCmdTest, BarsFollowTheSettingsInEveryMenu)
 {
-    const taMenuBar& bars = bench_.Frame().menu;
-    for (const int id : {101, 103, 110, 705, 1201, 405, 100})
-        EXPECT_TRUE(bars.Tool(id)->enabled) << id;
-    for (const int id : {104, 105, 106, 108, 303, 305, 707, 712, 501})
-        EXPECT_FALSE(bars.Tool(id)->enabled) << id;
-    EXPECT_EQ(bars.Tool(1103)->caption, u"Create a new session or open an existing one"_s);
-
+    application_.SetBoolean(GlobalId::ToolbarVisible, false);
+    application_.SetBoolean(GlobalId::LargeIcons, false);
     taMenuBar own;
     const auto session = Open();
     EXPECT_EQ(menu_.LoadSessionMenu(*session, own), 0);
     menu_.InitSessionMenu(*session, own);
+    EXPECT_FALSE(own.Band(u"Toolbar"_s)->visible);
+    EXPECT_EQ(own.Band(u"Toolbar"_s)->icons, IconSize::Small);
+    EXPECT_TRUE(own.Band(u"StatusBar"_s)->visible);
     EXPECT_TRUE(own.Tool(104)->enabled);
+
+    menu_.SetBandProperty(u"STATUSBAR"_s, {}, BandProperty::Visible, false);
+    EXPECT_FALSE(bench_.Frame().menu.Band(u"StatusBar"_s)->visible);
+}
+
+TEST_F(MenuCmdTest, ChangedMenuFilesAreLoadedWhenTheDesignerSaysSo)
+{
+    EXPECT_EQ(menu_.FrameMenuSource(), MenuSource::BuiltIn);
+    bench_.pieces.duringDesigner = [&] {
+        QFile file(bench_.layer.folders.AppDataDir + kMenuFileName);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("[Menu]\r\nBandCount=1\r\nKEY_1=Menu\r\nTYPE_1=2\r\n");
+    };
+    Do(u"[#711]"_s);
+    EXPECT_EQ(menu_.FrameMenuSource(), MenuSource::Personal);
+    EXPECT_EQ(bench_.Frame().menu.Bands().size(), 1u);
 }
 
 TEST_F(MenuCmdTest, ClickOnTheTabPopupMeansItsOwnSession)
@@ -182,11 +213,7 @@ TEST_F(MenuCmdTest, FailuresOfAClickAreToldInTheStatusLineOrAsMissing)
 {
     const auto session = Open();
     taMenuBar bars;
-    LoadDefaultMenu(bars);
-    MenuTool print;
-    print.key = 202;
-    print.action = u"[#202]"_s;
-    menu_.ToolClick(bars, {}, print, session.get());
+    menu_.ToolClick(bars, {}, ToolOf(506, u"[#506]"_s), session.get());
     ASSERT_EQ(bench_.ask.boxes.size(), 1u);
     EXPECT_EQ(bench_.ask.boxes[0].flags, MsgFlag::Information);
 }

@@ -1,10 +1,9 @@
 #include <fakes/print.h>
 #include <menubar/tamenubar.h>
-#include <menus/defaultmenu.h>
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include "menuparts.h"
 
 namespace kestrune {
 
@@ -12,21 +11,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-MenuTool ToolOf(int key, const QString& action)
-{
-    MenuTool tool;
-    tool.key = key;
-    tool.caption = QString::number(key);
-    tool.action = action;
-    return tool;
-}
-
 void AddBandOf(taMenuBar& menu, const QString& key, std::vector<MenuTool> tools)
 {
-    MenuBand band;
-    band.key = key;
-    band.tools = std::move(tools);
-    EXPECT_TRUE(menu.AddBand(std::move(band)));
+    EXPECT_TRUE(menu.AddBand(BandOf(key, BandType::Popup, std::move(tools))));
 }
 
 TEST(CommandId, OfActions)
@@ -79,7 +66,7 @@ TEST(taMenuBar, ActionIsWrittenByKeyAloneAndNeverEmpty)
 TEST(taMenuBar, UnknownIdsAreSilent)
 {
     taMenuBar menu;
-    LoadDefaultMenu(menu);
+    AddBandOf(menu, u"Toolbar"_s, {ToolOf(303, u"[#303]"_s)});
     for (const int id : {0, 9999}) {
         menu.SetToolProperty(id, ToolProperty::Visible, true);
         EXPECT_FALSE(menu.GetToolProperty(id, ToolProperty::Caption).isValid());
@@ -90,28 +77,65 @@ TEST(taMenuBar, BandKeysAreUnique)
 {
     taMenuBar menu;
     AddBandOf(menu, u"Toolbar"_s, {});
-    MenuBand again;
-    again.key = u"TOOLBAR"_s;
-    EXPECT_FALSE(menu.AddBand(again));
+    EXPECT_FALSE(menu.AddBand(BandOf(u"TOOLBAR"_s)));
     EXPECT_EQ(menu.Bands().size(), 1u);
 }
 
-TEST(DefaultMenu, HasTheSixBandsAndEachToolItsOwnCommand)
+TEST(taMenuBar, BandsAndToolsComeAndGoAndEachChangeIsTold)
 {
     taMenuBar menu;
-    LoadDefaultMenu(menu);
-    LoadDefaultMenu(menu); // replaces what stands there
-    QStringList keys;
-    for (const MenuBand& band : menu.Bands())
-        keys.append(band.key);
-    EXPECT_EQ(keys,
-              (QStringList{u"Menu"_s, u"StatusBar"_s, u"Toolbar"_s, u"ContextMenu"_s, u"SessionBar"_s, u"TabCtx"_s}));
-    std::set<QString> shortcuts;
-    menu.EachTool([&](MenuTool& tool) {
-        EXPECT_EQ(CommandId(tool.action), tool.key);
-        EXPECT_FALSE(tool.caption.isEmpty());
-        EXPECT_TRUE(tool.shortcut.isEmpty() || shortcuts.insert(tool.shortcut).second) << tool.shortcut.toStdString();
-    });
+    int told = 0;
+    QObject::connect(&menu, &taMenuBar::BandsChanged, &menu, [&] { ++told; });
+    const auto tellsOnce = [&](bool done) { return std::exchange(told, 0) == (done ? 1 : 0) && done; };
+
+    EXPECT_TRUE(tellsOnce(menu.AddBand(BandOf(u"Menu"_s))));
+    EXPECT_TRUE(tellsOnce(menu.AddTool(u"MENU"_s, ToolOf(300))));
+    EXPECT_TRUE(tellsOnce(menu.AddTool(u"Menu"_s, ToolOf(303), 300)));
+    EXPECT_TRUE(tellsOnce(menu.AddTool(u"Menu"_s, ToolOf(305), 300)));
+    EXPECT_TRUE(tellsOnce(menu.AddTool(u"Menu"_s, ToolOf(304), 300, 1)));
+    EXPECT_TRUE(tellsOnce(menu.AddTool(u"Menu"_s, ToolOf(100), 0, 0)));
+    EXPECT_FALSE(tellsOnce(menu.AddTool(u"Menu"_s, ToolOf(1), 999)));
+    EXPECT_FALSE(tellsOnce(menu.AddTool(u"Other"_s, ToolOf(1))));
+    std::vector<int> keys;
+    menu.EachTool([&](MenuTool& tool) { keys.push_back(tool.key); });
+    EXPECT_EQ(keys, (std::vector{100, 300, 303, 304, 305}));
+    told = 0;
+
+    EXPECT_TRUE(tellsOnce(menu.RemoveTool(u"menu"_s, 304)));
+    EXPECT_FALSE(tellsOnce(menu.RemoveTool(u"menu"_s, 304)));
+    EXPECT_EQ(menu.Tool(304), nullptr);
+    EXPECT_NE(menu.Tool(u"Menu"_s, 305), nullptr);
+    EXPECT_EQ(menu.Tool(u"Toolbar"_s, 305), nullptr);
+
+    EXPECT_TRUE(
+        tellsOnce(menu.ChangeBand(u"menu"_s, [](MenuBand& band) { band = BandOf(u"Stolen"_s, BandType::ToolBar); })));
+    EXPECT_EQ(menu.Band(u"Menu"_s)->type, BandType::ToolBar); // its key is no field to change
+    EXPECT_FALSE(tellsOnce(menu.ChangeBand(u"Stolen"_s, [](MenuBand&) {})));
+    EXPECT_TRUE(tellsOnce(menu.RemoveBand(u"mENU"_s)));
+    EXPECT_FALSE(tellsOnce(menu.RemoveBand(u"Menu"_s)));
+
+    menu.SetBands({BandOf(u"A"_s), BandOf(u"a"_s, BandType::ToolBar), BandOf(u"B"_s)});
+    ASSERT_EQ(menu.Bands().size(), 2u);
+    EXPECT_EQ(menu.Band(u"a"_s)->type, BandType::Popup); // the first stays
+}
+
+TEST(taMenuBar, BandPropertiesByNameOrByType)
+{
+    taMenuBar menu;
+    menu.SetBands({BandOf(u"Toolbar"_s, BandType::ToolBar), BandOf(u"Mine"_s, BandType::ToolBar),
+                   BandOf(u"Menu"_s, BandType::MainMenu)});
+    int told = 0;
+    QObject::connect(&menu, &taMenuBar::BandsChanged, &menu, [&] { ++told; });
+    menu.SetBandProperty(u"TOOLBAR"_s, {}, BandProperty::Visible, false);
+    EXPECT_FALSE(menu.Band(u"Toolbar"_s)->visible);
+    EXPECT_TRUE(menu.Band(u"Mine"_s)->visible);
+    menu.SetBandProperty({}, BandType::ToolBar, BandProperty::LargeIcons, false);
+    EXPECT_EQ(menu.Band(u"Mine"_s)->icons, IconSize::Small);
+    EXPECT_EQ(menu.Band(u"Menu"_s)->icons, IconSize::Large);
+    EXPECT_EQ(std::exchange(told, 0), 2);
+    menu.SetBandProperty({}, BandType::ToolBar, BandProperty::LargeIcons, false);
+    menu.SetBandProperty(u"None"_s, {}, BandProperty::Visible, false);
+    EXPECT_EQ(told, 0); // nothing changed
 }
 
 } // namespace

@@ -42,7 +42,7 @@ public:
         MenuTool status;
         status.key = Tool::ConnectionStatus;
         band.tools = {close, status};
-        menu->AddBand(band);
+        menu->SetBands({band});
         auto* window = new frmMdiChild(application_, std::make_unique<ctlEmulator>(ports_), std::move(menu));
         area.addSubWindow(window);
         window->hide();
@@ -61,7 +61,7 @@ public:
 
 struct WindowBench : SessionBench
 {
-    WindowBench() : area(*this, {lines, clock, layer.keyFiles, ask, clipboard, texts}) {}
+    WindowBench() : area(*this, Ports()) {}
     ~WindowBench() override
     {
         for (const auto& session : sessions.All())

@@ -1,6 +1,7 @@
 #include <comm/commlibrary.h>
 
 #include "localshell.h"
+#include "resumableline.h"
 #include "sshline.h"
 #include "telnetline.h"
 
@@ -70,7 +71,10 @@ std::unique_ptr<Line> CommLibrary::Make(const LineOptions& options, LineListener
         return nullptr;
     LineOptions own = options;
     own.tls.trustFolder = trustFolder_;
-    return RowOf(options.device)->make(own, listener, clock_);
+    const LineMaker make = RowOf(options.device)->make;
+    if (comm::ResumableLine::IsWanted(own))
+        return std::make_unique<comm::ResumableLine>(own, listener, clock_, make);
+    return make(own, listener, clock_);
 }
 
 int CommLibrary::ORCommExist(int device) const { return Exists(static_cast<Device>(device)) ? 1 : 0; }

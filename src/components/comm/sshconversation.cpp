@@ -9,6 +9,12 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <list>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -80,12 +86,78 @@ SshEnding Converse(const LineOptions& options, SshMailbox& mail)
     return shell.Run();
 }
 
+// The threads of all conversations. A line never waits for its own: a key or an agent may hold it up, and the window
+// must not stand still for that. But none may outlive the program: the libraries that it works with are taken down at
+// the end of main, under its feet.
+class SshThreads
+{
+public:
+    SshThreads() { ssh_init(); } // so that the library goes down after this
+
+    SshThreads(const SshThreads&) = delete;
+    SshThreads& operator=(const SshThreads&) = delete;
+
+    void Start(std::function<void()> conversation)
+    {
+        const std::lock_guard held(lock_);
+        JoinEnded();
+        Entry& entry = threads_.emplace_back();
+        entry.thread = std::thread([this, &entry, conversation = std::move(conversation)]() mutable {
+            conversation();
+            conversation = nullptr; // with all that it holds
+            const std::lock_guard leaving(lock_);
+            entry.done = true;
+            ended_.notify_all();
+        });
+    }
+
+    // All are cancelled by now. One that still runs after this hangs in a system call, for an agent that is stuck.
+    void AwaitEnds()
+    {
+        constexpr std::chrono::seconds LongestFarewell{3};
+        std::unique_lock held(lock_);
+        ended_.wait_for(held, LongestFarewell, [this] { return std::ranges::all_of(threads_, &Entry::done); });
+        JoinEnded();
+    }
+
+private:
+    struct Entry
+    {
+        std::thread thread;
+        bool done = false;
+    };
+
+    void JoinEnded() // with the lock held; what is done has let go of it, and ends at once
+    {
+        threads_.remove_if([](Entry& entry) {
+            if (entry.done)
+                entry.thread.join();
+            return entry.done;
+        });
+    }
+
+    std::mutex lock_;
+    std::condition_variable ended_;
+    std::list<Entry> threads_;
+};
+
+// Never taken down itself: a stuck thread may come back to it.
+SshThreads& Threads()
+{
+    struct EndOfProgram
+    {
+        SshThreads* threads = new SshThreads;
+        ~EndOfProgram() { threads->AwaitEnds(); }
+    };
+    static const EndOfProgram atEnd;
+    return *atEnd.threads;
+}
+
 } // namespace
 
 void StartSshConversation(const LineOptions& options, std::shared_ptr<SshMailbox> mail)
 {
-    // Nobody waits for it: a name server, an agent or a key may hold it up, and its line may be gone by then.
-    std::thread([options, mail = std::move(mail)] {
+    Threads().Start([options, mail = std::move(mail)] {
         GiveBackProcessors();
         try {
             mail->End(Converse(options, *mail));
@@ -94,7 +166,7 @@ void StartSshConversation(const LineOptions& options, std::shared_ptr<SshMailbox
         } catch (const std::exception& error) {
             mail->End({.number = LineErrorNumber::NoBufferSpace, .text = QString::fromLocal8Bit(error.what())});
         }
-    }).detach();
+    });
 }
 
 } // namespace kestrune::comm

@@ -199,7 +199,7 @@ void TlsHandshake::AskTrust(const QString& account, bool changed, const QList<QS
     if (changed)
         question.text.prepend(
             tr("Another certificate is remembered for this host. Somebody may stand in between.\n\n"));
-    events_.TlsAsks(question, [this, errors, account](LineAnswer answer) {
+    events_.TlsAsks(question, [this, errors, account](const LineAnswer& answer) {
         switch (answer.choice) {
         case LineAnswer::Choice::Update:
             if (!Remember())

@@ -44,6 +44,33 @@ constexpr Stroke kStrokes[] = {
      "M 2 7 L 22 7 L 22 17 L 2 17 Z M 6 10.5 L 6 10.6 M 10 10.5 L 10 10.6 M 14 10.5 L 14 10.6 M 18 10.5 L 18 10.6 M 7 14 L 17 14"_L1},
     {"lock"_L1, "M 5 11 L 19 11 L 19 20 L 5 20 Z M 8 11 L 8 8 Q 8.2 4 12 4 Q 15.8 4 16 8 L 16 11"_L1},
     {"close"_L1, "M 7 7 L 17 17 M 17 7 L 7 17"_L1},
+    {"print"_L1,
+     "M 7 9 L 7 4 L 17 4 L 17 9 M 7 16 L 4 16 L 4 9 L 20 9 L 20 16 L 17 16 M 7 13.5 L 17 13.5 L 17 20 L 7 20 Z"_L1},
+    {"dial"_L1,
+     "M 5 4 L 9 4 L 10.5 8.5 L 8 10 Q 10 14 14 16 L 15.5 13.5 L 20 15 L 20 19 Q 18 21 14.5 19.5 Q 6.5 16 4 8 Q 3.5 5 5 4 Z"_L1},
+    {"upload"_L1, "M 12 16 L 12 4 M 7 9 L 12 4 L 17 9 M 4 16 L 4 20 L 20 20 L 20 16"_L1},
+    {"download"_L1, "M 12 4 L 12 16 M 7 11 L 12 16 L 17 11 M 4 16 L 4 20 L 20 20 L 20 16"_L1},
+    {"capture"_L1,
+     "M 5 3.5 L 14.5 3.5 L 19 8 L 19 20.5 L 5 20.5 Z M 8.5 10 L 15.5 10 M 8.5 13.5 L 15.5 13.5 M 8.5 17 L 12.5 17"_L1},
+    {"table"_L1, "M 3.5 5 L 20.5 5 L 20.5 19 L 3.5 19 Z M 3.5 9.5 L 20.5 9.5 M 3.5 14 L 20.5 14 M 9.5 5 L 9.5 19"_L1},
+    {"query"_L1,
+     "M 10.5 4.5 Q 16.5 4.8 16.5 10.5 Q 16.2 16.4 10.5 16.5 Q 4.8 16.2 4.5 10.5 Q 4.8 4.8 10.5 4.5 Z M 15 15 L 20 20"_L1},
+    {"wide"_L1, "M 2 6 L 22 6 L 22 18 L 2 18 Z M 8 9 L 5 12 L 8 15 M 16 9 L 19 12 L 16 15 M 5 12 L 19 12"_L1},
+};
+
+// The program's pictures by their number, mostly that of the command.
+struct NumberedPicture
+{
+    int number;
+    QLatin1StringView name;
+};
+
+constexpr NumberedPicture kPictures[] = {
+    {101, "new"_L1},     {103, "open"_L1},      {105, "save"_L1},   {202, "print"_L1},    {303, "copy"_L1},
+    {305, "paste"_L1},   {352, "query"_L1},     {353, "table"_L1},  {380, "session"_L1},  {401, "help"_L1},
+    {505, "screen"_L1},  {506, "wide"_L1},      {601, "upload"_L1}, {602, "download"_L1}, {603, "capture"_L1},
+    {704, "dial"_L1},    {705, "settings"_L1},  {707, "reset"_L1},  {708, "connect"_L1},  {712, "clone"_L1},
+    {804, "capture"_L1}, {1108, "keyboard"_L1}, {1109, "lock"_L1},
 };
 
 QPainterPath ReadPath(QLatin1StringView text)
@@ -106,6 +133,19 @@ QIcon LineIcon(const QString& name)
     for (const Stroke& stroke : kStrokes)
         if (name == stroke.name)
             return QIcon(new LineIconEngine(ReadPath(stroke.path)));
+    return {};
+}
+
+QIcon ToolIcon(const MenuTool& tool, ToolState state)
+{
+    const bool checked = state == ToolState::Checked && !tool.checkedImage.isEmpty();
+    const QString& image = checked ? tool.checkedImage : tool.normalImage;
+    if (tool.imageSource == ImageSource::File)
+        return QIcon(image);
+    if (tool.imageSource == ImageSource::Resource)
+        for (const NumberedPicture& picture : kPictures)
+            if (picture.number == image.toInt())
+                return LineIcon(picture.name);
     return {};
 }
 

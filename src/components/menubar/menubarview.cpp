@@ -57,12 +57,12 @@ public:
     void Bind(QAction& action, const QString& band, const MenuTool& tool, bool onToolBar)
     {
         std::erase_if(shown_, [](const Shown& s) { return s.action == nullptr; });
-        shown_.push_back({&action, tool.key, tool.image, onToolBar});
+        shown_.push_back({&action, tool.key, band, onToolBar});
         RefreshAction(action, tool, shown_.back());
         if (tool.type == ToolType::SubMenu)
             return;
         connect(&action, &QAction::triggered, this, [this, &action, band, key = tool.key] {
-            const MenuTool* now = model_.Tool(key);
+            const MenuTool* now = model_.Tool(band, key);
             if (now == nullptr)
                 return;
             const MenuTool copy = *now;      // the command may change the menu
@@ -76,7 +76,7 @@ private:
     {
         QPointer<QAction> action;
         int key;
-        QString image; // of this place: one command has a picture on a tool bar and none in a menu
+        QString band;
         bool onToolBar;
     };
 
@@ -89,7 +89,7 @@ private:
         action.setCheckable(tool.type == ToolType::Toggle || tool.checked);
         action.setChecked(tool.checked);
         if (shown.onToolBar)
-            action.setIcon(LineIcon(shown.image));
+            action.setIcon(ToolIcon(tool, tool.checked ? ToolState::Checked : ToolState::Normal));
         else // the same command stands in several places; two with one key would be ambiguous
             action.setShortcut(QKeySequence(tool.shortcut));
     }
@@ -97,7 +97,7 @@ private:
     void Refresh(int key)
     {
         for (const Shown& shown : shown_)
-            if (const MenuTool* tool = model_.Tool(shown.key);
+            if (const MenuTool* tool = model_.Tool(shown.band, shown.key);
                 tool != nullptr && shown.action && (tool->key == key || CommandId(tool->action) == key))
                 RefreshAction(*shown.action, *tool, shown);
     }
@@ -188,7 +188,7 @@ private:
         for (QAction* action : old)
             action->deleteLater(); // clear() only takes them off; one may be the running command's
         bar->clear();
-        const int side = band.largeIcons ? 24 : 16;
+        const int side = band.icons == IconSize::Large ? 24 : 16;
         bar->setIconSize(QSize(side, side));
         for (const MenuTool& tool : band.tools) {
             if (tool.beginGroup)
@@ -209,11 +209,11 @@ private:
         for (const MenuTool& tool : band.tools) {
             auto* label = new QLabel;
             label->setContentsMargins(6, 0, 6, 0);
-            if (!tool.widest.isEmpty())
-                label->setMinimumWidth(label->fontMetrics().horizontalAdvance(tool.widest) + 12);
+            constexpr int twipsPerPixel = 15;
+            label->setMinimumWidth(tool.width / twipsPerPixel);
             panels_.push_back({label, tool.key});
-            if (tool.image.isEmpty())
-                line->addWidget(label, tool.spring ? 1 : 0);
+            if (!IsPicture(tool))
+                line->addWidget(label, (tool.style & ToolStyle::SizeMask) == ToolStyle::Spring ? 1 : 0);
             else
                 line->addPermanentWidget(label); // stays beside a message
             RefreshPanel(*label, tool);
@@ -227,18 +227,21 @@ private:
                 RefreshPanel(*panel.label, *tool);
     }
 
+    static bool IsPicture(const MenuTool& tool) { return (tool.style & ToolStyle::ContentMask) == ToolStyle::IconOnly; }
+
     void RefreshPanel(QLabel& label, const MenuTool& tool) const
     {
-        if (tool.image.isEmpty()) {
-            label.setText(tool.caption);
-        } else {
+        if (IsPicture(tool)) {
             const int side = label.fontMetrics().height();
-            label.setPixmap(LineIcon(tool.checked ? u"lock"_s : tool.image).pixmap(side, side));
+            const QIcon icon = ToolIcon(tool, tool.checked ? ToolState::Checked : ToolState::Normal);
+            label.setPixmap(icon.pixmap(side, side));
             label.setAccessibleName(tool.toolTipText);
+        } else {
+            label.setText(tool.enabled ? tool.caption : QString()); // what it stands for is not known: no session
         }
         label.setEnabled(tool.enabled);
         // Panels give way to a message, but for a picture, which stands at the far end.
-        const bool room = !tool.image.isEmpty() || window_.statusBar()->currentMessage().isEmpty();
+        const bool room = IsPicture(tool) || window_.statusBar()->currentMessage().isEmpty();
         label.setVisible(tool.visible && room);
         label.setToolTip(tool.toolTipText);
     }

@@ -1,6 +1,7 @@
 #include <menubar/tamenubar.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace kestrune {
 
@@ -60,7 +61,20 @@ const PropertyRow* FindProperty(ToolProperty code)
     return at == std::end(kPropertyRows) ? nullptr : at;
 }
 
-bool SameKey(const MenuBand& band, const QString& key) { return band.key.compare(key, Qt::CaseInsensitive) == 0; }
+MenuTool* FindToolIn(std::vector<MenuTool>& tools, int key)
+{
+    return const_cast<MenuTool*>(FindTool(tools, key)); // the tools themselves are not constant
+}
+
+bool RemoveFirst(std::vector<MenuTool>& tools, int key)
+{
+    const auto at = std::find_if(tools.begin(), tools.end(), [key](const MenuTool& t) { return t.key == key; });
+    if (at != tools.end()) {
+        tools.erase(at);
+        return true;
+    }
+    return std::any_of(tools.begin(), tools.end(), [key](MenuTool& t) { return RemoveFirst(t.tools, key); });
+}
 
 } // namespace
 
@@ -74,6 +88,8 @@ int CommandId(const QString& action)
     return id;
 }
 
+bool SameBandKey(const QString& one, const QString& other) { return one.compare(other, Qt::CaseInsensitive) == 0; }
+
 bool taMenuBar::AddBand(MenuBand band)
 {
     if (Band(band.key) != nullptr)
@@ -83,39 +99,93 @@ bool taMenuBar::AddBand(MenuBand band)
     return true;
 }
 
-void taMenuBar::RemoveBands()
+bool taMenuBar::RemoveBand(const QString& key)
+{
+    if (std::erase_if(bands_, [&](const MenuBand& band) { return SameBandKey(band.key, key); }) == 0)
+        return false;
+    emit BandsChanged();
+    return true;
+}
+
+void taMenuBar::SetBands(std::vector<MenuBand> bands)
 {
     bands_.clear();
+    for (MenuBand& band : bands)
+        if (Band(band.key) == nullptr)
+            bands_.push_back(std::move(band));
     emit BandsChanged();
 }
 
 const MenuBand* taMenuBar::Band(const QString& key) const
 {
-    const auto at = std::find_if(bands_.begin(), bands_.end(), [&](const MenuBand& b) { return SameKey(b, key); });
+    const auto at =
+        std::find_if(bands_.begin(), bands_.end(), [&](const MenuBand& b) { return SameBandKey(b.key, key); });
     return at == bands_.end() ? nullptr : &*at;
 }
 
-void taMenuBar::SetBandVisible(const QString& key, bool on)
+MenuBand* taMenuBar::FindBand(const QString& key) { return const_cast<MenuBand*>(Band(key)); }
+
+bool taMenuBar::ChangeBand(const QString& key, const std::function<void(MenuBand&)>& change)
 {
-    for (MenuBand& band : bands_)
-        if (SameKey(band, key) && band.visible != on) {
-            band.visible = on;
-            emit BandsChanged();
-        }
+    MenuBand* band = FindBand(key);
+    if (band == nullptr)
+        return false;
+    const QString name = band->key;
+    change(*band);
+    band->key = name;
+    emit BandsChanged();
+    return true;
+}
+
+void taMenuBar::SetBandProperty(const QString& name, BandType type, BandProperty property, bool value)
+{
+    bool changed = false;
+    for (MenuBand& band : bands_) {
+        if (name.isEmpty() ? band.type != type : !SameBandKey(band.key, name))
+            continue;
+        if (property == BandProperty::Visible)
+            changed |= std::exchange(band.visible, value) != value;
+        else
+            changed |= std::exchange(band.icons, value ? IconSize::Large : IconSize::Small) !=
+                       (value ? IconSize::Large : IconSize::Small);
+    }
+    if (changed)
+        emit BandsChanged();
 }
 
 void taMenuBar::SetBandTag(const QString& key, quintptr tag)
 {
-    for (MenuBand& band : bands_)
-        if (SameKey(band, key))
-            band.tag = tag;
+    if (MenuBand* band = FindBand(key))
+        band->tag = tag;
 }
 
-void taMenuBar::SetLargeIcons(bool on)
+bool taMenuBar::AddTool(const QString& bandKey, MenuTool tool, int parent, int index)
 {
-    for (MenuBand& band : bands_)
-        if (band.type == BandType::ToolBar)
-            band.largeIcons = on;
+    MenuBand* band = FindBand(bandKey);
+    if (band == nullptr)
+        return false;
+    MenuTool* above = parent != 0 ? FindToolIn(band->tools, parent) : nullptr;
+    if (parent != 0 && above == nullptr)
+        return false;
+    std::vector<MenuTool>& tools = above != nullptr ? above->tools : band->tools;
+    const bool inside = index >= 0 && static_cast<std::size_t>(index) < tools.size();
+    tools.insert(inside ? tools.begin() + index : tools.end(), std::move(tool));
+    emit BandsChanged();
+    return true;
+}
+
+bool taMenuBar::RemoveTool(const QString& bandKey, int key)
+{
+    MenuBand* band = FindBand(bandKey);
+    if (band == nullptr || !RemoveFirst(band->tools, key))
+        return false;
+    emit BandsChanged();
+    return true;
+}
+
+void taMenuBar::EachBand(const std::function<void(MenuBand&)>& change)
+{
+    std::for_each(bands_.begin(), bands_.end(), change);
     emit BandsChanged();
 }
 
@@ -137,22 +207,19 @@ const MenuTool* taMenuBar::Tool(int key) const
     return nullptr;
 }
 
+const MenuTool* taMenuBar::Tool(const QString& bandKey, int key) const
+{
+    const MenuBand* band = Band(bandKey);
+    return band != nullptr ? FindTool(band->tools, key) : nullptr;
+}
+
 const MenuTool* taMenuBar::OpenTool(const QString& bandKey, int key)
 {
-    for (MenuBand& band : bands_) {
-        if (!SameKey(band, bandKey))
-            continue;
-        MenuTool* found = nullptr;
-        WalkTools(band.tools, [&](MenuTool& tool) {
-            if (tool.key == key)
-                found = &tool;
-            return found == nullptr;
-        });
-        if (found != nullptr)
-            emit BandOpen(*found);
-        return found;
-    }
-    return nullptr;
+    MenuBand* band = FindBand(bandKey);
+    MenuTool* found = band != nullptr ? FindToolIn(band->tools, key) : nullptr;
+    if (found != nullptr)
+        emit BandOpen(*found);
+    return found;
 }
 
 QVariant taMenuBar::GetToolProperty(int id, ToolProperty property) const

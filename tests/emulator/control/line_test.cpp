@@ -184,6 +184,34 @@ TEST(EmulatorLine, CountsBytesAndPassesSizeAndBreakOn)
     EXPECT_EQ(bench.Host().resizes, 1);
 }
 
+// A host that asks without end is answered at a bounded rate, in whole answers; one that does not read, not at all.
+TEST(EmulatorLine, AnswersAreBounded)
+{
+    EmulatorBench bench;
+    bench.Connect();
+    const std::string answer = "\x1b[0n";
+    std::string questions;
+    for (int i = 0; i < 50'000; ++i)
+        questions += "\x1b[5n";
+    const auto answers = [&] {
+        bench.HostSays(questions);
+        const std::string sent = bench.Host().TakeSent();
+        EXPECT_EQ(sent.size() % answer.size(), 0u);
+        return sent.size() / answer.size();
+    };
+    const size_t atOnce = answers();
+    EXPECT_GT(atOnce, 10'000u);
+    EXPECT_LT(atOnce, 20'000u);
+    EXPECT_EQ(answers(), 0u);
+    bench.clock.Advance(std::chrono::milliseconds(500));
+    EXPECT_NEAR(double(answers()), double(atOnce) / 2, 2);
+    bench.clock.Advance(std::chrono::seconds(5));
+    bench.Host().unsent = 1'000'000;
+    EXPECT_EQ(answers(), 0u);
+    bench.Host().unsent = 0;
+    EXPECT_EQ(answers(), atOnce);
+}
+
 // --- typing
 
 struct Typing
@@ -373,7 +401,7 @@ TEST(EmulatorLine, TheSessionMayGoWhileThePasteQuestionIsUp)
         FakeLine* line = nullptr;
     } ask;
     EmulatorBench bench;
-    ctlEmulator control(EmulatorPorts{bench.lines, bench.clock, bench.files, ask, bench.clipboard, bench.texts});
+    ctlEmulator control(bench.Ports(ask));
     control.Settings().Set(u"Device"_s, int(Device::Telnet));
     control.SetOnLine(true);
     bench.Host().Connect();

@@ -223,6 +223,14 @@ TEST(EmulatorScreen, EventsComeOnceATurn)
     EXPECT_LE(taken().size(), 1);
     bench.clock.Advance(std::chrono::seconds(1));
     EXPECT_EQ(taken(), QStringList{u"cursor 9,39,0"_s}) << "the last place is told in the end";
+    QStringList told;
+    for (int i = 0; i < 10; ++i) {
+        bench.Host().HostSays(std::string("\x1b]0;") + char('0' + i) + "\a");
+        told += taken();
+    }
+    EXPECT_EQ(told, QStringList{u"title 0"_s});
+    bench.clock.Advance(std::chrono::seconds(1));
+    EXPECT_EQ(taken(), QStringList{u"title 9"_s});
 }
 
 TEST(EmulatorScreen, SettingsTakeEffectLive)
@@ -263,9 +271,6 @@ TEST(EmulatorScreen, WhatIsNotBuiltSaysSo)
     };
     EXPECT_EQ(text([&] { control.Upload(u"x"_s, 0, 0); }),
               u"The file transfer has not been implemented at this time."_s);
-    EXPECT_EQ(text([&] { control.CaptureEnd(); }), u"The capture has not been implemented at this time."_s);
-    EXPECT_EQ(text([&] { control.Reset(10); }),
-              u"The resuming of a connection has not been implemented at this time."_s);
     EXPECT_EQ(text([&] { control.SetScrMode(1); }),
               u"The extended screen mode has not been implemented at this time."_s);
     EXPECT_EQ(FailureNumber([&] { control.Reset(7); }), 5);

@@ -18,12 +18,12 @@ struct ReportCase
 TEST(EngineReports, AnswersOfTheTypes)
 {
     const ReportCase cases[] = {
-        {"DA1", Type::Vt220, "\x1b[c", "\x1b[?62;1;2;6;9c"},
-        {"DA1 with zero", Type::Vt220, "\x1b[0c", "\x1b[?62;1;2;6;9c"},
+        {"DA1", Type::Vt220, "\x1b[c", "\x1b[?62;1;2;6;8;9c"},
+        {"DA1 with zero", Type::Vt220, "\x1b[0c", "\x1b[?62;1;2;6;8;9c"},
         {"DA1 with another number", Type::Vt220, "\x1b[7c", ""},
-        {"DECID", Type::Vt220, "\x1bZ", "\x1b[?62;1;2;6;9c"},
+        {"DECID", Type::Vt220, "\x1bZ", "\x1b[?62;1;2;6;8;9c"},
         {"DA1 of a VT100", Type::Vt100, "\x1b[c", "\x1b[?1;2c"},
-        {"DA1 of a VT320", Type::Vt320, "\x1b[c", "\x1b[?63;1;2;6;9;15c"},
+        {"DA1 of a VT320", Type::Vt320, "\x1b[c", "\x1b[?63;1;2;6;8;9;15c"},
         {"DA1 of the Linux console", Type::Linux, "\x1b[c", "\x1b[?6c"},
         {"DA1 of a typewriter", Type::Tty, "\x1b[c\x1b[6n", ""},
         {"DA2", Type::Vt220, "\x1b[>c", "\x1b[>1;10;0c"},
@@ -101,7 +101,8 @@ TEST(EngineReports, TypesHaveTheNamesHostsKnow)
     {
         int number;
         const char* hostName;
-    } cases[] = {{0, "tty"}, {7, "vt52"}, {8, "vt220"}, {12, "vt100"}, {13, "vt320"}, {14, "vt420"}, {16, "linux"}};
+    } cases[] = {{0, "tty"},    {7, "vt52"},   {8, "vt220"}, {9, "ansi"},   {12, "vt100"},
+                 {13, "vt320"}, {14, "vt420"}, {15, "ansi"}, {16, "linux"}, {77, "vt220"}};
     for (const auto& test : cases)
         EXPECT_EQ(FindPersonality(test.number)->hostName, test.hostName) << test.number;
     EXPECT_EQ(AllPersonalities().size(), std::size(cases));

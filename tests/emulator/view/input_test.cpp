@@ -71,6 +71,18 @@ INSTANTIATE_TEST_SUITE_P(All, ViewKeys,
                                          KeyCase{"ControlTabIsTheWindows", Qt::Key_Tab, kCtrl, "", "", ""}),
                          [](const auto& test) { return test.param.name; });
 
+TEST(ViewInput, ControlAndALetterOfAnotherScriptIsTheLetterInItsPlace)
+{
+    ViewBench bench;
+    constexpr quint32 placeOfC = 54;
+    QKeyEvent press(QEvent::KeyPress, 0x0421, kCtrl, placeOfC, 0, 0, u"с"_s); // Cyrillic es
+    QCoreApplication::sendEvent(&bench.view, &press);
+    EXPECT_EQ(bench.Host().TakeSent(), "\x03");
+    QKeyEvent plain(QEvent::KeyPress, 0x0421, kNone, placeOfC, 0, 0, u"с"_s);
+    QCoreApplication::sendEvent(&bench.view, &plain);
+    EXPECT_EQ(bench.Host().TakeSent(), "с");
+}
+
 TEST(ViewInput, TheViewsOwnKeysGiveWayToAGivenText)
 {
     ViewBench bench;
@@ -156,6 +168,18 @@ TEST(ViewInput, ADragKeepsItsTextWhileOutputScrolls)
     QCoreApplication::sendEvent(&bench.view, &move);
     EXPECT_EQ(bench.control.Selection(), u"here"_s);
     QTest::mouseRelease(&bench.view, Qt::LeftButton, kNone, to);
+}
+
+TEST(ViewInput, TheMouseFindsWhatStandsUnderIt)
+{
+    ViewBench bench(30, 6, EmulatorBench::Vt220);
+    bench.HostSays("אבג abc\r\n\x1b#6wide line\r\n");
+    EXPECT_LT(bench.view.CellRect(2, 0).left(), bench.view.CellRect(0, 0).left()) << "Hebrew runs to the left";
+    EXPECT_EQ(bench.view.CellRect(2, 0).left(), bench.view.CellRect(0, 2).left());
+    Drag(bench, bench.view.CellRect(0, 0).center() + QPoint(3, 0), bench.view.CellRect(1, 0).center() - QPoint(3, 0));
+    EXPECT_EQ(bench.control.Selection(), u"אב"_s);
+    Drag(bench, bench.LeftEdge(5, 1), bench.LeftEdge(9, 1));
+    EXPECT_EQ(bench.control.Selection(), u"line"_s) << "columns of double width";
 }
 
 TEST(ViewInput, MiddleAndRightButton)

@@ -2,6 +2,8 @@
 
 #include "viewbench.h"
 
+#include <emulator/view/contrast.h>
+
 #include <gtest/gtest.h>
 
 namespace kestrune {
@@ -124,6 +126,94 @@ INSTANTIATE_TEST_SUITE_P(All, ViewBoxes,
                                          JoinCase{"DoubleDownMixed", "╥", "╨", true},
                                          JoinCase{"Blocks", "█", "▌", false}, JoinCase{"Halves", "▄", "▀", true}),
                          [](const auto& test) { return test.param.name; });
+
+struct PatternCase
+{
+    const char* name;
+    const char* text;
+    double x, y; // a place in the cell
+    bool inked;
+};
+
+class ViewPatterns : public testing::TestWithParam<PatternCase>
+{};
+
+TEST_P(ViewPatterns, AreDrawn)
+{
+    const PatternCase& c = GetParam();
+    ViewBench bench;
+    bench.HostSays(std::string("\x1b[?25l") + c.text);
+    const QRect cell = bench.view.CellRect(0, 0);
+    const QPoint at(cell.left() + int(c.x * (cell.width() - 1)), cell.top() + int(c.y * (cell.height() - 1)));
+    EXPECT_EQ(bench.Picture().pixelColor(at).name(), (c.inked ? kText : kPaper).name());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, ViewPatterns,
+    testing::Values(
+        PatternCase{"BrailleDot1", "⠁", 0.25, 0.13, true}, PatternCase{"BrailleDot8", "⡀", 0.8, 0.13, false},
+        PatternCase{"Sextant1", "🬀", 0, 0, true}, PatternCase{"Sextant1Only", "🬀", 0, 0.5, false},
+        PatternCase{"SextantBehindLeftHalf", "🬔", 1, 0, true}, // parts 2, 3, 5: after the gap in the list
+        PatternCase{"LastSextant", "🬻", 0, 0, false}, PatternCase{"LastSextantEnd", "🬻", 1, 1, true},
+        PatternCase{"WedgeBelow", "🬼", 0, 1, true}, PatternCase{"WedgeBelowAway", "🬼", 1, 0, false},
+        PatternCase{"WedgeAbove", "🭒", 1, 0, true}, PatternCase{"WedgeAboveAway", "🭒", 0, 1, false},
+        PatternCase{"LeftTriangle", "🭬", 0, 0.5, true}, PatternCase{"LeftTriangleOnly", "🭬", 1, 0.5, false},
+        PatternCase{"LeftMissing", "🭨", 0, 0.5, false}, PatternCase{"UpperQuarter", "🮂", 1, 0.1, true},
+        PatternCase{"UpperQuarterEnd", "🮂", 1, 0.5, false}, PatternCase{"Separator", "\ue0b0", 0, 0.5, true},
+        PatternCase{"SeparatorTip", "\ue0b0", 1, 0, false}, PatternCase{"RoundBack", "\ue0b6", 1, 0.5, true},
+        PatternCase{"LowerRight", "\ue0ba", 1, 1, true}, PatternCase{"LowerRightAway", "\ue0ba", 0, 0, false},
+        PatternCase{"UpperLeft", "\ue0bc", 0, 0, true}, PatternCase{"UpperLeftAway", "\ue0bc", 1, 1, false}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(ViewPaint, TheHostsOwnColoursAreFollowed)
+{
+    ViewBench bench;
+    bench.HostSays("\x1b]10;#102030\x1b\\\x1b]11;#F0E0D0\x1b\\\x1b]12;#00A000\x1b\\█ \x1b[3;5H");
+    EXPECT_EQ(bench.ColorAt(0, 0).name(), u"#102030"_s);
+    EXPECT_EQ(bench.ColorAt(1, 0).name(), u"#f0e0d0"_s);
+    EXPECT_EQ(bench.ColorAt(30, 8).name(), u"#f0e0d0"_s);
+    EXPECT_EQ(bench.ColorAt(4, 2).name(), u"#00a000"_s);
+    bench.HostSays("\x1b]110\x1b\\\x1b]111\x1b\\\x1b]112\x1b\\");
+    EXPECT_EQ(bench.ColorAt(0, 0).name(), kText.name());
+    EXPECT_EQ(bench.ColorAt(1, 0).name(), kPaper.name());
+}
+
+TEST(ViewPaint, CursorAndSelectionAreSeenOnEveryColour)
+{
+    ViewBench bench;
+    const QColor cursor = PaletteColor(PaletteRole::Cursor);
+    const QColor selection = PaletteColor(PaletteRole::Selection);
+    const auto paint = [&](const QColor& color) {
+        bench.HostSays(QStringLiteral("\r\x1b[48;2;%1;%2;%3m  \b")
+                           .arg(color.red())
+                           .arg(color.green())
+                           .arg(color.blue())
+                           .toStdString());
+    };
+    paint(cursor);
+    EXPECT_GE(ContrastOf(bench.ColorAt(1, 0).rgb(), cursor.rgb()), VisibleContrast);
+    paint(selection);
+    bench.control.SetSelection(0, 0, 0, 0);
+    EXPECT_GE(ContrastOf(bench.ColorAt(0, 0).rgb(), selection.rgb()), VisibleContrast);
+    bench.HostSays("\x1b[m\x1b[2;1H");
+    bench.control.Settings().SetValue(Setting("LegibleFont"), true);
+    bench.HostSays("\x1b[38;2;30;30;30m█\x1b[m");
+    EXPECT_GE(ContrastOf(bench.ColorAt(0, 1).rgb(), kPaper.rgb()), LegibleContrast);
+}
+
+TEST(ViewPaint, TheCursorHasTheShapeOfTheSettingsUntilTheHostAsksForAnother)
+{
+    ViewBench bench;
+    const auto shape = [&] { return bench.control.Screen().Modes().cursor; };
+    bench.control.Settings().SetValue(Setting("CursorType"), int(emu::CursorShape::Bar));
+    EXPECT_EQ(shape(), emu::CursorShape::Bar);
+    EXPECT_EQ(bench.ColorAt(0, 0).name(), kPaper.name());
+    bench.HostSays("\x1b[2 q");
+    EXPECT_EQ(shape(), emu::CursorShape::Block);
+    EXPECT_EQ(bench.ColorAt(0, 0).name(), PaletteColor(PaletteRole::Cursor).name());
+    bench.HostSays("\x1b[0 q");
+    EXPECT_EQ(shape(), emu::CursorShape::Bar);
+}
 
 TEST(ViewPaint, WideCharactersTakeTwoCellsAndNoMore)
 {

@@ -1,12 +1,18 @@
 #include "ctlemulator.h"
 
+#include "datastream.h"
+#include "extensionfilter.h"
 #include "heldselection.h"
+#include "hostcapture.h"
 #include "hosttext.h"
 #include "latintext.h"
 #include "pasteadvice.h"
 #include "pastequeue.h"
+#include "replybudget.h"
+#include "resumption.h"
 #include "screentext.h"
 #include "sessionoptions.h"
+#include "slaveprinter.h"
 #include "standingquestion.h"
 
 #include <dispatch/failure.h>
@@ -26,6 +32,7 @@ namespace {
 constexpr int kBreakMilliseconds = 300; // longer than any character at 300 bits a second
 constexpr quint64 kFloodBytes = 4096;   // between two turns: more than anybody reads
 constexpr auto kCursorPause = std::chrono::milliseconds(50);
+constexpr auto kTitlePause = std::chrono::milliseconds(50); // a title that changes faster cannot be read
 const QString kSource = u"ctlEmulator"_s;
 
 qint32 Clipped(quint64 count) { return qint32(std::min<quint64>(count, std::numeric_limits<qint32>::max())); }
@@ -42,14 +49,22 @@ public:
     explicit Listener(ctlEmulator& control) : c_(control) {}
 
     // --- the engine
-    void Reply(std::string_view bytes) override { c_.SendBytes(bytes); }
+    void Reply(std::string_view bytes) override
+    {
+        if (c_.replaying_)
+            return;
+        ctlEmulator& to = c_.source_ ? *c_.source_ : c_;
+        if (to.line_ && budget_.Take(bytes.size(), size_t(to.line_->Unsent()), c_.ports_.clock.Now()))
+            to.SendBytes(bytes);
+    }
     void Bell() override { c_.bell_ = true; }
     void TitleChanged(std::string_view utf8) override
     {
         c_.hostTitle_ = QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
     }
     void ScreenSizeChanged(emu::Size) override { sizeChanged = true; }
-    void PrinterStateChanged(int state) override { c_.printerState_ = state; }
+    void PrinterStateChanged(int state) override { c_.hostPrints_ = state != 0; }
+    void PrinterData(std::string_view bytes) override { c_.HostPrints(bytes); }
     void HistoryAdded(int rows) override
     {
         if (c_.scrollback_ > 0)
@@ -59,7 +74,12 @@ public:
     // --- the line
     void LineReceived(std::string_view bytes) override { c_.Received(bytes); }
     void LineStateChanged(LineState state, const QString& text) override { c_.SetStatus(state, text); }
-    void LineDeviceStatus(const QString& text) override { emit c_.DeviceStatus(text); }
+    void LineDeviceStatus(const QString& text) override
+    {
+        c_.toldTimer_.reset();
+        c_.deviceStatus_ = text;
+        emit c_.DeviceStatus(text);
+    }
     void LineError(quint32 word, const QString& description, bool fatal) override
     {
         c_.LineFailed(word, description, fatal);
@@ -71,6 +91,7 @@ public:
                                         : tr("Process ended with exit code %1").arg(exitCode);
     }
     void LineRemoteEcho(bool remote) override { c_.hostEchoes_ = remote; }
+    void LineResumed(bool sameSession) override { c_.Resumed(sameSession); }
     void LineAsks(const LineQuestion& question) override { c_.LineAsked(question); }
     void LineDrained() override
     {
@@ -82,24 +103,33 @@ public:
 
 private:
     ctlEmulator& c_;
+    ReplyBudget budget_;
 };
 
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
       paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
-      selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>())
+      stream_(std::make_unique<DataStream>(ports.clock)), extension_(std::make_unique<ExtensionFilter>()),
+      printer_(std::make_unique<SlavePrinter>(ports.printing, ports.clock, TellOutcome())),
+      selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>()),
+      resumption_(std::make_unique<Resumption>())
 {
     size_.cols = settings_.Integer(Setting("NormCols"));
     size_.rows = settings_.Integer(Setting("NormRows"));
-    terminal_ = std::make_unique<emu::Terminal>(TerminalOptionsOf(settings_, {size_.cols, size_.rows}),
-                                                PersonalityFromSettings(), *listener_);
+    terminal_ = NewScreen();
     connect(&settings_, &EmulatorSettings::SettingChanged, this, &ctlEmulator::OnSettingChanged);
     connect(&settings_, &EmulatorSettings::PaletteChanged, this, &ctlEmulator::LookChanged);
     connect(&settings_, &EmulatorSettings::ColorsChanged, this, &ctlEmulator::LookChanged);
     ScheduleEvents();
 }
 
-ctlEmulator::~ctlEmulator() = default;
+ctlEmulator::~ctlEmulator() { stream_->Cancel(); } // whoever waits in a call would wait for ever
+
+std::unique_ptr<emu::Terminal> ctlEmulator::NewScreen()
+{
+    return std::make_unique<emu::Terminal>(TerminalOptionsOf(settings_, {size_.cols, size_.rows}),
+                                           PersonalityFromSettings(), *listener_);
+}
 
 EmulatorSettings& ctlEmulator::Settings(bool) { return settings_; }
 const EmulatorSettings& ctlEmulator::Settings() const { return settings_; }
@@ -116,7 +146,7 @@ void ctlEmulator::OnSettingChanged(SettingId id)
 {
     static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),       Setting("NoAutoWrap"),
                                        Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"), Setting("BkspSendsDel"),
-                                       Setting("AnswerBack")};
+                                       Setting("AnswerBack"),    Setting("CursorType"),    Setting("LockFKeys")};
     static constexpr std::array look{Setting("FontName"), Setting("FontSize"), Setting("BoldFont"),
                                      Setting("LegibleFont")};
     const auto isOneOf = [id](const auto& ids) { return std::find(ids.begin(), ids.end(), id) != ids.end(); };
@@ -142,6 +172,8 @@ void ctlEmulator::OnSettingChanged(SettingId id)
     }
     if (isOneOf(look))
         emit LookChanged();
+    if (id == Setting("SlavePrinterName") || id == Setting("PrinterName"))
+        ScheduleEvents();
 }
 
 // --- connection
@@ -150,6 +182,8 @@ bool ctlEmulator::OnLine() const { return line_ && !closing_; }
 
 void ctlEmulator::SetOnLine(bool on)
 {
+    if (!on)
+        StopResuming();
     if (shutDown_ || on == OnLine()) {
         reopen_ = reopen_ && on;
         return;
@@ -165,9 +199,10 @@ void ctlEmulator::SetOnLine(bool on)
     }
 }
 
-void ctlEmulator::OpenLine()
+void ctlEmulator::OpenLine(std::shared_ptr<LineResume> from)
 {
-    const LineOptions options = LineOptionsOf(settings_, terminal_->CurrentPersonality(), size_);
+    LineOptions options = LineOptionsOf(settings_, terminal_->CurrentPersonality(), size_);
+    options.resume.from = std::move(from);
     bytesIn_ = bytesOut_ = told_.bytesIn = 0;
     closing_ = reopen_ = wasConnected_ = false;
     endText_.clear();
@@ -208,7 +243,11 @@ void ctlEmulator::Break()
         line_->Break(kBreakMilliseconds);
 }
 
-void ctlEmulator::Abort() { bytesOut_ += paste_->Abort(line_.get()); }
+void ctlEmulator::Abort()
+{
+    bytesOut_ += paste_->Abort(line_.get());
+    stream_->Cancel();
+}
 
 void ctlEmulator::HangUp(int) { SetOnLine(false); }
 
@@ -229,26 +268,37 @@ void ctlEmulator::LineFailed(quint32 word, const QString& description, bool fata
         return;
     if (fatal)
         endText_ = description;
+    if (fatal && FailureWaits(word))
+        return;
     emit CommError(&word, description, fatal);
 }
 
 void ctlEmulator::LineEnded()
 {
+    resumption_->Keep(closing_ || !line_ ? nullptr : line_->TakeResume());
     line_.reset();
     paste_->Abort(nullptr);
     if (shutDown_)
         return;
     if (question_->Withdraw())
         emit QuestionWithdrawn();
+    DetachAlternateSink();
+    ShowHostBytes(extension_->TakeHeld());
+    extension_->Reset();
+    stream_->Cancel();
     const bool asked = std::exchange(closing_, false);
     if (std::exchange(reopen_, false)) {
         lineState_ = LineState::Closed;
         OpenLine();
         return;
     }
+    if (!asked && GoesOnResuming())
+        return;
+    StopResuming();
     if (endText_.isEmpty() && wasConnected_)
         endText_ = asked ? tr("Disconnected") : tr("Connection closed by the host");
-    if (!endText_.isEmpty())
+    // The screen of a session that can be resumed is left as its programs know it.
+    if (!endText_.isEmpty() && !resumption_->IsPossible())
         Notice(endText_);
     SetStatus(LineState::Closed, {});
     if (!asked)
@@ -259,7 +309,13 @@ void ctlEmulator::Shutdown()
 {
     shutDown_ = true;
     blockSignals(true);
+    resumption_->Stop();
+    resumeTimer_.reset();
+    DetachAlternateSink();
+    StopCapture({});
+    PrinterClose();
     paste_->Abort(nullptr);
+    stream_->Cancel();
     if (line_)
         line_->Close(); // destroyed when it says that it is closed, or with this control
 }
@@ -292,7 +348,8 @@ void ctlEmulator::Reset(int mode)
         AnswerTrust(LineAnswer::Choice::Update);
         return;
     case ResetMode::Resume:
-        RefuseResume();
+        Resume();
+        return;
     }
     throw Failure(ErrorNumber::InvalidCall, tr("There is no reset %1.").arg(mode), kSource);
 }
@@ -336,17 +393,23 @@ void ctlEmulator::Received(std::string_view bytes)
     if (shutDown_)
         return;
     bytesIn_ += bytes.size();
+    if (resumption_->IsUnderWay())
+        resumption_->Received(bytes);
+    if (capture_)
+        capture_->Put(HostCapture::Received, bytes); // as it came
+    std::string changed;
     if (settings_.Boolean(Setting("Strip8th"))) {
-        std::string stripped(bytes);
-        for (char& c : stripped)
+        changed = bytes;
+        for (char& c : changed)
             c = char(c & 0x7F);
-        terminal_->Receive(stripped);
-    } else {
-        terminal_->Receive(bytes);
+        bytes = changed;
     }
-    if (recordingText_)
-        emit RecordText(hostText_->Decode(bytes));
-    AfterChange();
+    if (extension_->IsOn())
+        bytes = changed = WithoutExtensions(bytes);
+    if (sink_)
+        ToSink(bytes);
+    else
+        ShowHostBytes(bytes);
 }
 
 void ctlEmulator::AfterChange()
@@ -409,6 +472,17 @@ void ctlEmulator::TellCursor()
     emit CursorMove(told_.cursor.col, told_.cursor.row, Page());
 }
 
+void ctlEmulator::TellTitle()
+{
+    const Clock::Duration now = ports_.clock.Now();
+    if (told_.titleAt && now < *told_.titleAt + kTitlePause) {
+        titleTimer_ = ports_.clock.After(*told_.titleAt + kTitlePause - now, [this] { ScheduleEvents(); });
+        return;
+    }
+    told_.titleAt = now;
+    emit HostTitleChange(*std::exchange(hostTitle_, std::nullopt));
+}
+
 // A handler may end the session, but the control outlives this call.
 void ctlEmulator::RunEvents()
 {
@@ -419,12 +493,13 @@ void ctlEmulator::RunEvents()
         TellCursor();
     if (LockKeyboard() != std::exchange(told_.locked, LockKeyboard()))
         emit KeyboardLock(LockKeyboard());
-    if (const auto state = std::exchange(printerState_, std::nullopt))
-        emit PrinterChange(*state);
-    if (const auto title = std::exchange(hostTitle_, std::nullopt))
-        emit HostTitleChange(*title);
+    if (PrinterState() != std::exchange(told_.printer, PrinterState()))
+        emit PrinterChange(PrinterState());
+    if (hostTitle_)
+        TellTitle();
     if (std::exchange(bell_, false))
         emit Bell();
+    RunStreamEvents();
 }
 
 // --- typing
@@ -440,7 +515,7 @@ void ctlEmulator::SetLockKeyboard(bool on)
 bool ctlEmulator::MayType()
 {
     const bool local = settings_.Integer(Setting("Duplex")) == 2;
-    if (!shutDown_ && !LockKeyboard() && (Connected() || local))
+    if (!shutDown_ && !LockKeyboard() && !stream_->RefusesTyping() && (Connected() || local))
         return true;
     ports_.ask.Beep();
     emit InputRefused();

@@ -17,10 +17,14 @@
 #include <ports/clipboard.h>
 #include <ports/clock.h>
 #include <ports/line.h>
+#include <ports/outputfiles.h>
+#include <ports/printing.h>
 #include <ports/questions.h>
 #include <ports/textfiles.h>
+#include <ports/waiter.h>
 
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 #include <optional>
@@ -28,9 +32,14 @@
 
 namespace kestrune {
 
+class DataStream;
+class ExtensionFilter;
 class HeldSelection;
+class HostCapture;
 class HostText;
 class PasteQueue;
+class Resumption;
+class SlavePrinter;
 class StandingQuestion;
 
 struct EmulatorPorts // all must outlive the control
@@ -41,6 +50,9 @@ struct EmulatorPorts // all must outlive the control
     Questions& ask;
     Clipboard& clipboard;
     TextFiles& texts;
+    Waiter& waiter;
+    OutputFiles& outputs;
+    Printing& printing;
 };
 
 enum class ResetMode : int
@@ -98,7 +110,7 @@ public:
     qint32 BytesIn() const; // since the line was last opened; stays at the largest number
     qint32 BytesOut() const;
     void Break();
-    void Abort(); // ends a paste that is still going out
+    void Abort(); // ends a paste that is still going out, and a call that waits for the host
     void Dial(const QString& phoneNumber, int wait = 0);
     void HangUp(int wait = 0); // closes the line
     // ResetMode. The three about a host key answer the question that CommError has put; nothing happens without one.
@@ -138,7 +150,60 @@ public:
     // control characters. Raises Failure when the file cannot be read; with no line it is refused with a sign.
     void Paste(const QString& fileName = {}, Cause cause = Cause::User);
     void PastePrimary();
+    void PasteDropped(const QString& text) { PasteText(text, Cause::User); } // what the user dropped on the view
     bool CanPaste() const;
+
+    // --- from the host, for programs
+    // What becomes of the host's text besides going to the screen. 0: a waiting call sees what comes while it waits.
+    // 1: it is also kept for the calls to come (the newest DataStream::MaxKept characters), and DataReady tells of it;
+    // while a call waits, typing is refused. 2: as 1, and the screen does not get it. Other numbers are as 1.
+    int InputMode() const;
+    void SetInputMode(int mode);
+    // Both wait with a live window, for timeout seconds at most (0: not at all, below 0: without end). Abort, the end
+    // of the line and the end of the session end a wait as if time were up. Control characters count as text. Raise
+    // Failure when another call is waiting on this control, which may itself be gone after them.
+    // mode 0: length characters. 1: up to the end of the line (CR, LF or both), which is taken and not returned, but
+    // not more than length. When time is up: what there is.
+    QString ReadText(int mode = 0, int length = 80, int timeout = 30);
+    // 1 to 10: the target that came first, which is taken with all before it; 0: time was up, and nothing is taken.
+    // compare 0: exactly, 1: without regard to case. Empty targets are not looked for.
+    int WaitFor(int compare, int timeout, const QStringList& targets);
+    // From now on what the host sends between the two is not shown: the event Extension has it. An empty lead-in
+    // ends that; an empty terminator is a carriage return.
+    void SetExtension(QString& leadIn, QString& terminator);
+
+    // What the host of this control sends goes to the screen of another control, whose answers come back to this
+    // host; target may end at any time. exitMode 0: until DetachAlternateSink, 1: until the host sends the byte
+    // exitCode (0 to 255), which nobody gets. Neither value is changed. The end of this line ends it, too. Raises
+    // Failure for another mode or code, for this control itself, and for one that is part of another pair.
+    void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
+    void DetachAlternateSink();
+    int AttachState() const; // 0: not attached, 1: to another control, 2: another is attached to this one
+
+    // --- capture
+    // Writes what comes from now on into a file: what the host sends as it is received (source 1), or what would be
+    // printed (2). mode 0: a new file only, 1: overwrites, 2: appends, 3: to the clipboard, when the capture ends; 128
+    // added: the text only, in TextFileEncoding (0: the host's own bytes). A capture that runs is ended first. A
+    // relative name is taken in DefaultCaptureDir. When the file cannot be written, the status line says why and
+    // CaptureSource stays 0. Raises Failure for a source or mode that does not exist.
+    void Capture(const QString& fileName, int source, int mode);
+    void CaptureEnd();
+    QString CaptureFileName() const; // empty: none, or to the clipboard
+    int CaptureMode() const;
+    int CaptureSource() const; // 0: no capture runs
+
+    // --- printing. The host can print by itself; what it prints and what the calls below copy goes, as jobs, to
+    // SlavePrinterName (see PrintJob::printer; "No Printer": nothing is printed). SlavePrintMode 0: text that is laid
+    // out on pages here, 1: bytes for the printer as they come. A job ends when nothing has come for PrinterTimeout
+    // seconds; with 0, by PrinterOff and PrinterClose alone. Where it went, the status line says.
+    int PrinterMode() const { return printerMode_; } // 0 off, 1 copy, 2 transparent
+    void SetPrinterMode(int mode);                   // raises Failure for another number
+    void PrinterOn(int transparent = 0); // prints what the host sends from now on; transparent: and does not show it
+    void PrinterOff();
+    void PrinterClose(); // ends the job that is open; the mode stays
+    // The selection, or the screen, as a job for ScreenPrinterName. ScreenPrintMode 0: the text alone, others: bold and
+    // underlined text as such.
+    void PrintScreen();
 
     // --- selection and clipboard
     void SetSelection(int left = 0, int top = 0, int right = ToEdge, int bottom = ToEdge);
@@ -175,8 +240,6 @@ public:
     // --- held for the shell and for pieces to come
     QString Title() const { return title_; }
     void SetTitle(const QString& title);
-    int InputMode() const { return inputMode_; }
-    void SetInputMode(int mode) { inputMode_ = mode; }
     int CustomMode() const { return customMode_; }
     void SetCustomMode(int mode) { customMode_ = mode; }
     int TextFileEncoding() const { return textFileEncoding_; }
@@ -198,22 +261,10 @@ public:
     void MouseTableAdd(int button, const QString& pattern, const QString& rClick, const QString& rDblClk);
     const std::vector<MousePattern>& MouseTable() const { return mouseTable_; }
 
-    // --- transfers, capture, printing, pictures, sounds, data stream: states are idle, operations are refused
+    // --- transfers, pictures, sounds: states are idle, operations are refused
     int XferBytes() const { return 0; }
     int XferFiles() const { return 0; }
     int XferStatus() const { return 0; }
-    QString CaptureFileName() const { return {}; }
-    int CaptureMode() const { return 0; }
-    int CaptureSource() const { return 0; }
-    int AttachState() const { return 0; }
-    int PrinterMode() const { return 0; }
-    void SetPrinterMode(int mode);
-    void PrinterOn(int transparent = 0);
-    void PrinterOff();
-    void PrinterClose();
-    void PrintScreen();
-    void Capture(const QString& fileName, int source, int mode);
-    void CaptureEnd();
     int Upload(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     Variant GetBlock(int left, int top, int right, int bottom, int page = Present);
@@ -223,11 +274,6 @@ public:
     void UnloadImage(const QString& fileName = {});
     void PlayMIDI(const QString& notes);
     void PlayWave(const QString& fileName);
-    void AttachAlternateSink(ctlEmulator& target, qint16& exitMode, qint16& exitCode);
-    void DetachAlternateSink() {} // none can be attached
-    QString ReadText(int mode = 0, int length = 80, int timeout = 30);
-    int WaitFor(int compare, int timeout, const QStringList& targets);
-    void SetExtension(QString& leadIn, QString& terminator);
 
     // --- for the view
     const emu::Terminal& Screen() const { return *terminal_; }
@@ -291,13 +337,33 @@ private:
     const emu::Personality& PersonalityFromSettings() const;
     void OnSettingChanged(SettingId id);
     [[noreturn]] static void RefuseExtendedScreen();
-    [[noreturn]] static void RefuseResume();
     void LineAsked(const LineQuestion& question);
     void AnswerTrust(LineAnswer::Choice choice);
-    void OpenLine();
+    std::unique_ptr<emu::Terminal> NewScreen();
+    void OpenLine(std::shared_ptr<LineResume> from = {});
+    bool ResumesByItself() const;
+    bool FailureWaits(quint32 word) const;
+    void Resume();
+    void NextResume();
+    bool GoesOnResuming();
+    void StopResuming();
+    void Resumed(bool sameSession);
+    void ShowScreen(std::unique_ptr<emu::Terminal> other, bool keep);
     void RefuseDevice(Device device);
     void TellSize();
     void Received(std::string_view bytes);
+    void ShowHostBytes(std::string_view bytes);
+    void ToSink(std::string_view bytes);
+    std::string WithoutExtensions(std::string_view bytes);
+    void RefuseSecondWait() const; // raises Failure
+    void RunStreamEvents();
+    int PrinterState() const;
+    void Print(std::string_view bytes);
+    void HostPrints(std::string_view bytes);
+    QString PrintTitle() const;
+    std::function<void(const PrintOutcome&)> TellOutcome();
+    void StopCapture(const QString& why); // empty: it was asked for
+    void TellUser(const QString& line);   // in the place of the device's status, for a while
     void AfterChange();
     void SendBytes(std::string_view bytes);
     bool MayType(); // false: refused, with a sign
@@ -311,6 +377,7 @@ private:
     void ScheduleEvents();
     void RunEvents();
     void TellCursor();
+    void TellTitle();
     SelectionArea Resolve(int left, int top, int right, int bottom) const;
     emu::Style StyleFor(int color) const;
 
@@ -319,9 +386,11 @@ private:
     {
         emu::Position cursor{-1, -1};
         Clock::Duration cursorAt{0};
+        std::optional<Clock::Duration> titleAt;
         quint64 bytesIn = 0; // by then
         emu::Size size{0, 0};
         bool locked = false;
+        int printer = 0;
     };
 
     EmulatorPorts ports_;
@@ -330,9 +399,18 @@ private:
     std::unique_ptr<emu::Terminal> terminal_;
     std::unique_ptr<Line> line_;
     std::unique_ptr<PasteQueue> paste_;
-    std::unique_ptr<HostText> hostText_; // for the macro recorder
+    std::unique_ptr<HostText> hostText_; // for the macro recorder and for programs that read
+    std::unique_ptr<DataStream> stream_;
+    std::unique_ptr<ExtensionFilter> extension_;
+    std::unique_ptr<HostCapture> capture_; // null: none runs
+    std::unique_ptr<SlavePrinter> printer_;
+    int printerMode_ = 0;
+    bool hostPrints_ = false; // by controller mode or auto print
     std::unique_ptr<HeldSelection> selection_;
     std::unique_ptr<StandingQuestion> question_;
+    std::unique_ptr<Resumption> resumption_;
+    std::unique_ptr<Clock::Timer> resumeTimer_;
+    bool replaying_ = false; // the host has had the answers to what the screen now takes again
     LineState lineState_ = LineState::Closed;
     bool closing_ = false; // we asked for the end of the line
     bool reopen_ = false;  // and want it opened again
@@ -345,10 +423,18 @@ private:
     int scrollback_ = 0; // rows that the view is back from the newest
     Told told_;
     std::unique_ptr<Clock::Timer> cursorTimer_;
+    std::unique_ptr<Clock::Timer> titleTimer_;
     bool scheduled_ = false;
     bool bell_ = false;
-    std::optional<int> printerState_;
     std::optional<QString> hostTitle_;
+    QPointer<ctlEmulator> sink_;   // gets our host's data
+    QPointer<ctlEmulator> source_; // whose host's data we show
+    int sinkExit_ = -1;            // the byte that ends it; below 0: none
+    QStringList extensions_;       // told in the next turn
+    bool dataReady_ = false;
+    std::unique_ptr<Clock::Timer> leadInTimer_;
+    QString deviceStatus_;
+    std::unique_ptr<Clock::Timer> toldTimer_;
     int color_ = 0;
     bool lockHistory_ = false;
     bool lockKeyboard_ = false;
@@ -357,7 +443,6 @@ private:
     bool recordingText_ = false;
     bool recordingKeys_ = false;
     bool shutDown_ = false;
-    int inputMode_ = 0;
     int customMode_ = 0;
     int textFileEncoding_ = 0;
     int funcBarPos_ = 0;

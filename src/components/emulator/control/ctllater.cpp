@@ -24,17 +24,10 @@ struct LaterMember
 constexpr std::array kLater{
     LaterMember{"ScrMode", QT_TRANSLATE_NOOP("Later", "extended screen mode")},
     LaterMember{"Dial", QT_TRANSLATE_NOOP("Later", "dialer")},
-    LaterMember{"Reset", QT_TRANSLATE_NOOP("Later", "resuming of a connection")},
-    LaterMember{"PrinterMode", QT_TRANSLATE_NOOP("Later", "slave printer")},
-    LaterMember{"PrintScreen", QT_TRANSLATE_NOOP("Later", "screen printing")},
-    LaterMember{"Capture", QT_TRANSLATE_NOOP("Later", "capture")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
     LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
     LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
     LaterMember{"PlayWave", QT_TRANSLATE_NOOP("Later", "playing of sounds")},
-    LaterMember{"AttachAlternateSink", QT_TRANSLATE_NOOP("Later", "alternate sink")},
-    LaterMember{"ReadText", QT_TRANSLATE_NOOP("Later", "reading of host text by scripts")},
-    LaterMember{"SetExtension", QT_TRANSLATE_NOOP("Later", "host extension")},
 };
 
 consteval const char* FeatureOf(std::string_view member)
@@ -56,15 +49,7 @@ consteval const char* FeatureOf(std::string_view member)
 } // namespace
 
 void ctlEmulator::RefuseExtendedScreen() { RaiseNotBuilt(FeatureOf("ScrMode")); }
-void ctlEmulator::RefuseResume() { RaiseNotBuilt(FeatureOf("Reset")); }
 void ctlEmulator::Dial(const QString&, int) { RaiseNotBuilt(FeatureOf("Dial")); }
-void ctlEmulator::SetPrinterMode(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterOn(int) { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterOff() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrinterClose() { RaiseNotBuilt(FeatureOf("PrinterMode")); }
-void ctlEmulator::PrintScreen() { RaiseNotBuilt(FeatureOf("PrintScreen")); }
-void ctlEmulator::Capture(const QString&, int, int) { RaiseNotBuilt(FeatureOf("Capture")); }
-void ctlEmulator::CaptureEnd() { RaiseNotBuilt(FeatureOf("Capture")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 Variant ctlEmulator::GetBlock(int, int, int, int, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
@@ -73,12 +58,5 @@ void ctlEmulator::LoadImage(const QString&, int, int, int, int, bool, int) { Rai
 void ctlEmulator::UnloadImage(const QString&) { RaiseNotBuilt(FeatureOf("LoadImage")); }
 void ctlEmulator::PlayMIDI(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
 void ctlEmulator::PlayWave(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
-void ctlEmulator::AttachAlternateSink(ctlEmulator&, qint16&, qint16&)
-{
-    RaiseNotBuilt(FeatureOf("AttachAlternateSink"));
-}
-QString ctlEmulator::ReadText(int, int, int) { RaiseNotBuilt(FeatureOf("ReadText")); }
-int ctlEmulator::WaitFor(int, int, const QStringList&) { RaiseNotBuilt(FeatureOf("ReadText")); }
-void ctlEmulator::SetExtension(QString&, QString&) { RaiseNotBuilt(FeatureOf("SetExtension")); }
 
 } // namespace kestrune

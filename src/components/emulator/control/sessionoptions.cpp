@@ -43,6 +43,7 @@ emu::HostCharset NativeCharset(int termType)
     }
 }
 
+constexpr int kMostResumeBuffer = 65'536; // KB
 constexpr std::array kBauds{300, 1200, 2400, 4800, 9600, 14400, 19200, 38400, 57600, 115200};
 
 } // namespace
@@ -70,7 +71,9 @@ emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Si
     options.autoWrap = !settings.Boolean(Setting("NoAutoWrap"));
     options.applicationCursor = settings.Boolean(Setting("AnsiAppCursor"));
     options.applicationKeypad = settings.Boolean(Setting("AnsiAppKeypad"));
+    options.lockFunctionKeys = settings.Boolean(Setting("LockFKeys"));
     options.backspace = settings.Boolean(Setting("BkspSendsDel")) ? emu::BackspaceKey::Del : emu::BackspaceKey::AsType;
+    options.cursor = emu::CursorShape(settings.Integer(Setting("CursorType"))); // the table's range is this list
     options.answerBack = settings.Text(Setting("AnswerBack")).toLatin1().toStdString();
     return options;
 }
@@ -114,6 +117,9 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.ssh.breakCharacter = settings.Integer(Setting("SSHBreakCharacter"));
     options.ssh.hostKeyValidation = HostKeyValidation(settings.Integer(Setting("HostKeyValidation")));
     options.ssh.hostKeyFingerprint = settings.Text(Setting("HostKeyFingerprint"));
+    options.resume.enabled = settings.Integer(Setting("ResumeAfterDisconnect")) >= 0;
+    if (const int kilobytes = settings.Integer(Setting("ResumeBufferSize")); kilobytes > 0)
+        options.resume.bufferBytes = std::min(kilobytes, kMostResumeBuffer) * 1024;
     options.serial.port = settings.Integer(Setting("Port"));
     options.serial.baud = kBauds.at(size_t(settings.Integer(Setting("Baud"))));
     options.serial.dataBits = settings.Integer(Setting("DataBits"));

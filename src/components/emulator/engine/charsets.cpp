@@ -114,6 +114,7 @@ consteval bool Distinct()
     return true;
 }
 static_assert(Distinct(), "two sets claim one designator");
+static_assert(kSets[2].designator == "0" && kSets[5].designator == "<", "these are reached by their places");
 
 constexpr CharacterSet kUpperHalf{"", Set96, kAll, Latin1Glyphs()};
 
@@ -137,6 +138,7 @@ std::u16string_view UpperOf(HostCharset charset)
 
 const CharacterSet& AsciiSet() { return kSets[0]; }
 const CharacterSet& SpecialGraphicsSet() { return kSets[2]; }
+const CharacterSet& SupplementalSet() { return kSets[5]; }
 const CharacterSet& UpperHalfSet() { return kUpperHalf; }
 
 const CharacterSet* FindCharacterSet(std::string_view designator, bool wide96, Dialects dialects)

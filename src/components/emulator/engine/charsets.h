@@ -30,6 +30,7 @@ struct CharacterSet
 
 const CharacterSet& AsciiSet();
 const CharacterSet& SpecialGraphicsSet();
+const CharacterSet& SupplementalSet(); // DEC multinational, upper half
 // What stands in G2 and G3 until the host designates something: bytes from 0xA0 are read in the host's encoding.
 const CharacterSet& UpperHalfSet();
 const CharacterSet* FindCharacterSet(std::string_view designator, bool wide96, Dialects dialects); // nullptr: unknown

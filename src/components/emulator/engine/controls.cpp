@@ -1,5 +1,9 @@
 #include "controls.h"
 
+#include "areas.h"
+#include "pcconsole.h"
+#include "presentation.h"
+
 namespace kestrune::emu {
 namespace {
 
@@ -97,6 +101,12 @@ constexpr EscapeRow kEscapes[] = {
     {" G", "S8C1T", Vt220, [](Machine& m) { m.SetEightBitReplies(true); }},
     {"%@", "DOCS", Common, [](Machine& m) { m.SelectUtf8(false); }}, // ISO 2022
     {"%G", "DOCS", Common, [](Machine& m) { m.SelectUtf8(true); }},
+    {"6", "DECBI", Vt420, [](Machine& m) { m.Display().BackIndex(); }},
+    {"9", "DECFI", Vt420, [](Machine& m) { m.Display().ForwardIndex(); }},
+    {"D", "scroll up", Ansi, pc::ScrollOneUp},
+    {"M", "scroll down", Ansi, pc::ScrollOneDown},
+    {"l", "lock lines", Sco, [](Machine& m) { pc::ScoLockLines(m, true); }},
+    {"m", "unlock lines", Sco, [](Machine& m) { pc::ScoLockLines(m, false); }},
     {"%8", "DOCS", Linux, [](Machine& m) { m.SelectUtf8(true); }},
     // VT52, native or as a mode
     {"A", "CUU", Vt52, [](Machine& m) { m.Display().MoveUp(1); }},
@@ -162,9 +172,9 @@ void CharacterProtection(Machine& m, const ControlSequence& s)
 
 void CursorStyle(Machine& m, const ControlSequence& s)
 {
-    // 0 and 1 both mean the blinking block
+    // 0 is what programs send when they end: back to what the user has chosen, the blinking block by default.
     if (const int style = s.params.At(0); style <= 6)
-        m.SetCursorShape(CursorShape(style == 0 ? 0 : style - 1));
+        m.SetCursorShape(style == 0 ? m.UsualShape() : CursorShape(style - 1));
 }
 
 // console_codes(4): the low four bits are a size, from an underline to the whole cell.
@@ -172,7 +182,9 @@ void LinuxCursor(Machine& m, const ControlSequence& s)
 {
     const int size = s.params.At(0) & 15;
     m.Switches().Set(Mode::CursorVisible, m.Switches().Has(Mode::CursorVisible) && size != 1);
-    m.SetCursorShape(size >= 2 && size <= 5 ? CursorShape::BlinkUnderline : CursorShape::BlinkBlock);
+    m.SetCursorShape(size >= 2 && size <= 5 ? CursorShape::BlinkUnderline
+                     : size == 0            ? m.UsualShape()
+                                            : CursorShape::BlinkBlock);
 }
 
 void ConformanceLevel(Machine& m, const ControlSequence& s)
@@ -203,6 +215,18 @@ void TertiaryAttributes(Machine& m, const ControlSequence& s)
 {
     if (s.params.At(0) == 0 && !m.Type().tertiaryAttributes.empty())
         m.ReplyDcs(m.Type().tertiaryAttributes);
+}
+
+void ColumnsPerPage(Machine& m, const ControlSequence& s)
+{
+    if (const int columns = s.params.At(0); columns == 0 || columns == 80 || columns == 132)
+        m.FitColumns(columns == 132);
+}
+
+void DisplayedExtent(Machine& m, const ControlSequence&) // all of the one page
+{
+    const Size size = m.Display().Extent();
+    m.ReplyControl(std::to_string(size.rows) + ';' + std::to_string(size.cols) + ";1;1;1\"w");
 }
 
 using Seq = const ControlSequence&;
@@ -273,6 +297,38 @@ constexpr ControlRow kControls[] = {
     {"?K", "DECSEL", Vt220,
      [](Machine& m, Seq s) { WithErase(s.params, [&](Erase what) { m.Display().EraseLine(what, Selective::Yes); }); }},
     {"r", "DECSTBM", Common, SetTopAndBottom},
+    {"r", "window", Sco, pc::ScoWindow},
+    {"s", "DECSLRM", Vt420, areas::SetLeftAndRight},
+    {"'}", "DECIC", Vt420, [](Machine& m, Seq s) { m.Display().InsertColumns(s.params.Count(0)); }},
+    {"'~", "DECDC", Vt420, [](Machine& m, Seq s) { m.Display().DeleteColumns(s.params.Count(0)); }},
+    {"$v", "DECCRA", Vt420, areas::Copy},
+    {"$x", "DECFRA", Vt420, areas::Fill},
+    {"$z", "DECERA", Vt420, areas::Erase},
+    {"${", "DECSERA", Vt420, areas::EraseUnprotected},
+    {"$r", "DECCARA", Vt420, areas::ChangeAttributes},
+    {"$t", "DECRARA", Vt420, areas::ReverseAttributes},
+    {"*x", "DECSACE", Vt420, areas::SelectExtent},
+    {"*y", "DECRQCRA", Vt420, areas::Checksum},
+    {"$|", "DECSCPP", Vt320, ColumnsPerPage},
+    {"\"v", "DECRQDE", Vt420, DisplayedExtent},
+    {"*z", "DECINVM", Vt420, [](Machine& m, Seq s) { m.InvokeMacro(s.params.At(0)); }},
+    {"$w", "DECRQPSR", Vt320, presentation::Report},
+    {"&u", "DECRQUPSS", Vt320, presentation::ReportPreferredSet},
+    {"U", "clear", Ansi, [](Machine& m, Seq) { pc::ClearAll(m); }},
+    {"Y", "DL", Ansi, [](Machine& m, Seq s) { m.Display().DeleteLines(s.params.Count(0)); }}, // some boards
+    {"b", "REP", Sco, pc::ScoRepeat},
+    {"=B", "bell", Sco, [](Machine& m, Seq) { m.Listener().Bell(); }},
+    {"=C", "cursor lines", Sco, pc::ScoCursorLines},
+    {"=D", "background intensity", Sco, pc::ScoBackgroundIntensity},
+    {"=E", "background intensity", Sco, pc::ScoBackgroundIntensity},
+    {"=F", "foreground", Sco, pc::ScoColor},
+    {"=G", "background", Sco, pc::ScoColor},
+    {"=c", "cursor", Sco, pc::ScoCursor},
+    {"=g", "glyph", Sco, pc::ScoGlyph},
+    {"=l", "clear screen", Sco, pc::ScoClearScreen},
+    {"=m", "margin", Sco, pc::ScoMargin},
+    {"=r", "reset margins", Sco, [](Machine& m, Seq) { m.Display().ResetMargins(); }},
+    {"=z", "clear tabs", Sco, [](Machine& m, Seq) { m.Display().ClearTabs(); }},
     {"s", "SCP", PcConsoles, [](Machine& m, Seq) { m.Display().SaveCursor(); }},
     {"u", "RCP", PcConsoles, [](Machine& m, Seq) { m.Display().RestoreCursor(); }},
     {"x", "DECREQTPARM", Vt100, TerminalParameters},
@@ -283,7 +339,8 @@ constexpr ControlRow kControls[] = {
      }},
 };
 
-// No two rows may claim one sequence in one dialect: a type that speaks both would have to choose.
+// No two rows may claim one sequence in one dialect. Of two rows in different dialects that a type speaks both, the
+// later holds: what a console has of its own stands after what all share.
 template <typename Table>
 consteval bool NoneClaimedTwice(const Table& rows)
 {

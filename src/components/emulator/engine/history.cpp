@@ -1,29 +1,65 @@
 #include "history.h"
 
+#include "widths.h"
+
 #include <algorithm>
 #include <cstring>
 
 namespace kestrune::emu {
 namespace {
 
-constexpr size_t kBlockBytes = 65536; // offsets take two bytes
 constexpr size_t kLooks = 512;
 
-// A packed line: this, the characters, the runs. A run covers characters (a wide one counts once) of one style.
+// A packed line: this, the characters, the runs. A run covers characters (a wide one counts once) of one style. How
+// wide a character is follows from the character.
 struct Head
 {
     uint16_t characters;
-    uint16_t runs; // 0: all in the block's style 0, none wide
+    uint16_t runs; // 0: all in the block's style 0
     uint8_t unit;  // bytes a character
-    uint8_t wraps : 1;
-    uint8_t size : 2;
+    uint8_t wraps;
+    LineSize size;
 };
+constexpr size_t kHeadBytes = 6;
+
 struct Run
 {
     uint16_t style;
-    uint16_t length; // with kWideRun
+    uint16_t length;
 };
-constexpr uint16_t kWideRun = 0x8000;
+constexpr size_t kRunBytes = 4;
+
+// In whole words: fields written one by one and copied at once would wait for each other.
+void Write(uint8_t* to, const Head& head)
+{
+    const uint32_t first = head.characters | (uint32_t(head.runs) << 16);
+    const auto second = uint16_t(head.unit | (unsigned(head.wraps) << 8) | (unsigned(head.size) << 9));
+    std::memcpy(to, &first, sizeof first);
+    std::memcpy(to + sizeof first, &second, sizeof second);
+}
+
+Head ReadHead(const uint8_t* from)
+{
+    uint32_t first = 0;
+    uint16_t second = 0;
+    std::memcpy(&first, from, sizeof first);
+    std::memcpy(&second, from + sizeof first, sizeof second);
+    return {uint16_t(first), uint16_t(first >> 16), uint8_t(second), uint8_t((second >> 8) & 1), LineSize(second >> 9)};
+}
+
+uint8_t* Write(uint8_t* to, Run run)
+{
+    const uint32_t word = run.style | (uint32_t(run.length) << 16);
+    std::memcpy(to, &word, sizeof word);
+    return to + kRunBytes;
+}
+
+Run ReadRun(const uint8_t* from)
+{
+    uint32_t word = 0;
+    std::memcpy(&word, from, sizeof word);
+    return {uint16_t(word), uint16_t(word >> 16)};
+}
 
 int TrimmedLength(const Row& row)
 {
@@ -38,18 +74,18 @@ int TrimmedLength(const Row& row)
 struct Shape
 {
     uint32_t texts = 0; // all bits seen
-    bool plain = true;  // style 0, nothing wide
+    bool plain = true;  // style 0
 };
 
 Shape ShapeOf(std::span<const Cell> cells)
 {
     uint32_t texts = 0;
-    uint32_t others = 0;
+    uint32_t styles = 0;
     for (const Cell& cell : cells) {
         texts |= cell.text;
-        others |= uint32_t(cell.style) | uint32_t(cell.flags);
+        styles |= cell.style;
     }
-    return {texts, others == 0};
+    return {texts, styles == 0};
 }
 
 // One unit for each character; the second halves of wide ones are left out.
@@ -87,6 +123,7 @@ void History::SetLimit(int rows)
 void History::Clear()
 {
     blocks_.clear();
+    newest_ = nullptr;
     first_ = end_;
     StartEpoch();
 }
@@ -109,19 +146,20 @@ void History::DropOldest()
     Block& oldest = blocks_.front();
     if (first_ - oldest.first < oldest.offsets.size())
         return;
-    if (blocks_.size() == 1)
+    if (blocks_.size() == 1) {
+        newest_ = nullptr;
         StartEpoch();
+    }
     spare_ = std::move(oldest);
     blocks_.pop_front();
 }
 
-History::Block& History::RoomFor(size_t bytes)
+History::Block& History::NewBlock()
 {
-    if (!blocks_.empty() && blocks_.back().fill + bytes <= kBlockBytes)
-        return blocks_.back();
     blocks_.push_back(std::move(spare_));
     spare_ = Block{};
-    Block& block = blocks_.back();
+    newest_ = &blocks_.back();
+    Block& block = *newest_;
     if (block.bytes == nullptr)
         block.bytes.reset(new uint8_t[kBlockBytes]);
     block.fill = 0;
@@ -160,19 +198,44 @@ void History::Push(const Row& row)
     ++pushed_;
     if (limit_ == 0)
         return;
+    if (row.plain && row.size == LineSize::Normal)
+        PushPlain(row);
+    else
+        PushAny(row);
+    ++end_;
+    if (Count() > limit_)
+        DropOldest();
+}
+
+// Most lines by far.
+void History::PushPlain(const Row& row)
+{
+    auto length = size_t(row.used);
+    const auto endsBlank = [&] { // one test, so that short lines and empty ones take the same way
+        return (length != 0) & ((row.cells[length - (length != 0)].text & ~uint32_t{U' '}) == 0);
+    };
+    if (!row.wraps)
+        while (endsBlank())
+            --length;
+    Block& block = RoomFor(kHeadBytes + length + kPackedAtOnce);
+    uint8_t* const start = block.bytes.get() + block.fill;
+    Write(start, {uint16_t(length), 0, 1, row.wraps, LineSize::Normal});
+    PackBytes(start + kHeadBytes, row.cells, length);
+    block.offsets.push_back(uint16_t(block.fill));
+    block.fill += kHeadBytes + length;
+}
+
+void History::PushAny(const Row& row)
+{
     const std::span<const Cell> cells(row.cells, size_t(TrimmedLength(row)));
     const Shape shape = ShapeOf(cells);
     const size_t unit = shape.texts <= 0xFF ? 1 : shape.texts <= 0xFFFF ? 2 : 4;
-    Block& block = RoomFor(sizeof(Head) + cells.size() * (unit + sizeof(Run)));
+    Block& block = RoomFor(kHeadBytes + cells.size() * (unit + kRunBytes));
     block.offsets.push_back(uint16_t(block.fill));
     uint8_t* const start = block.bytes.get() + block.fill;
-    uint8_t* to = start + sizeof(Head);
+    uint8_t* to = start + kHeadBytes;
 
-    if (unit == 1 && shape.plain) {
-        for (size_t i = 0; i < cells.size(); ++i)
-            to[i] = uint8_t(cells[i].text);
-        to += cells.size();
-    } else if (unit == 1) {
+    if (unit == 1) {
         to = PackTexts<uint8_t>(to, cells);
     } else if (unit == 2) {
         to = PackTexts<uint16_t>(to, cells);
@@ -183,16 +246,13 @@ void History::Push(const Row& row)
             to += cell.flags & Cell::WideTail ? 0 : sizeof text;
         }
     }
-    const auto textBytes = size_t(to - start) - sizeof(Head);
-    Head head{uint16_t(textBytes >> (unit >> 1)), 0, uint8_t(unit), row.wraps, uint8_t(uint8_t(row.size) & 3u)};
+    const auto textBytes = size_t(to - start) - kHeadBytes;
+    Head head{uint16_t(textBytes >> (unit >> 1)), 0, uint8_t(unit), row.wraps, row.size};
 
     if (!shape.plain)
         to = PackRuns(block, cells, to, head.runs);
-    std::memcpy(start, &head, sizeof head);
+    Write(start, head);
     block.fill += size_t(to - start);
-    ++end_;
-    if (Count() > limit_)
-        DropOldest();
 }
 
 uint8_t* History::PackRuns(Block& block, std::span<const Cell> cells, uint8_t* to, uint16_t& count)
@@ -201,20 +261,12 @@ uint8_t* History::PackRuns(Block& block, std::span<const Cell> cells, uint8_t* t
     const Cell* const end = at + cells.size();
     while (at != end) {
         const StyleId style = at->style;
-        const uint16_t isWide = at->flags & Cell::Wide;
         uint16_t length = 0;
-        for (; at != end && at->style == style; ++at) {
-            if (at->flags & Cell::WideTail)
-                continue;
-            if ((at->flags & Cell::Wide) != isWide)
-                break;
-            ++length;
-        }
+        for (; at != end && at->style == style; ++at)
+            length = uint16_t(length + (at->flags & Cell::WideTail ? 0 : 1));
         if (length == 0)
             continue;
-        const Run run{LocalStyle(block, style), uint16_t(isWide ? length | kWideRun : length)};
-        std::memcpy(to, &run, sizeof run);
-        to += sizeof run;
+        to = Write(to, Run{LocalStyle(block, style), length});
         ++count;
     }
     return to;
@@ -241,9 +293,8 @@ const Row& History::At(int index)
 void History::Unpack(const Block& block, uint64_t serial, Look& look)
 {
     const uint8_t* from = block.bytes.get() + block.offsets[serial - block.first];
-    Head head;
-    std::memcpy(&head, from, sizeof head);
-    const uint8_t* texts = from + sizeof head;
+    const Head head = ReadHead(from);
+    const uint8_t* texts = from + kHeadBytes;
     const uint8_t* runs = texts + size_t(head.characters) * head.unit;
 
     // Asking for a number may start a sweep, which must see what this row already names.
@@ -259,23 +310,24 @@ void History::Unpack(const Block& block, uint64_t serial, Look& look)
     Run run{0, head.characters};
     for (int r = 0; r < std::max<int>(head.runs, 1); ++r) {
         if (head.runs != 0) {
-            std::memcpy(&run, runs, sizeof run);
-            runs += sizeof run;
+            run = ReadRun(runs);
+            runs += kRunBytes;
         }
         const StyleId style = names_.StyleIdFor(block.styles[run.style]);
-        const bool isWide = (run.length & kWideRun) != 0;
-        for (int i = 0; i < (run.length & ~kWideRun); ++i, texts += head.unit) {
+        for (int i = 0; i < run.length; ++i, texts += head.unit) {
             const uint32_t text = ReadUnit(texts, head.unit);
+            const bool isCluster = (text & Cell::ClusterBit) != 0;
+            const std::u32string* cluster = isCluster ? &block.clusters[text & ~Cell::ClusterBit] : nullptr;
+            const bool isWide = text != 0 && WidthOf(isCluster ? cluster->front() : char32_t(text)) == 2;
             put(Cell{0, style, isWide ? Cell::Wide : uint16_t(0)});
-            look.cells.back().text =
-                text & Cell::ClusterBit ? names_.ClusterFor(block.clusters[text & ~Cell::ClusterBit]) : text;
+            look.cells.back().text = isCluster ? names_.ClusterFor(*cluster) : text;
             if (isWide)
                 put(Cell{0, style, Cell::WideTail});
         }
     }
     look.row.generation = (uint64_t(1) << 63) | serial;
-    look.row.wraps = head.wraps;
-    look.row.size = LineSize(head.size);
+    look.row.wraps = head.wraps != 0;
+    look.row.size = head.size;
 }
 
 void History::DropNewest()
@@ -285,6 +337,7 @@ void History::DropNewest()
     newest.offsets.pop_back();
     if (newest.offsets.empty()) {
         blocks_.pop_back();
+        newest_ = blocks_.empty() ? nullptr : &blocks_.back();
         StartEpoch();
     }
     --pushed_;
@@ -305,14 +358,10 @@ void History::VisitStyles(const std::function<void(const Style&)>& visit) const
         std::vector<bool> seen(block.styles.size(), false);
         for (size_t line = size_t(std::max(first_, block.first) - block.first); line < block.offsets.size(); ++line) {
             const uint8_t* from = block.bytes.get() + block.offsets[line];
-            Head head;
-            std::memcpy(&head, from, sizeof head);
-            from += sizeof head + size_t(head.characters) * head.unit;
-            for (int i = 0; i < head.runs; ++i, from += sizeof(Run)) {
-                Run run;
-                std::memcpy(&run, from, sizeof run);
-                seen[run.style] = true;
-            }
+            const Head head = ReadHead(from);
+            from += kHeadBytes + size_t(head.characters) * head.unit;
+            for (int i = 0; i < head.runs; ++i, from += kRunBytes)
+                seen[ReadRun(from).style] = true;
         }
         for (size_t id = 1; id < seen.size(); ++id)
             if (seen[id])

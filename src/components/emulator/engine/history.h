@@ -78,8 +78,15 @@ private:
         uint16_t id = 0;
     };
     static constexpr uint64_t kNone = ~uint64_t(0);
+    static constexpr size_t kBlockBytes = 65536; // offsets take two bytes
 
-    Block& RoomFor(size_t bytes);
+    Block& RoomFor(size_t bytes)
+    {
+        return newest_ != nullptr && newest_->fill + bytes <= kBlockBytes ? *newest_ : NewBlock();
+    }
+    Block& NewBlock();
+    void PushPlain(const Row& row);
+    void PushAny(const Row& row);
     void DropOldest();
     uint16_t LocalStyle(Block& block, StyleId id);
     uint32_t LocalCluster(Block& block, uint32_t text);
@@ -95,6 +102,7 @@ private:
     uint64_t end_ = 0;
     uint64_t pushed_ = 0;
     std::deque<Block> blocks_;
+    Block* newest_ = nullptr; // the last of them
     Block spare_;
     uint32_t epoch_ = 1; // of the numbers below, which are the newest block's
     std::vector<LocalId> localStyles_;

@@ -180,6 +180,10 @@ std::string KeyToBytes(const Machine& machine, const KeyPress& press)
     if (press.key == Key::Backspace)
         return BackspaceBytes(machine, press.modifiers);
 
+    if (machine.Speaks(Dialect::Vt220))
+        if (const std::string* defined = machine.FunctionKeys().Find(press))
+            return *defined;
+
     const auto plain = uint8_t(press.modifiers & (Modifier::Shift | Modifier::Control));
     const std::optional<std::string_view> bytes = FindKeyOrPlain(machine, press.key, plain);
     if (!bytes)

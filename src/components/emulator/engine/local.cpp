@@ -99,7 +99,7 @@ void Machine::PrintNotice(std::string_view utf8)
     modes_.Set(Mode::NewLine, false);
     modes_.Set(Mode::KeyboardAction, false);
     romFont_ = RomFont::Off;
-    cursorShape_ = CursorShape::BlinkBlock;
+    cursorShape_ = options_.cursor;
     charset_ = options_.charset;
     UpdateRules();
 

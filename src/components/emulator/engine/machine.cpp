@@ -1,6 +1,7 @@
 #include "machine.h"
 
 #include "controls.h"
+#include "pcconsole.h"
 
 #include <algorithm>
 
@@ -10,7 +11,9 @@ namespace {
 constexpr Size kLeast{1, 1};
 constexpr Size kMost{1000, 500};
 constexpr size_t kMaxAnswerBack = 255;
-constexpr char32_t kErrorCharacter = 0x2E2E; // reversed question mark, VT220 programmer reference 4.4
+constexpr int kMaxMacroDepth = 16;                        // VT420 programmer reference
+constexpr size_t kMaxMacroBytes = 32 * HostMacros::Space; // a macro that calls others many times must come to an end
+constexpr char32_t kErrorCharacter = 0x2E2E;              // reversed question mark, VT220 programmer reference 4.4
 
 Size Clamped(Size size)
 {
@@ -80,6 +83,8 @@ void Machine::SetCharset(HostCharset charset)
 
 void Machine::SetOptions(const TerminalOptions& options)
 {
+    if (options.cursor != options_.cursor)
+        cursorShape_ = options.cursor;
     options_ = options;
     options_.answerBack.resize(std::min(options_.answerBack.size(), kMaxAnswerBack));
     TakeKeyOptions();
@@ -126,7 +131,11 @@ void Machine::PowerUp()
     eightBitReplies_ = false;
     singleShift_ = -1;
     romFont_ = RomFont::Off;
-    cursorShape_ = CursorShape::BlinkBlock;
+    cursorShape_ = options_.cursor;
+    userKeys_.Clear();
+    macros_.Clear();
+    preferredSet_ = &SupplementalSet();
+    attributeExtent_ = ChangeExtent::Stream;
     charset_ = options_.charset;
     palette_.fill(0);
     parser_.Reset(); // also ends a printer controller mode that the host has forgotten
@@ -251,13 +260,20 @@ void Machine::SetMode(const ModeRow& row, bool on)
         row.changed(*this, on);
 }
 
-void Machine::SetColumns132(bool on)
+void Machine::FitColumns(bool to132)
 {
-    const int cols = on ? 132 : normalCols_;
+    modes_.Set(Mode::Columns132, to132);
+    const int cols = to132 ? 132 : normalCols_;
     if (cols != screen_.Extent().cols) {
         screen_.Resize({cols, screen_.Extent().rows});
         listener_.ScreenSizeChanged(screen_.Extent());
     }
+}
+
+void Machine::SetColumns132(bool on)
+{
+    FitColumns(on);
+    modes_.Set(Mode::SideMargins, false);
     screen_.ResetMargins();
     screen_.ClearPage();
 }
@@ -287,11 +303,43 @@ void Machine::SwitchAlternate(bool on, Mode how)
 void Machine::Designate(int which, bool wide96, std::string_view designator)
 {
     const CharacterSet* set = FindCharacterSet(designator, wide96, speaks_);
+    if (set == &SupplementalSet())
+        set = preferredSet_; // "<" names whatever the user prefers
     if (set == nullptr || (which >= 2 && !Speaks(Dialect::Vt220)))
         return;
     if (set->kind == CharacterSet::Kind::National && !modes_.Has(Mode::NationalSets))
         set = &AsciiSet();
     screen_.Charsets().g[size_t(which)] = set;
+}
+
+// As if the host had sent it. It may call others, but neither itself nor without end.
+void Machine::InvokeMacro(int id)
+{
+    const std::string bytes = macros_.At(id); // a copy: nothing may change what is being received
+    if (macroDepth_ == 0)
+        macroBytes_ = 0;
+    if (macroDepth_ >= kMaxMacroDepth || bytes.size() > kMaxMacroBytes - macroBytes_)
+        return;
+    macroBytes_ += bytes.size();
+    ++macroDepth_;
+    parser_.Feed(bytes);
+    --macroDepth_;
+}
+
+void Machine::PreferSet(std::string_view designator, bool wide96)
+{
+    // The makers offer two: their own supplemental set and Latin-1.
+    if (wide96 ? designator == "A" : designator == "%5")
+        preferredSet_ = FindCharacterSet(designator, wide96, speaks_);
+}
+
+char32_t Machine::GraphicFor(uint8_t byte) const
+{
+    const CharsetState& sets = screen_.Cursor().charsets;
+    const CharacterSet& set = *sets.g[size_t(byte < 0x80 ? sets.gl : sets.gr)];
+    if (&set == &UpperHalfSet())
+        return HostPoint(charset_, byte | 0x80);
+    return set.glyphs[size_t(byte & 0x7F) - 0x20];
 }
 
 void Machine::WriteThrough(const CharacterSet& set, std::span<const uint8_t> run)
@@ -345,7 +393,8 @@ void Machine::HighBytes(std::span<const uint8_t> run)
 
 void Machine::Execute(uint8_t control)
 {
-    if (romFont_ != RomFont::Off && !((kAlwaysControls >> control) & 1u)) {
+    const bool isAlways = ((kAlwaysControls >> control) & 1u) != 0;
+    if ((romFont_ != RomFont::Off && !isAlways) || pc::Draws(personality_->drawnControls, control)) {
         const char32_t point = RomGlyph(control);
         screen_.WritePoints({&point, 1});
         return;
@@ -354,6 +403,12 @@ void Machine::Execute(uint8_t control)
         CharacterRows()[row - 1u].run(*this);
     else if (control == 0x1A)
         Aborted(control);
+}
+
+void Machine::LineEnd() // also under LNM, whose second return changes nothing
+{
+    screen_.CarriageReturn();
+    screen_.LineFeed();
 }
 
 void Machine::Aborted(uint8_t)

@@ -4,8 +4,10 @@
 // of the present type and does it to the screen. The tables stand in controls.cpp, modes.cpp, sgr.cpp and
 // reports.cpp; their handlers use the operations below.
 
+#include "hostmacros.h"
 #include "parser.h"
 #include "screen.h"
+#include "userkeys.h"
 
 #include <array>
 #include <string>
@@ -75,12 +77,24 @@ public:
     void LockingShift(int which) { screen_.Charsets().gl = which; }
     void LockingShiftRight(int which) { screen_.Charsets().gr = which; }
     void SingleShift(int which) { singleShift_ = which; }
+    int PendingShift() const { return singleShift_; }         // -1: none
+    char32_t GraphicFor(uint8_t byte) const;                  // what a graphic byte shows under the present sets
+    void PreferSet(std::string_view designator, bool wide96); // DECAUPSS; one that is unknown changes nothing
+    const CharacterSet& PreferredSet() const { return *preferredSet_; }
+    ChangeExtent AttributeExtent() const { return attributeExtent_; } // DECSACE
+    void SetAttributeExtent(ChangeExtent extent) { attributeExtent_ = extent; }
+    const UserKeys& FunctionKeys() const { return userKeys_; }
+    bool FunctionKeysLocked() const { return options_.lockFunctionKeys || userKeys_.IsLocked(); } // for the host
+    const HostMacros& Macros() const { return macros_; }
+    void InvokeMacro(int id);
     void SetRomFont(RomFont font) { romFont_ = font; }
     void SelectUtf8(bool on); // ESC % G, ESC % @
     void SetCursorShape(CursorShape shape) { cursorShape_ = shape; }
+    CursorShape UsualShape() const { return options_.cursor; } // the user's choice
     CursorShape Shape() const { return cursorShape_; }
     void UpdateRules(); // after a change of type, level, charset or VT52 mode
     void SetColumns132(bool on);
+    void FitColumns(bool to132); // DECSCPP: the same with nothing cleared
     void SwitchAlternate(bool on, Mode how);
     void ReportStatus(const ControlSequence& sequence);
     void ReportMode(const ControlSequence& sequence);
@@ -95,6 +109,7 @@ public:
     void HighBytes(std::span<const uint8_t> run) override;
     void Points(std::span<const char32_t> run) override { screen_.WritePoints(run); }
     void Execute(uint8_t control) override;
+    void LineEnd() override;
     void Aborted(uint8_t by) override;
     void Escape(char intermediate, char final) override;
     void Control(const ControlSequence& sequence) override;
@@ -114,6 +129,7 @@ private:
     void BuildIndex();
     void Changed(); // tells what one call did
     void WriteThrough(const CharacterSet& set, std::span<const uint8_t> run);
+    void DeviceControl(std::string_view body);
     void OperatingSystemCommand(std::string_view body);
     void RequestSetting(std::string_view request);
     void SetTitle(std::string_view text);
@@ -136,6 +152,12 @@ private:
     int level_ = 0;
     bool eightBitReplies_ = false;
     int singleShift_ = -1;
+    UserKeys userKeys_;
+    HostMacros macros_;
+    int macroDepth_ = 0;
+    size_t macroBytes_ = 0; // received from macros since the outermost one began
+    const CharacterSet* preferredSet_ = &SupplementalSet();
+    ChangeExtent attributeExtent_ = ChangeExtent::Stream;
     RomFont romFont_ = RomFont::Off;
     CursorShape cursorShape_ = CursorShape::BlinkBlock;
     int normalCols_;

@@ -46,6 +46,8 @@ constexpr ModeRow kModes[] = {
     {66, true, Mode::NumericKeypad, "DECNKM", kDecLevel3, false, Off, 0, nullptr},
     {67, true, Mode::BackspaceSendsBs, "DECBKM", Vt220, false, Keep, 0, nullptr},
     {68, true, Mode::DataProcessingKeys, "DECKBUM", kDecLevel3, false, Keep, 0, nullptr},
+    {69, true, Mode::SideMargins, "DECLRMM", Vt420, false, Off, 0,
+     [](Machine& m, bool on) { m.Display().AllowSideMargins(on); }},
     {73, true, Mode::RateLimit, "DECXRLM", Vt420, false, Keep, 0, nullptr},
     {81, true, Mode::KeyPositions, "DECKPM", Vt420, false, Off, 0, nullptr},
 
@@ -81,7 +83,7 @@ consteval bool EachClaimedOnce()
 static_assert(EachClaimedOnce(), "two modes claim one number");
 
 // EK-VT320-RM, DECRQM: known by number, permanently reset.
-constexpr int kResetForGood[] = {1, 5, 7, 10, 11, 13, 14, 15, 16, 17, 18, 19};
+constexpr int kResetForGood[] = {1, 3, 5, 7, 10, 11, 13, 14, 15, 16, 17, 18, 19};
 constexpr int kPrivateResetForGood[] = {60};
 
 } // namespace

@@ -38,6 +38,7 @@ enum class Mode : uint8_t
     DataProcessingKeys,
     RateLimit,
     KeyPositions,
+    SideMargins,
     MouseX10,
     MouseClick,
     MouseDrag,

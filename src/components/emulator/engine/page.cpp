@@ -38,23 +38,14 @@ void Page::PartWide(Row& row, int from, int to)
     }
 }
 
-void Page::Blank(Row& row, StyleId blank)
-{
-    row.generation = ++clock_;
-    row.wraps = false;
-    row.hasWide = false;
-    row.size = LineSize::Normal;
-    row.used = 0;
-    if (blank != 0) {
-        std::fill(row.cells, row.cells + size_.cols, Cell{0, blank, 0});
-        row.used = size_.cols;
-    }
-}
-
 Page::Placed Page::PutPoints(int row, int col, int limit, std::span<const char32_t> points, StyleId style)
 {
+    const uint8_t* const table = TraitTable::Get();
+    const auto traitsOf = [table](char32_t point) {
+        return point < TraitTable::End ? table[point] : TraitTable::Compute(point);
+    };
     const auto fits = [&](uint8_t traits) { return !(traits & Trait::Special) && col + traits <= limit; };
-    if (points.empty() || !fits(TraitsOf(points.front())))
+    if (points.empty() || !fits(traitsOf(points.front())))
         return {0, 0};
     Row& line = Touch(row);
     Reach(line, col);
@@ -62,7 +53,7 @@ Page::Placed Page::PutPoints(int row, int col, int limit, std::span<const char32
     const int start = col;
     size_t count = 0;
     for (; count < points.size(); ++count) {
-        const uint8_t traits = TraitsOf(points[count]);
+        const uint8_t traits = traitsOf(points[count]);
         if (!fits(traits))
             break;
         if (traits == 1) {
@@ -134,13 +125,13 @@ void Page::FillWith(char32_t point)
     }
 }
 
-void Page::Insert(int row, int col, int count, StyleId blank)
+void Page::Insert(int row, int col, int count, int limit, StyleId blank)
 {
     Row& line = Touch(row);
-    const int limit = Columns(row);
     count = std::min(count, limit - col);
     Reach(line, blank != 0 ? limit : col);
     Part(line, col, limit - count);
+    Part(line, limit, limit);
     const int moved = std::min(line.used, limit - count) - col;
     if (moved > 0)
         std::memmove(line.cells + col + count, line.cells + col, size_t(moved) * sizeof(Cell));
@@ -148,23 +139,45 @@ void Page::Insert(int row, int col, int count, StyleId blank)
     line.used = std::max(line.used, std::min(limit, std::max(line.used, col) + count));
 }
 
-void Page::Delete(int row, int col, int count, StyleId blank)
+void Page::Delete(int row, int col, int count, int limit, StyleId blank)
 {
     Row& line = Touch(row);
-    const int limit = Columns(row);
     count = std::min(count, limit - col);
     if (line.used > col) {
         Part(line, col, col + count);
+        Part(line, limit, limit);
         const int moved = std::min(line.used, limit) - col - count;
         if (moved > 0)
             std::memmove(line.cells + col, line.cells + col + count, size_t(moved) * sizeof(Cell));
-        line.used = std::max(col, std::min(line.used, limit) - count);
+        if (line.used > limit)
+            std::fill(line.cells + limit - count, line.cells + limit, Cell{});
+        else
+            line.used = std::max(col, line.used - count);
     }
     line.wraps = false;
     if (blank != 0) {
         Reach(line, limit);
         std::fill(line.cells + limit - count, line.cells + limit, Cell{0, blank, 0});
     }
+}
+
+void Page::CopyCells(const Page& source, Position from, Position to, int count)
+{
+    Row& line = Touch(to.row);
+    Reach(line, to.col + count);
+    Part(line, to.col, to.col + count);
+    const Row& origin = source.At(from.row);
+    const int held = std::clamp(origin.used - from.col, 0, count);
+    Cell* const first = line.cells + to.col;
+    std::memmove(first, origin.cells + from.col, size_t(held) * sizeof(Cell));
+    std::fill(first + held, first + count, Cell{});
+    if (!origin.hasWide)
+        return;
+    line.hasWide = true;
+    if (first->flags & Cell::WideTail)
+        *first = Cell{0, first->style, 0};
+    if (Cell& last = first[count - 1]; last.flags & Cell::Wide)
+        last = Cell{0, last.style, 0};
 }
 
 void Page::SetWraps(int row, bool wraps)
@@ -187,16 +200,19 @@ void Page::SetLineSize(int row, LineSize size)
 // The whole page up: the window moves on, and the rows that it left are put at its end.
 void Page::Slide(int count)
 {
-    Row** const end = places_.data() + places_.size();
-    if (end - rows_ < size_.rows + count) {
-        std::copy(rows_, rows_ + size_.rows, places_.data());
-        rows_ = places_.data();
-    }
+    if (placesEnd_ - rows_ < size_.rows + count)
+        BackToStart();
     std::copy(rows_, rows_ + count, rows_ + size_.rows);
     rows_ += count;
 }
 
-void Page::RotateUp(int top, int bottom, int count, StyleId blank)
+void Page::BackToStart()
+{
+    std::copy(rows_, rows_ + size_.rows, places_.data());
+    rows_ = places_.data();
+}
+
+void Page::Rotate(int top, int bottom, int count, StyleId blank)
 {
     if (top == 0 && bottom == size_.rows)
         Slide(count);
@@ -213,7 +229,16 @@ void Page::RotateDown(int top, int bottom, int count, StyleId blank)
 
 void Page::Resize(Size size)
 {
-    const int capacity = std::max(capacity_, size.cols);
+    if (size.rows == size_.rows && size.cols <= capacity_) { // also 80 to 132 columns and back, whatever the pace
+        for (int i = 0; i < size.rows; ++i) {
+            Part(*rows_[i], size.cols, size.cols);
+            rows_[i]->generation = ++clock_;
+        }
+        size_ = size;
+        return;
+    }
+    constexpr int step = int(kPackedAtOnce);
+    const int capacity = std::max(capacity_, (size.cols + step - 1) / step * step);
     auto cells = std::make_unique<Cell[]>(size_t(capacity) * size_t(size.rows));
     std::vector<Row> storage(static_cast<size_t>(size.rows));
     for (int i = 0; i < size.rows; ++i) {
@@ -234,6 +259,7 @@ void Page::Resize(Size size)
     size_ = size;
     places_.assign(size_t(size.rows) * kPlacesPerRow, nullptr);
     rows_ = places_.data();
+    placesEnd_ = rows_ + places_.size();
     for (int i = 0; i < size.rows; ++i)
         rows_[i] = &storage_[size_t(i)];
 }

@@ -26,6 +26,7 @@ struct Row
     int used = 0;         // cells from here on are blank and hold no meaning
     bool wraps = false;   // goes on in the next row
     bool hasWide = false; // may hold wide characters
+    bool plain = true;    // surely nothing but Latin-1 in the plain style; false: has to be looked at
     LineSize size = LineSize::Normal;
 
     std::span<const Cell> Used() const { return {cells, size_t(used)}; }
@@ -47,7 +48,9 @@ public:
     // become blanks.
     void PutBytes(int row, int col, std::span<const uint8_t> bytes, StyleId style)
     {
+        const bool plain = At(row).plain && style == 0;
         Row& line = Touch(row);
+        line.plain = plain;
         const int end = col + int(bytes.size());
         Reach(line, col);
         Part(line, col, end);
@@ -68,13 +71,31 @@ public:
     void Fill(int row, int from, int to, StyleId blank); // [from, to) becomes blank
     void FillRows(int from, int to, StyleId blank);      // whole rows, back to normal size
     void FillWith(char32_t point);                       // every cell, plain
-    void Insert(int row, int col, int count, StyleId blank);
-    void Delete(int row, int col, int count, StyleId blank);
+    // What follows moves within [col, limit).
+    void Insert(int row, int col, int count, int limit, StyleId blank);
+    void Delete(int row, int col, int count, int limit, StyleId blank);
+    // Cells of one row, perhaps of another page, into a row of this one. Half a wide character becomes a blank.
+    void CopyCells(const Page& source, Position from, Position to, int count);
+    // Another look for the cells [from, to): style(cell's style) is called for each.
+    template <typename StyleFor>
+    void Restyle(int row, int from, int to, StyleFor&& style)
+    {
+        Row& line = Touch(row);
+        Reach(line, to);
+        for (Cell* cell = line.cells + from; cell != line.cells + to; ++cell)
+            cell->style = style(cell->style);
+    }
     void SetWraps(int row, bool wraps);
     void SetLineSize(int row, LineSize size);
 
     // Rows [top, bottom) move; the freed ones come back blank. count <= bottom - top.
-    void RotateUp(int top, int bottom, int count, StyleId blank);
+    void RotateUp(int top, int bottom, int count, StyleId blank)
+    {
+        if (count == 1 && top == 0 && bottom == size_.rows)
+            SlideOne(blank);
+        else
+            Rotate(top, bottom, count, blank);
+    }
     void RotateDown(int top, int bottom, int count, StyleId blank);
 
     // Cuts or adds rows at the bottom. Columns cut off are kept out of sight until the row is next changed.
@@ -87,6 +108,7 @@ private:
     {
         Row& line = *rows_[row];
         line.generation = ++clock_;
+        line.plain = false; // who knows better says so afterwards
         if (line.used > size_.cols)
             GiveUpHidden(line);
         return line;
@@ -107,13 +129,38 @@ private:
     }
     void GiveUpHidden(Row& row);
     void PartWide(Row& row, int from, int to);
-    void Blank(Row& row, StyleId blank);
+    void Blank(Row& row, StyleId blank)
+    {
+        row.generation = ++clock_;
+        row.wraps = false;
+        row.hasWide = false;
+        row.plain = blank == 0;
+        row.size = LineSize::Normal;
+        row.used = 0;
+        if (blank != 0) {
+            std::fill(row.cells, row.cells + size_.cols, Cell{0, blank, 0});
+            row.used = size_.cols;
+        }
+    }
+    void Rotate(int top, int bottom, int count, StyleId blank);
     void Slide(int count);
+    void BackToStart();
+    // What a line feed on the last row does.
+    void SlideOne(StyleId blank)
+    {
+        if (rows_ + size_.rows == placesEnd_)
+            BackToStart();
+        Row* const freed = *rows_;
+        rows_[size_.rows] = freed;
+        ++rows_;
+        Blank(*freed, blank);
+    }
 
     Size size_;
-    int capacity_ = 0; // cells that each row has room for
+    int capacity_ = 0; // cells that each row has room for: a whole number of kPackedAtOnce
     uint64_t& clock_;
     Row** rows_ = nullptr; // the page's rows, a window that slides over places_ as the page scrolls
+    Row** placesEnd_ = nullptr;
     std::vector<Row*> places_;
     std::vector<Row> storage_;
     std::unique_ptr<Cell[]> cells_;

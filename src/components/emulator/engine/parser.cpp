@@ -33,8 +33,8 @@ std::span<const std::string_view> PrinterEnds(const ParserRules& rules)
 
 bool IsContinuation(uint8_t byte) { return (byte & 0xC0) == 0x80; }
 
-// The quick way for characters of two and three bytes that are all there and plainly sound. Returns `at` for
-// all others, which the decoder looks at byte by byte.
+// The quick way for characters that are all there and plainly sound. Returns `at` for all others, which the decoder
+// looks at byte by byte.
 template <typename Put>
 const uint8_t* SoundCharacter(const uint8_t* at, const uint8_t* end, Put&& put)
 {
@@ -42,8 +42,17 @@ const uint8_t* SoundCharacter(const uint8_t* at, const uint8_t* end, Put&& put)
         put((char32_t(at[0] & 0x1F) << 6) | (at[1] & 0x3Fu));
         return at + 2;
     }
-    if ((at[0] & 0xF0) != 0xE0 || end - at < 3 || !IsContinuation(at[1]) || !IsContinuation(at[2]))
+    if (at[0] < 0xE0 || end - at < 4 || !IsContinuation(at[1]) || !IsContinuation(at[2]))
         return at;
+    if (at[0] >= 0xF0) {
+        const char32_t point =
+            (char32_t(at[0]) << 18) | (char32_t(at[1] & 0x3F) << 12) | (char32_t(at[2] & 0x3F) << 6) | (at[3] & 0x3Fu);
+        constexpr char32_t lead = char32_t(0xF0) << 18;
+        if (!IsContinuation(at[3]) || point < lead + 0x10000 || point > lead + 0x10FFFF)
+            return at;
+        put(point - lead);
+        return at + 4;
+    }
     const char32_t point = (char32_t(at[0] & 0x0F) << 12) | (char32_t(at[1] & 0x3F) << 6) | (at[2] & 0x3Fu);
     constexpr char32_t kSurrogates = 0xD800 >> 11;
     if (point < 0x800 || (point >> 11) == kSurrogates)
@@ -206,6 +215,11 @@ Parser::Bytes Parser::Ground(Bytes at, Bytes end)
             if (byte >= 0x20 && byte != kDelete)
                 continue; // a run again
             ++at;
+            if (byte == '\r' && at != end && *at == '\n') {
+                sink_.LineEnd();
+                ++at;
+                continue;
+            }
             if (byte == kEscape) {
                 if (at != end && *at == '[' && !rules_.vt52) { // by far the most common
                     StartControl();
@@ -312,15 +326,11 @@ void Parser::EscapeFinal(char final)
 Parser::Bytes Parser::Csi(Bytes at, Bytes end)
 {
     for (; at != end; ++at) {
-        if (*at >= '0' && *at <= '9') {
-            at = sequence_.params.Digits(at, end);
-            if (at == end)
-                return at;
-        }
+        at = sequence_.params.Take(at, end);
+        if (at == end)
+            return at;
         const uint8_t byte = *at;
-        if (byte == ';' || byte == ':') {
-            sequence_.params.Next(byte == ':');
-        } else if (IsFinal(byte)) {
+        if (IsFinal(byte)) {
             CsiFinal(char(byte));
             return at + 1;
         } else if (byte >= '<' && byte <= '?') {

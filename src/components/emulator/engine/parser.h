@@ -20,53 +20,53 @@ public:
     static constexpr int Max = 32;
     static constexpr int Limit = 16383;
 
-    int Size() const { return count_; }
+    int Size() const { return count_ < Max ? count_ : Max; }
     // A selector: missing reads as `missing`.
     int At(int index, int missing = 0) const { return Given(index) ? values_[index] : missing; }
     // A count: missing and zero both mean one.
     int Count(int index) const { return At(index) == 0 ? 1 : At(index); }
-    bool Given(int index) const { return index < count_ && values_[index] >= 0; }
-    bool AfterColon(int index) const { return index < count_ && ((colons_ >> index) & 1u) != 0; }
+    bool Given(int index) const { return index < Size() && values_[index] >= 0; }
+    bool AfterColon(int index) const { return index < Size() && ((colons_ >> index) & 1u) != 0; }
     bool HasColons() const { return colons_ != 0; }
 
     void Clear()
     {
         count_ = 0;
         colons_ = 0;
-        full_ = false;
     }
-    // Digits from `at` on; returns where they end.
-    const uint8_t* Digits(const uint8_t* at, const uint8_t* end)
+    // Digits and separators from `at` on; returns where they end.
+    const uint8_t* Take(const uint8_t* at, const uint8_t* end)
     {
-        if (count_ == 0)
-            Open();
-        int value = values_[count_ - 1] < 0 ? 0 : values_[count_ - 1];
-        for (; at != end && *at >= '0' && *at <= '9'; ++at)
-            value = value >= Limit ? Limit : value * 10 + (*at - '0');
-        if (!full_)
-            values_[count_ - 1] = value > Limit ? Limit : value;
-        return at;
-    }
-    void Next(bool colon)
-    {
-        if (count_ == 0)
-            Open();
-        if (count_ == Max) {
-            full_ = true; // further ones are ignored
-            return;
+        int place = count_ - 1;
+        int value = place < 0 ? -1 : values_[place];
+        for (; at != end; ++at) {
+            const int byte = *at;
+            if (const int digit = byte - '0'; digit >= 0 && digit <= 9) {
+                place += place < 0 ? 1 : 0;
+                value = value < 0 ? digit : value * 10 + digit;
+                value = value > Limit ? Limit : value;
+            } else if (byte == ';' || byte == ':') {
+                place += place < 0 ? 1 : 0;
+                values_[place] = value;
+                if (place < Max) // the place past the last one takes what is ignored
+                    ++place;
+                if (byte == ':' && place < Max)
+                    colons_ |= 1u << place;
+                value = -1;
+            } else {
+                break;
+            }
         }
-        Open();
-        if (colon)
-            colons_ |= 1u << (count_ - 1);
+        if (place >= 0)
+            values_[place] = value;
+        count_ = place + 1;
+        return at;
     }
 
 private:
-    void Open() { values_[count_++] = -1; }
-
-    int values_[Max] = {};
-    int count_ = 0;
+    int values_[Max + 1] = {};
+    int count_ = 0; // at most Max + 1
     uint32_t colons_ = 0;
-    bool full_ = false;
 };
 
 struct ControlSequence
@@ -92,8 +92,13 @@ public:
     virtual void HighBytes(std::span<const uint8_t> run) = 0; // 8-bit encodings: from 0x80 or 0xA0
     virtual void Points(std::span<const char32_t> run) = 0;   // UTF-8, from U+00A0
     virtual void Execute(uint8_t control) = 0;                // C0
-    virtual void Aborted(uint8_t by) = 0;                     // CAN or SUB inside a sequence
-    virtual void Escape(char intermediate, char final) = 0;   // C1 controls come in this form too
+    virtual void LineEnd()                                    // CR and LF, one right after the other
+    {
+        Execute('\r');
+        Execute('\n');
+    }
+    virtual void Aborted(uint8_t by) = 0;                   // CAN or SUB inside a sequence
+    virtual void Escape(char intermediate, char final) = 0; // C1 controls come in this form too
     virtual void Control(const ControlSequence& sequence) = 0;
     virtual void String(StringKind kind, std::string_view body) = 0; // whole; too long ones never come
     virtual void Vt52Address(int row, int col) = 0;
@@ -113,7 +118,7 @@ class Parser
 {
 public:
     static constexpr size_t MaxOsc = size_t{256} * 1024; // a clipboard fits
-    static constexpr size_t MaxDcs = 4096;
+    static constexpr size_t MaxDcs = size_t{16} * 1024;  // the largest macro in hexadecimal
 
     explicit Parser(ParserSink& sink) : sink_(sink) {}
 

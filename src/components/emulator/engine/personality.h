@@ -67,6 +67,7 @@ struct Personality
     bool eightBitControls = false;             // the type has C1 bytes
     bool formFeedClears = false;               // FF clears and homes instead of moving down
     bool clearHomes = false;                   // ED 2 homes
+    uint32_t drawnControls = 0;                // bit n: control n is a character of the PC's ROM
     bool backspaceSendsDel = false;            // the type's own choice, see BackspaceKey
     std::string_view primaryAttributes = {};   // answer to DA1, after CSI; empty: silent
     std::string_view secondaryAttributes = {}; // answer to DA2, after CSI

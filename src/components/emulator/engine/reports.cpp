@@ -1,5 +1,6 @@
 // Answers to the host. Only what the terminal itself knows goes back: never text that the host has sent.
 
+#include "hexpairs.h"
 #include "machine.h"
 
 namespace kestrune::emu {
@@ -17,7 +18,6 @@ struct StatusRow
 constexpr StatusRow kStatus[] = {
     {5, Dialect::Common, false, "0n"},        // in order
     {15, Dialect::Vt220, true, "?13n"},       // no printer
-    {25, Dialect::Vt220, true, "?21n"},       // user keys locked
     {26, Dialect::Vt420, true, "?27;1;0;0n"}, // North American keyboard, ready, LK401
     {26, Dialect::Vt320, true, "?27;1;0n"},   //
     {26, Dialect::Vt220, true, "?27;1n"},     //
@@ -31,6 +31,7 @@ constexpr StatusRow kStatus[] = {
 struct SettingRow
 {
     std::string_view request;
+    Dialects dialects;
     std::string (*value)(const Machine& machine);
 };
 
@@ -39,17 +40,26 @@ std::string Margins(const Machine& m)
     return std::to_string(m.Display().TopMargin() + 1) + ';' + std::to_string(m.Display().BottomMargin() + 1);
 }
 
+std::string SideMargins(const Machine& m)
+{
+    return std::to_string(m.Display().LeftMargin() + 1) + ';' + std::to_string(m.Display().RightMargin() + 1);
+}
+
 constexpr SettingRow kSettings[] = {
-    {"m", [](const Machine& m) { return m.SgrSetting(); }},
-    {"r", Margins},
-    {"t", [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
-    {"$|", [](const Machine& m) { return std::to_string(m.Display().Extent().cols); }},
-    {" q", [](const Machine& m) { return std::to_string(int(m.Shape()) + 1); }},
-    {"\"p",
+    {"s", Dialect::Vt420, SideMargins},
+    {"*x", Dialect::Vt420,
+     [](const Machine& m) { return std::string(m.AttributeExtent() == ChangeExtent::Rectangle ? "2" : "1"); }},
+    {"*|", Dialect::Vt420, [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
+    {"m", Dialect::Vt320, [](const Machine& m) { return m.SgrSetting(); }},
+    {"r", Dialect::Vt320, Margins},
+    {"t", Dialect::Vt320, [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
+    {"$|", Dialect::Vt320, [](const Machine& m) { return std::to_string(m.Display().Extent().cols); }},
+    {" q", Dialect::Vt320, [](const Machine& m) { return std::to_string(int(m.Shape()) + 1); }},
+    {"\"p", Dialect::Vt320,
      [](const Machine& m) {
          return std::to_string(60 + m.Level()) + (m.Level() == 1 ? "" : m.SendsEightBit() ? ";0" : ";1");
      }},
-    {"\"q",
+    {"\"q", Dialect::Vt320,
      [](const Machine& m) { return std::string(m.Display().Cursor().pen.attributes & Attr::Protected ? "1" : "0"); }},
 };
 
@@ -92,13 +102,20 @@ void Machine::ReportStatus(const ControlSequence& sequence)
 {
     const int request = sequence.params.At(0);
     const bool isPrivate = sequence.marker == '?';
-    const std::string place = std::to_string(screen_.RowForHost() + 1) + ';' + std::to_string(screen_.Cursor().col + 1);
+    const std::string place =
+        std::to_string(screen_.RowForHost() + 1) + ';' + std::to_string(screen_.ColumnForHost() + 1);
     if (request == 6 && !isPrivate) {
         ReplyControl(place + 'R');
     } else if (request == 6 && Speaks(Dialect::Vt320)) {
         ReplyControl('?' + place + ";1R");                              // one page
     } else if (request == 255 && !isPrivate && Speaks(Dialect::Ansi)) { // boards ask the size this way
         ReplyControl(std::to_string(screen_.Extent().rows) + ';' + std::to_string(screen_.Extent().cols) + 'R');
+    } else if (request == 25 && isPrivate) {
+        ReplyControl(FunctionKeysLocked() ? "?21n" : "?20n");
+    } else if (request == 62 && isPrivate && Speaks(Dialect::Vt420)) { // in units of 16 bytes
+        ReplyControl(std::to_string(macros_.SpaceLeft() / 16) + "*{");
+    } else if (request == 63 && isPrivate && Speaks(Dialect::Vt420)) {
+        ReplyDcs(std::to_string(sequence.params.At(1)) + "!~" + HexWord(macros_.Checksum()));
     } else {
         for (const StatusRow& row : kStatus)
             if (row.isPrivate == isPrivate && row.request == request && Speaks(row.dialects)) {
@@ -128,7 +145,7 @@ void Machine::RequestSetting(std::string_view request)
     if (!Speaks(Dialect::Vt320))
         return;
     for (const SettingRow& row : kSettings)
-        if (row.request == request) {
+        if (row.request == request && Speaks(row.dialects)) {
             ReplyDcs(std::string("1$r").append(row.value(*this)).append(row.request));
             return;
         }

@@ -56,4 +56,27 @@ inline void SpreadBytes(Cell* to, const uint8_t* from, size_t count, StyleId sty
         to[i] = Cell{from[i], style, 0};
 }
 
+// The texts of `count` Latin-1 cells as bytes. Reads and writes whole steps of kPackedAtOnce: both sides have room.
+inline constexpr size_t kPackedAtOnce = 16;
+inline void PackBytes(uint8_t* to, const Cell* from, size_t count)
+{
+#if defined(__SSE2__)
+    const auto fourTexts = [](const Cell* cells) {
+        const auto* two = reinterpret_cast<const __m128*>(cells);
+        return _mm_castps_si128(_mm_shuffle_ps(_mm_loadu_ps(reinterpret_cast<const float*>(two)),
+                                               _mm_loadu_ps(reinterpret_cast<const float*>(two + 1)),
+                                               _MM_SHUFFLE(2, 0, 2, 0)));
+    };
+    for (size_t i = 0; i < count; i += kPackedAtOnce) {
+        const Cell* at = from + i;
+        const __m128i low = _mm_packs_epi32(fourTexts(at), fourTexts(at + 4));
+        const __m128i high = _mm_packs_epi32(fourTexts(at + 8), fourTexts(at + 12));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + i), _mm_packus_epi16(low, high));
+    }
+#else
+    for (size_t i = 0; i < count; ++i)
+        to[i] = uint8_t(from[i].text);
+#endif
+}
+
 } // namespace kestrune::emu

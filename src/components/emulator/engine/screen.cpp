@@ -30,18 +30,18 @@ StyleId Screen::PenId()
     if (penChanged_) {
         penChanged_ = false;
         penId_ = StyleIdFor(cursor_.pen);
-        // Erased cells keep the background only. The DEC types have no colours, so for their hosts this is the
-        // normal rendition; hosts that send colours count on it.
-        Style blank;
-        blank.background = cursor_.pen.background;
-        blankId_ = StyleIdFor(blank);
     }
     return penId_;
 }
 
 StyleId Screen::BlankId()
 {
-    PenId();
+    if (const Color background = cursor_.pen.background; background != blankBackground_) {
+        Style blank;
+        blank.background = background;
+        blankId_ = StyleIdFor(blank);
+        blankBackground_ = background;
+    }
     return blankId_;
 }
 
@@ -56,13 +56,13 @@ void Screen::WriteBytes(std::span<const uint8_t> run)
     while (!run.empty()) {
         if (cursor_.pendingWrap)
             WrapNow();
-        const auto room = size_t(Columns() - cursor_.col);
+        const auto room = size_t(Limit() - cursor_.col);
         const bool wraps = modes_.Has(Mode::AutoWrap) && wrapStyle_ != WrapStyle::Never;
         if (!wraps && room == 1) // all of the rest lands in the last column, one over the other
             run = run.last(1);
         const auto now = run.first(std::min(room, run.size()));
         if (modes_.Has(Mode::Insert))
-            P().Insert(cursor_.row, cursor_.col, int(now.size()), blankId_);
+            P().Insert(cursor_.row, cursor_.col, int(now.size()), Limit(), BlankId());
         P().PutBytes(cursor_.row, cursor_.col, now, style);
         run = run.subspan(now.size());
         Advance(int(now.size()));
@@ -74,7 +74,7 @@ void Screen::WritePoints(std::span<const char32_t> run)
     while (!run.empty()) {
         if (!cursor_.pendingWrap && !modes_.Has(Mode::Insert)) {
             const StyleId style = PenId();
-            const Page::Placed placed = P().PutPoints(cursor_.row, cursor_.col, Columns(), run, style);
+            const Page::Placed placed = P().PutPoints(cursor_.row, cursor_.col, Limit(), run, style);
             if (placed.points != 0) {
                 lastPoint_ = run[placed.points - 1];
                 run = run.subspan(placed.points);
@@ -100,7 +100,7 @@ void Screen::WritePoint(char32_t point)
     lastPoint_ = point;
     const StyleId style = PenId();
     if (modes_.Has(Mode::Insert))
-        P().Insert(cursor_.row, cursor_.col, width, blankId_);
+        P().Insert(cursor_.row, cursor_.col, width, Limit(), BlankId());
     P().PutPoint(cursor_.row, cursor_.col, point, width, style);
     Advance(width);
 }
@@ -110,25 +110,27 @@ bool Screen::StartCharacter(int width)
 {
     if (cursor_.pendingWrap)
         WrapNow();
-    if (cursor_.col + width <= Columns())
+    const int limit = Limit();
+    if (cursor_.col + width <= limit)
         return true;
-    if (width > Columns())
+    if (width > limit)
         return false;
     if (modes_.Has(Mode::AutoWrap) && wrapStyle_ != WrapStyle::Never) {
-        P().Fill(cursor_.row, cursor_.col, Columns(), 0);
+        P().Fill(cursor_.row, cursor_.col, limit, 0);
         WrapNow();
     } else {
-        cursor_.col = Columns() - width;
+        cursor_.col = limit - width;
     }
-    return cursor_.col + width <= Columns();
+    return cursor_.col + width <= Limit();
 }
 
 void Screen::Advance(int columns)
 {
+    const int limit = Limit();
     cursor_.col += columns;
-    if (cursor_.col < Columns())
+    if (cursor_.col < limit)
         return;
-    cursor_.col = Columns() - 1;
+    cursor_.col = limit - 1;
     if (!modes_.Has(Mode::AutoWrap) || wrapStyle_ == WrapStyle::Never)
         return;
     cursor_.pendingWrap = true;
@@ -141,10 +143,11 @@ void Screen::WrapNow()
     cursor_.pendingWrap = false;
     if (!modes_.Has(Mode::AutoWrap))
         return;
-    P().SetWraps(cursor_.row, true);
+    if (!IsNarrowed())
+        P().SetWraps(cursor_.row, true);
     if (watcher_ != nullptr)
         watcher_->LineLeft(cursor_.row);
-    cursor_.col = 0;
+    cursor_.col = LineStart();
     Index();
 }
 
@@ -182,9 +185,10 @@ void Screen::Repeat(int count)
 {
     if (lastPoint_ == 0)
         return;
-    count = std::min(count, Extent().cols * Extent().rows);
-    for (const char32_t point = lastPoint_; count > 0; --count)
-        WritePoint(point);
+    std::array<char32_t, 256> run{};
+    run.fill(lastPoint_);
+    for (count = std::min(count, Extent().cols * Extent().rows); count > 0; count -= int(run.size()))
+        WritePoints(std::span(run).first(std::min(size_t(count), run.size())));
 }
 
 // --- cursor
@@ -193,43 +197,45 @@ void Screen::MoveTo(int row, int col)
 {
     CollapsePendingWrap();
     cursor_.row = std::clamp(row + Top(), Top(), Bottom() - 1);
-    cursor_.col = std::clamp(col, 0, Columns() - 1);
+    cursor_.col = std::clamp(col + Left(), Left(), std::min(Right(), Columns()) - 1);
 }
 
-void Screen::MoveToRow(int row) { MoveTo(row, cursor_.col); }
+void Screen::MoveToRow(int row) { MoveTo(row, ColumnForHost()); }
 
 void Screen::MoveToColumn(int col) { MoveTo(RowForHost(), col); }
 
 int Screen::RowForHost() const { return cursor_.row - Top(); }
 
+int Screen::ColumnForHost() const { return cursor_.col - Left(); }
+
 void Screen::MoveUp(int count)
 {
     const int stop = cursor_.row >= top_ ? top_ : 0;
-    MoveTo(std::max(stop, cursor_.row - count) - Top(), cursor_.col);
+    MoveTo(std::max(stop, cursor_.row - count) - Top(), ColumnForHost());
 }
 
 void Screen::MoveDown(int count)
 {
     const int stop = cursor_.row < bottom_ ? bottom_ - 1 : Extent().rows - 1;
-    MoveTo(std::min(stop, cursor_.row + count) - Top(), cursor_.col);
+    MoveTo(std::min(stop, cursor_.row + count) - Top(), ColumnForHost());
 }
 
 void Screen::MoveLeft(int count)
 {
     CollapsePendingWrap();
-    cursor_.col = std::max(0, cursor_.col - count);
+    cursor_.col = std::max(cursor_.col >= left_ ? left_ : 0, cursor_.col - count);
 }
 
 void Screen::MoveRight(int count)
 {
     CollapsePendingWrap();
-    cursor_.col = std::min(Columns() - 1, cursor_.col + count);
+    cursor_.col = std::min(Limit() - 1, cursor_.col + count);
 }
 
 void Screen::CarriageReturn()
 {
     CollapsePendingWrap();
-    cursor_.col = 0;
+    cursor_.col = LineStart();
 }
 
 void Screen::Backspace() { MoveLeft(1); }
@@ -237,20 +243,24 @@ void Screen::Backspace() { MoveLeft(1); }
 void Screen::Index()
 {
     CollapsePendingWrap();
-    if (cursor_.row == bottom_ - 1)
-        ScrollUp(1);
-    else if (cursor_.row < Extent().rows - 1)
+    if (cursor_.row == bottom_ - 1) {
+        if (InSideMargins())
+            ScrollUp(1);
+    } else if (cursor_.row < Extent().rows - 1) {
         ++cursor_.row;
+    }
     cursor_.col = std::min(cursor_.col, Columns() - 1);
 }
 
 void Screen::ReverseIndex()
 {
     CollapsePendingWrap();
-    if (cursor_.row == top_)
-        ScrollDown(1);
-    else if (cursor_.row > 0)
+    if (cursor_.row == top_) {
+        if (InSideMargins())
+            ScrollDown(1);
+    } else if (cursor_.row > 0) {
         --cursor_.row;
+    }
     cursor_.col = std::min(cursor_.col, Columns() - 1);
 }
 
@@ -268,14 +278,16 @@ void Screen::SaveCursor()
     saved_[IsAlternate()] = cursor_;
 }
 
-void Screen::RestoreCursor()
+void Screen::RestoreCursor() { PutCursor(saved_[IsAlternate()]); }
+
+void Screen::PutCursor(const CursorState& state)
 {
-    cursor_ = saved_[IsAlternate()];
+    cursor_ = state;
     penChanged_ = true;
     modes_.Set(Mode::Origin, cursor_.origin);
     modes_.Set(Mode::AutoWrap, cursor_.autoWrap);
     cursor_.row = std::clamp(cursor_.row, Top(), Bottom() - 1);
-    cursor_.col = std::min(cursor_.col, Columns() - 1);
+    cursor_.col = std::clamp(cursor_.col, Left(), std::min(Right(), Columns()) - 1);
 }
 
 CursorState Screen::Fresh() const
@@ -290,7 +302,7 @@ CursorState Screen::Fresh() const
 
 void Screen::Tab(int count)
 {
-    const int last = Columns() - 1;
+    const int last = Limit() - 1;
     int col = cursor_.col;
     while (count-- > 0 && col < last)
         do
@@ -304,10 +316,10 @@ void Screen::Tab(int count)
 void Screen::BackTab(int count)
 {
     CollapsePendingWrap();
-    while (count-- > 0 && cursor_.col > 0)
+    while (count-- > 0 && cursor_.col > Left())
         do
             --cursor_.col;
-        while (cursor_.col > 0 && !tabs_[size_t(cursor_.col)]);
+        while (cursor_.col > Left() && !tabs_[size_t(cursor_.col)]);
 }
 
 void Screen::SetTab() { tabs_[size_t(cursor_.col)] = true; }
@@ -321,6 +333,23 @@ void Screen::ResetTabs()
     tabs_.assign(size_t(Extent().cols), false);
     for (size_t col = 0; col < tabs_.size(); col += kTabWidth)
         tabs_[col] = true;
+}
+
+std::vector<int> Screen::TabStops() const
+{
+    std::vector<int> cols;
+    for (int col = 0; col < Extent().cols; ++col)
+        if (tabs_[size_t(col)])
+            cols.push_back(col);
+    return cols;
+}
+
+void Screen::SetTabStops(std::span<const int> cols)
+{
+    ClearTabs();
+    for (const int col : cols)
+        if (col >= 0 && col < Extent().cols)
+            tabs_[size_t(col)] = true;
 }
 
 // --- margins and scrolling
@@ -339,6 +368,8 @@ void Screen::ResetMargins()
 {
     top_ = 0;
     bottom_ = Extent().rows;
+    left_ = 0;
+    right_ = Extent().cols;
 }
 
 void Screen::PushToHistory(int count)
@@ -351,12 +382,12 @@ void Screen::PushToHistory(int count)
 void Screen::ScrollUp(int count)
 {
     count = std::min(count, bottom_ - top_);
-    if (top_ == 0 && !IsAlternate())
+    if (top_ == 0 && !IsAlternate() && !IsNarrowed())
         PushToHistory(count);
-    P().RotateUp(top_, bottom_, count, BlankId());
+    MoveLinesUp(top_, bottom_, count);
 }
 
-void Screen::ScrollDown(int count) { P().RotateDown(top_, bottom_, std::min(count, bottom_ - top_), BlankId()); }
+void Screen::ScrollDown(int count) { MoveLinesDown(top_, bottom_, count); }
 
 int Screen::TakeHistoryAdded() { return std::exchange(historyAdded_, 0); }
 
@@ -364,30 +395,32 @@ int Screen::TakeHistoryAdded() { return std::exchange(historyAdded_, 0); }
 
 void Screen::InsertLines(int count)
 {
-    if (cursor_.row < top_ || cursor_.row >= bottom_)
+    if (!InMargins())
         return;
-    P().RotateDown(cursor_.row, bottom_, std::min(count, bottom_ - cursor_.row), BlankId());
+    MoveLinesDown(cursor_.row, bottom_, count);
     CarriageReturn();
 }
 
 void Screen::DeleteLines(int count)
 {
-    if (cursor_.row < top_ || cursor_.row >= bottom_)
+    if (!InMargins())
         return;
-    P().RotateUp(cursor_.row, bottom_, std::min(count, bottom_ - cursor_.row), BlankId());
+    MoveLinesUp(cursor_.row, bottom_, count);
     CarriageReturn();
 }
 
 void Screen::InsertCharacters(int count)
 {
     CollapsePendingWrap();
-    P().Insert(cursor_.row, cursor_.col, count, BlankId());
+    if (InSideMargins())
+        P().Insert(cursor_.row, cursor_.col, count, Limit(), BlankId());
 }
 
 void Screen::DeleteCharacters(int count)
 {
     CollapsePendingWrap();
-    P().Delete(cursor_.row, cursor_.col, count, BlankId());
+    if (InSideMargins())
+        P().Delete(cursor_.row, cursor_.col, count, Limit(), BlankId());
 }
 
 void Screen::EraseCharacters(int count)
@@ -444,6 +477,8 @@ void Screen::Align()
 
 void Screen::SetLineSize(LineSize size)
 {
+    if (modes_.Has(Mode::SideMargins))
+        return; // AllowSideMargins has made them all normal
     P().SetLineSize(cursor_.row, size);
     CollapsePendingWrap();
     cursor_.col = std::min(cursor_.col, Columns() - 1);

@@ -11,6 +11,7 @@
 #include "page.h"
 
 #include <array>
+#include <functional>
 #include <memory>
 
 namespace kestrune::emu {
@@ -38,6 +39,18 @@ enum class Erase : uint8_t
     ToEnd,
     ToStart,
     All
+};
+struct Area // rows and columns from 0; bottom and right are past the last
+{
+    int top = 0;
+    int left = 0;
+    int bottom = 0;
+    int right = 0;
+};
+enum class ChangeExtent : uint8_t // of a change of renditions (DECSACE)
+{
+    Stream,
+    Rectangle
 };
 enum class Selective : uint8_t // DECSED and DECSEL leave protected cells alone
 {
@@ -81,7 +94,9 @@ public:
     void LineFeed(); // Index as a control from the host: a line has ended
     void SaveCursor();
     void RestoreCursor();
-    int RowForHost() const; // from 0, relative to the margins in origin mode
+    void PutCursor(const CursorState& state); // with the modes that it carries; a place beyond the margins is moved in
+    int RowForHost() const;                   // from 0, relative to the margins in origin mode
+    int ColumnForHost() const;
 
     // --- tabs
     void Tab(int count);
@@ -90,18 +105,29 @@ public:
     void ClearTab();
     void ClearTabs();
     void ResetTabs();
+    std::vector<int> TabStops() const;
+    void SetTabStops(std::span<const int> cols); // these alone; columns beyond the screen are passed over
 
     // --- margins and scrolling
-    void SetMargins(int top, int bottom); // rows from 0, bottom included; the cursor goes home
-    void ResetMargins();
+    void SetMargins(int top, int bottom);                     // rows from 0, bottom included; the cursor goes home
+    void ResetMargins();                                      // all four
+    void AllowSideMargins(bool on);                           // DECLRMM; either way they go back to the edges
+    void SetSideMargins(int left, int right);                 // columns from 0, right included; the cursor goes home
+    void SetWindow(int top, int left, int bottom, int right); // all four, the cursor stays
     int TopMargin() const { return top_; }
     int BottomMargin() const { return bottom_ - 1; }
+    int LeftMargin() const { return left_; }
+    int RightMargin() const { return right_ - 1; }
     void ScrollUp(int count);
     void ScrollDown(int count);
 
     // --- editing and erasing
     void InsertLines(int count);
     void DeleteLines(int count);
+    void InsertColumns(int count); // DECIC, DECDC: in all lines between the margins
+    void DeleteColumns(int count);
+    void BackIndex(); // DECBI, DECFI: a column left or right, at the margin the columns move instead
+    void ForwardIndex();
     void InsertCharacters(int count);
     void DeleteCharacters(int count);
     void EraseCharacters(int count);
@@ -110,6 +136,15 @@ public:
     void EraseHistory() { history_.Clear(); }
     void Align(); // DECALN
     void SetLineSize(LineSize size);
+
+    // --- rectangles; they never move the cursor
+    Area Addressable() const; // what the host can address: the margins in origin mode, else all
+    void CopyArea(const Area& area, Position to);
+    void FillArea(const Area& area, char32_t point); // in the pen's rendition
+    void EraseArea(const Area& area, Selective selective);
+    // From its first to its last place as text runs, or as a rectangle. The protection stays.
+    void ChangeArea(const Area& area, ChangeExtent extent, const std::function<void(Style&)>& change);
+    uint16_t ChecksumOf(const Area& area) const; // sum of characters and renditions, as DECRQCRA has it
 
     // --- whole screen
     void SwitchPage(bool alternate);
@@ -150,7 +185,24 @@ private:
     int Columns() const { return page_->Columns(cursor_.row); }
     int Top() const { return modes_.Has(Mode::Origin) ? top_ : 0; }
     int Bottom() const { return modes_.Has(Mode::Origin) ? bottom_ : Extent().rows; }
+    int Left() const { return modes_.Has(Mode::Origin) ? left_ : 0; }
+    int Right() const { return modes_.Has(Mode::Origin) ? right_ : Extent().cols; }
+    // Where text from the cursor on has to wrap.
+    int Limit() const
+    {
+        const int columns = Columns();
+        return cursor_.col < right_ ? std::min(right_, columns) : columns;
+    }
+    int LineStart() const { return cursor_.col >= left_ ? left_ : Left(); } // where CR goes
+    bool IsNarrowed() const { return left_ != 0 || right_ != Extent().cols; }
+    bool InSideMargins() const;
+    bool InMargins() const;
+    void MoveLinesUp(int top, int bottom, int count);
+    void MoveLinesDown(int top, int bottom, int count);
+    void ShiftColumns(int from, int count);
     StyleId PenId();
+    // Erased cells keep the background only. The DEC types have no colours, so for their hosts this is the normal
+    // rendition; hosts that send colours count on it.
     StyleId BlankId();
     void WrapNow();
     void Advance(int columns);
@@ -182,8 +234,11 @@ private:
     StyleId blankId_ = 0;
     StyleId newestStyle_ = 0; // given out, but perhaps in no cell yet
     bool penChanged_ = false;
+    Color blankBackground_; // of blankId_
     int top_ = 0;
     int bottom_ = 0; // past the last row of the region
+    int left_ = 0;
+    int right_ = 0; // past the last column of the region
     std::vector<bool> tabs_;
     WrapStyle wrapStyle_ = WrapStyle::Pending;
     LineWatcher* watcher_ = nullptr;

@@ -1,6 +1,7 @@
 // Select graphic rendition: ECMA-48 8.3.117, colours by index and direct colours as in ISO 8613-6.
 
 #include "machine.h"
+#include "pcconsole.h"
 
 #include <array>
 
@@ -127,13 +128,23 @@ void Machine::ApplySgr(const Params& params)
 {
     if (params.HasColons() && !Speaks(Dialect::Extension))
         return;
+    const bool isSco = Speaks(Dialect::Sco);
+    if (isSco && pc::ScoColors(*this, params))
+        return;
     Style& pen = screen_.Pen();
     if (params.Size() == 0)
         ResetPen(pen);
-    for (int at = 0; at < params.Size(); ++at) {
+    const int count = params.Size();
+    for (int at = 0; at < count; ++at) {
         const int code = params.At(at);
-        if (params.AfterColon(at) || PaletteCode(pen, code))
-            continue; // a part of something unknown, or done
+        if (params.AfterColon(at) || (isSco && pc::ScoRendition(pen, code)))
+            continue;                   // a part of something unknown, or done
+        if (code == 38 || code == 48) { // full-screen programs send these for nearly every cell
+            at += ReadColor(params, at + 1, code == 38 ? pen.foreground : pen.background);
+            continue;
+        }
+        if (PaletteCode(pen, code))
+            continue;
         if (code < int(kByCode.size()) && kByCode[size_t(code)].code != 0) {
             const SgrRow& row = kByCode[size_t(code)];
             pen.attributes = uint16_t((pen.attributes | row.set) & ~row.clear);
@@ -157,12 +168,6 @@ void Machine::ApplySgr(const Params& params)
             break;
         case 24:
             pen.underline = Underline::None;
-            break;
-        case 38:
-            at += ReadColor(params, at + 1, pen.foreground);
-            break;
-        case 48:
-            at += ReadColor(params, at + 1, pen.background);
             break;
         case 58:
             at += ReadColor(params, at + 1, pen.underlineColor);

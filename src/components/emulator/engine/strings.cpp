@@ -2,6 +2,7 @@
 // read back to the host.
 
 #include "machine.h"
+#include "presentation.h"
 #include "widths.h"
 
 #include <algorithm>
@@ -11,7 +12,9 @@
 namespace kestrune::emu {
 namespace {
 
-constexpr size_t kMaxTitle = 256; // code points
+constexpr size_t kMaxTitle = 256;     // code points
+constexpr size_t kUserKeySpace = 256; // bytes, VT220 and VT320
+constexpr size_t kUserKeySpace420 = 768;
 
 std::optional<int> ToNumber(std::string_view text, int base = 10)
 {
@@ -103,14 +106,28 @@ std::string CleanText(std::u32string_view points, size_t limit)
 void Machine::String(StringKind kind, std::string_view body)
 {
     if (kind == StringKind::Dcs) {
-        if (body.starts_with("$q"))
-            RequestSetting(body.substr(2));
+        DeviceControl(body);
         return;
     }
     if (Speaks(Dialect::Linux) && (body == "R" || (body.size() == 8 && body[0] == 'P')))
         LinuxPalette(body.substr(1));
     else if (Speaks(Dialect::Extension))
         OperatingSystemCommand(body);
+}
+
+void Machine::DeviceControl(std::string_view body)
+{
+    if (body.starts_with("$q")) {
+        RequestSetting(body.substr(2));
+        return;
+    }
+    if (presentation::Take(*this, body))
+        return;
+    if (Speaks(Dialect::Vt220) && !options_.lockFunctionKeys &&
+        userKeys_.Take(body, Speaks(Dialect::Vt420) ? kUserKeySpace420 : kUserKeySpace))
+        return;
+    if (Speaks(Dialect::Vt420) && macroDepth_ == 0) // a macro may define none
+        macros_.Take(body);
 }
 
 void Machine::OperatingSystemCommand(std::string_view body)

@@ -50,6 +50,16 @@ enum class BackspaceKey : uint8_t
     Del
 };
 
+enum class CursorShape : uint8_t // in the order of DECSCUSR 1 to 6
+{
+    BlinkBlock,
+    Block,
+    BlinkUnderline,
+    UnderlineBar,
+    BlinkBar,
+    Bar
+};
+
 struct TerminalOptions
 {
     Size size;
@@ -59,8 +69,10 @@ struct TerminalOptions
     bool autoWrap = true;
     bool applicationCursor = false; // power-up states of DECCKM and DECKPAM
     bool applicationKeypad = false;
+    bool lockFunctionKeys = false; // the host may not define what they send (DECUDK)
     BackspaceKey backspace = BackspaceKey::AsType;
-    std::string answerBack; // bytes sent for ENQ, at most 255
+    CursorShape cursor = CursorShape::BlinkBlock; // until the host asks for another
+    std::string answerBack;                       // bytes sent for ENQ, at most 255
 };
 
 enum class LineSize : uint8_t
@@ -88,17 +100,7 @@ enum class MouseReport : uint8_t
     Click,
     Drag,
     Motion
-}; // X10/normal, button motion, any motion
-enum class CursorShape : uint8_t
-{
-    BlinkBlock,
-    Block,
-    BlinkUnderline,
-    UnderlineBar,
-    BlinkBar,
-    Bar
-};
-
+};               // X10/normal, button motion, any motion
 struct ModesView // what drawing and input need to know
 {
     bool applicationCursor = false;

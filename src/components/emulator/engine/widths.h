@@ -44,4 +44,6 @@ inline uint8_t TraitsOf(char32_t point)
     return point < TraitTable::End ? TraitTable::Get()[point] : TraitTable::Compute(point);
 }
 
+inline int WidthOf(char32_t point) { return TraitsOf(point) & Trait::WidthMask; }
+
 } // namespace kestrune::emu

@@ -1,12 +1,15 @@
 #include <emulator/personalities/personalities.h>
 
-#include "types.h"
+#include "dectypes.h"
+#include "pctypes.h"
 
 namespace kestrune::emu {
 namespace {
 
-constexpr const Personality* kTypes[] = {&types::kTty,   &types::kVt52,  &types::kVt220,       &types::kVt100,
-                                         &types::kVt320, &types::kVt420, &types::kLinuxConsole};
+constexpr const Personality* kTypes[] = {
+    &types::kTty,   &types::kVt52,  &types::kVt220,      &types::kAnsi,         &types::kVt100,
+    &types::kVt320, &types::kVt420, &types::kScoConsole, &types::kLinuxConsole, &types::kLanpar,
+};
 
 consteval bool InOrderOfNumbers()
 {

@@ -1,5 +1,7 @@
 #include "boxdrawing.h"
 
+#include "cellpatterns.h"
+
 #include <QPainterPath>
 
 #include <algorithm>
@@ -230,8 +232,12 @@ void DrawBlock(QPainter& painter, char32_t c, const QRect& cell, const QColor& c
 
 } // namespace
 
-void DrawBoxCharacter(QPainter& painter, char32_t c, const QRect& cell, const QColor& color)
+void DrawCharacter(QPainter& painter, char32_t c, const QRect& cell, const QColor& color)
 {
+    if (c >= 0x2800) {
+        DrawPattern(painter, c, cell, color);
+        return;
+    }
     if (c >= 0x2580) {
         DrawBlock(painter, c, cell, color);
         return;

@@ -1,7 +1,8 @@
 #pragma once
 
-// Box drawing and block elements, drawn to the very edges of the cell so that frames of full-screen programs
-// join, whatever font is in use.
+// Characters that are drawn to the very edges of the cell, so that frames, bars, graphs and prompts join whatever
+// font is in use: box drawing and block elements, Braille patterns, the blocks and wedges of "Symbols for Legacy
+// Computing", and the separators that status lines take from a private area.
 
 #include <QColor>
 #include <QPainter>
@@ -9,8 +10,12 @@
 
 namespace kestrune {
 
-constexpr bool IsBoxCharacter(char32_t c) { return c >= 0x2500 && c <= 0x259F; }
+constexpr bool IsDrawnCharacter(char32_t c)
+{
+    return c >= 0x2500 && (c <= 0x259F || (c >= 0x2800 && c <= 0x28FF) || (c >= 0xE0B0 && c <= 0xE0BF) ||
+                           (c >= 0x1FB00 && c <= 0x1FB90));
+}
 
-void DrawBoxCharacter(QPainter& painter, char32_t c, const QRect& cell, const QColor& color);
+void DrawCharacter(QPainter& painter, char32_t c, const QRect& cell, const QColor& color); // IsDrawnCharacter
 
 } // namespace kestrune

@@ -1,5 +1,7 @@
 #include "colorscheme.h"
 
+#include "contrast.h"
+
 #include <utility>
 
 namespace kestrune {
@@ -19,6 +21,8 @@ QRgb CubeOrGrey(int index)
     const int cube = index - 16;
     return qRgb(step(cube / 36), step(cube / 6 % 6), step(cube % 6));
 }
+
+QRgb FromHost(uint32_t rgb) { return qRgb(int(rgb >> 16) & 0xFF, int(rgb >> 8) & 0xFF, int(rgb) & 0xFF); }
 
 QRgb Mix(QRgb a, QRgb b, int percentOfA)
 {
@@ -43,12 +47,13 @@ void ColorScheme::Load(const EmulatorSettings& settings)
         palette_[size_t(i)] = FromBgr(settings.Palette(i));
     for (int i = 0; i < AttributeCount; ++i)
         attributes_[size_t(i)] = settings.Colors(i);
+    legible_ = settings.Boolean(Setting("LegibleFont"));
 }
 
 bool ColorScheme::Follow(const emu::Terminal& screen)
 {
     bool changed = std::exchange(reverse_, screen.Modes().reverseScreen) != screen.Modes().reverseScreen;
-    for (int i = 0; i < 256; ++i) {
+    for (int i = 0; i < kHostColors; ++i) {
         const uint32_t set = screen.PaletteOverride(i);
         changed = std::exchange(host_[size_t(i)], set) != set || changed;
     }
@@ -58,11 +63,50 @@ bool ColorScheme::Follow(const emu::Terminal& screen)
 QRgb ColorScheme::Indexed(int index) const
 {
     if (const uint32_t set = host_[size_t(index)])
-        return qRgb(int(set >> 16) & 0xFF, int(set >> 8) & 0xFF, int(set) & 0xFF);
+        return FromHost(set);
     return index < 16 ? palette_[size_t(index)] : CubeOrGrey(index);
 }
 
-QRgb ColorScheme::Background() const { return palette_[reverse_ ? PaletteRole::Foreground : PaletteRole::Background]; }
+QRgb ColorScheme::Entry(int paletteEntry) const
+{
+    return paletteEntry >= 0 && paletteEntry < PaletteSize ? Role(paletteEntry) : Role(0);
+}
+
+// The roles that a host can set stand in one order here and there.
+QRgb ColorScheme::Role(int paletteRole) const
+{
+    if (paletteRole < 16)
+        return Indexed(paletteRole);
+    const uint32_t set =
+        paletteRole <= PaletteRole::Cursor ? host_[size_t(256 + paletteRole - PaletteRole::Foreground)] : 0;
+    return set != 0 ? FromHost(set) : palette_[size_t(paletteRole)];
+}
+
+QRgb ColorScheme::Background() const { return Role(reverse_ ? PaletteRole::Foreground : PaletteRole::Background); }
+
+CellColors ColorScheme::Selected(const CellColors& plain) const
+{
+    QRgb paper = Role(PaletteRole::Selection);
+    if (ContrastOf(paper, plain.background) < VisibleContrast)
+        paper = LegibleOn(plain.background, plain.foreground, VisibleContrast);
+    const QRgb ink = LegibleOn(paper, Role(PaletteRole::SelectionText));
+    return {ink, paper, ink};
+}
+
+CellColors ColorScheme::Found(const CellColors& plain, bool current) const
+{
+    const QRgb mark = current ? Role(PaletteRole::Cursor) : Mix(Indexed(3), Role(PaletteRole::Background), 45);
+    const QRgb paper = LegibleOn(plain.background, mark, VisibleContrast);
+    const QRgb ink = LegibleOn(paper, plain.foreground);
+    return {ink, paper, ink};
+}
+
+CellColors ColorScheme::Cursor(const CellColors& plain) const
+{
+    const QRgb paper = LegibleOn(plain.background, Role(PaletteRole::Cursor), VisibleContrast);
+    const QRgb ink = LegibleOn(paper, Role(PaletteRole::CursorText));
+    return {ink, paper, ink};
+}
 
 CellColors ColorScheme::Of(const emu::Style& style) const
 {
@@ -81,7 +125,7 @@ CellColors ColorScheme::Of(const emu::Style& style) const
         case Kind::Default:
             break;
         }
-        return palette_[size_t(byDefault) < palette_.size() ? size_t(byDefault) : 0];
+        return Entry(byDefault);
     };
     emu::Color foreground = style.foreground;
     // Bright is how the sixteen-colour terminals show bold.
@@ -95,6 +139,8 @@ CellColors ColorScheme::Of(const emu::Style& style) const
         std::swap(colors.foreground, colors.background);
     if (reverse_ && plain)
         std::swap(colors.foreground, colors.background);
+    if (legible_)
+        colors.foreground = LegibleOn(colors.background, colors.foreground);
     if ((style.attributes & emu::Attr::Dim) != 0)
         colors.foreground = Mix(colors.foreground, colors.background, 60);
     colors.underline =

@@ -1,7 +1,7 @@
 #pragma once
 
 // What colours a style has: the settings' palette and attribute colours, the 256 colours that hosts know, and
-// what the host has changed of them.
+// what the host has changed of them (OSC 4, 10, 11 and 12).
 
 #include <emulator/control/emulatorsettings.h>
 #include <emulator/engine/terminal.h>
@@ -9,7 +9,6 @@
 #include <QRgb>
 
 #include <array>
-#include <vector>
 
 namespace kestrune {
 
@@ -29,16 +28,26 @@ public:
     bool Follow(const emu::Terminal& screen);
 
     CellColors Of(const emu::Style& style) const;
-    QRgb Role(int paletteRole) const { return palette_[size_t(paletteRole)]; } // PaletteRole
-    QRgb Background() const;                                                   // of the screen where there is no text
+    // Selected text that has these colours otherwise: the selection's own, unless it would not be seen on them.
+    CellColors Selected(const CellColors& plain) const;
+    // Text that a search has found; current: the hit that the user stands on.
+    CellColors Found(const CellColors& plain, bool current) const;
+    // The cursor as background, and the text in it: seen on a cell of these colours whatever they are.
+    CellColors Cursor(const CellColors& plain) const;
+    QRgb Role(int paletteRole) const; // PaletteRole
+    QRgb Background() const;          // of the screen where there is no text
 
 private:
+    static constexpr int kHostColors = 259; // 256 foreground, 257 background, 258 cursor
+
     QRgb Indexed(int index) const;
+    QRgb Entry(int paletteEntry) const;
 
     std::array<QRgb, PaletteSize> palette_{};
     std::array<qint16, AttributeCount> attributes_{};
-    std::array<uint32_t, 256> host_{}; // 0: as here
+    std::array<uint32_t, kHostColors> host_{}; // 0: as here
     bool reverse_ = false;
+    bool legible_ = false; // text keeps its distance from its background
 };
 
 } // namespace kestrune

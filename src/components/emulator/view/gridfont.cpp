@@ -19,6 +19,14 @@ QString InstalledFamily(const QString& wanted)
     return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
 }
 
+// Fonts of pictures say so in their names; empty: none is installed.
+QString EmojiFamily()
+{
+    const QStringList families = QFontDatabase::families().filter(QStringLiteral("emoji"), Qt::CaseInsensitive);
+    const QStringList inColor = families.filter(QStringLiteral("color"), Qt::CaseInsensitive);
+    return inColor.value(0, families.value(0));
+}
+
 } // namespace
 
 GridFont::GridFont(const QString& family, double size, bool bold)
@@ -59,6 +67,16 @@ GridFont::Variant& GridFont::Of(int variant)
 }
 
 const QFont& GridFont::Font(int variant) { return Of(variant).font; }
+const QFont& GridFont::EmojiFont()
+{
+    if (!emoji_) {
+        emoji_ = std::make_unique<QFont>(base_);
+        if (const QString family = EmojiFamily(); !family.isEmpty())
+            emoji_->setFamilies({family, base_.family()});
+    }
+    return *emoji_;
+}
+
 const QRawFont& GridFont::Raw(int variant) { return Of(variant).raw; }
 
 quint32 GridFont::GlyphOf(int variant, char32_t c)

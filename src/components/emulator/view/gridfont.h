@@ -27,6 +27,7 @@ public:
     int LineWidth() const { return lineWidth_; }
 
     const QFont& Font(int variant);
+    const QFont& EmojiFont(); // pictures in colour before signs in black and white
     const QRawFont& Raw(int variant);
     quint32 GlyphOf(int variant, char32_t c); // 0: not in this font
 
@@ -41,6 +42,7 @@ private:
     Variant& Of(int variant);
 
     QFont base_;
+    std::unique_ptr<QFont> emoji_; // made when first used
     int cellWidth_ = 8;
     int cellHeight_ = 16;
     int ascent_ = 12;

@@ -73,10 +73,31 @@ int CodeBase(uint8_t modifiers)
            ((modifiers & emu::Modifier::Control) != 0 ? 2000 : 0) + ((modifiers & emu::Modifier::Alt) != 0 ? 4000 : 0);
 }
 
+// The key's letter on a Latin keyboard, by its place: control characters have no others. X11 and Wayland number
+// the places alike; where they are not known there is no letter.
+QString LatinText(const QKeyEvent& event)
+{
+    struct KeyRowOfPlaces
+    {
+        quint32 first; // scan code of the leftmost key
+        QLatin1StringView letters;
+    };
+    static constexpr std::array kPlaces{KeyRowOfPlaces{24, QLatin1StringView("qwertyuiop[]")},
+                                        KeyRowOfPlaces{38, QLatin1StringView("asdfghjkl;'")},
+                                        KeyRowOfPlaces{52, QLatin1StringView("zxcvbnm,./")}};
+    for (const KeyRowOfPlaces& row : kPlaces)
+        if (const quint32 at = event.nativeScanCode() - row.first; at < quint32(row.letters.size()))
+            return QString(row.letters[qsizetype(at)]);
+    return {};
+}
+
 // What the key types without Control and Alt. With Control down the event's own text is a control character.
 QString PlainText(const QKeyEvent& event)
 {
     QString text = event.text();
+    if (event.modifiers().testFlag(Qt::ControlModifier) && (text.isEmpty() || text[0] > QChar(0x7F)) &&
+        event.key() > 0xFF)
+        return LatinText(event);
     const bool isControl = text.size() == 1 && (text[0] < u' ' || text[0] == QChar(0x7F));
     if (!text.isEmpty() && !isControl)
         return text;

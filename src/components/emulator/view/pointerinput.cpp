@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QStyleHints>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -38,25 +39,13 @@ int EventButton(Qt::MouseButton button) // as the control's events number them
 
 } // namespace
 
-PointerInput::PointerInput(ctlEmulator& emulator, QWidget& host, ScreenCanvas& canvas)
-    : emulator_(emulator), host_(host), canvas_(canvas), gesture_(emulator)
+PointerInput::PointerInput(ctlEmulator& emulator, QWidget& host, ScreenCanvas& canvas,
+                           std::function<void(const QString& target)> openLink)
+    : emulator_(emulator), host_(host), canvas_(canvas), openLink_(std::move(openLink)), gesture_(emulator)
 {
+    host_.setMouseTracking(true); // links are shown under a pointer with no button down
     scroll_.setInterval(kScrollMilliseconds);
     QObject::connect(&scroll_, &QTimer::timeout, &host_, [this] { ScrollWhileSelecting(); });
-}
-
-TextPlace PointerInput::PlaceAt(QPointF position) const
-{
-    const auto [cols, rows] = emulator_.Screen().ScreenSize();
-    const QPointF device = canvas_.DevicePosition(position);
-    const int line = std::clamp(int(std::floor(device.y() / canvas_.CellHeight())), 0, rows - 1);
-    TextPlace place;
-    place.row = line - emulator_.RowsBack();
-    const bool doubled = emulator_.Screen().Row(place.row).size != emu::LineSize::Normal;
-    const double column = device.x() / canvas_.CellWidth() / (doubled ? 2 : 1);
-    place.cell = std::clamp(int(std::floor(column)), 0, cols - 1);
-    place.boundary = std::clamp(int(std::lround(column)), 0, cols);
-    return place;
 }
 
 bool PointerInput::HostWantsMouse(Qt::KeyboardModifiers modifiers) const
@@ -68,7 +57,7 @@ bool PointerInput::HostWantsMouse(Qt::KeyboardModifiers modifiers) const
 bool PointerInput::Report(emu::MouseKind kind, emu::MouseButton button, const QPointF& position,
                           Qt::KeyboardModifiers modifiers)
 {
-    const TextPlace place = PlaceAt(position);
+    const TextPlace place = canvas_.PlaceAt(position);
     lastReport_ = {place.cell, place.row};
     return emulator_.SendMouse({kind, button, MapModifiers(modifiers), place.cell, place.row});
 }
@@ -97,13 +86,16 @@ void PointerInput::Press(const QMouseEvent& event)
     }
     switch (event.button()) {
     case Qt::LeftButton:
+        pressedLink_ = LinkUnder(event.position(), event.modifiers());
+        if (pressedLink_)
+            return;
         if (event.modifiers().testFlag(Qt::ShiftModifier)) {
             clicks_ = 0;
-            gesture_.Extend(PlaceAt(event.position()));
+            gesture_.Extend(canvas_.PlaceAt(event.position()));
             return;
         }
         CountClick(event);
-        gesture_.Press(PlaceAt(event.position()), clicks_, event.modifiers().testFlag(Qt::AltModifier));
+        gesture_.Press(canvas_.PlaceAt(event.position()), clicks_, event.modifiers().testFlag(Qt::AltModifier));
         return;
     case Qt::MiddleButton:
         emulator_.PastePrimary();
@@ -119,8 +111,12 @@ void PointerInput::Press(const QMouseEvent& event)
 void PointerInput::Move(const QMouseEvent& event)
 {
     lastMove_ = event.position();
+    if (held_ != event.modifiers() || held_.testFlag(Qt::ControlModifier)) {
+        held_ = event.modifiers();
+        ShowLink();
+    }
     if (gesture_.IsActive()) {
-        gesture_.Extend(PlaceAt(event.position()));
+        gesture_.Extend(canvas_.PlaceAt(event.position()));
         const bool outside = event.position().y() < 0 || event.position().y() >= host_.height();
         if (outside != scroll_.isActive())
             outside ? scroll_.start() : scroll_.stop();
@@ -130,7 +126,7 @@ void PointerInput::Move(const QMouseEvent& event)
     const bool dragged = reported_ != emu::MouseButton::None && wanted != emu::MouseReport::Click;
     if (!dragged && !(wanted == emu::MouseReport::Motion && HostWantsMouse(event.modifiers())))
         return;
-    const TextPlace place = PlaceAt(event.position());
+    const TextPlace place = canvas_.PlaceAt(event.position());
     if (lastReport_ != emu::Position{place.cell, place.row})
         Report(emu::MouseKind::Move, reported_, event.position(), event.modifiers());
 }
@@ -143,8 +139,48 @@ void PointerInput::Release(const QMouseEvent& event)
                event.modifiers());
         return;
     }
-    if (event.button() == Qt::LeftButton)
-        gesture_.Release();
+    if (event.button() != Qt::LeftButton)
+        return;
+    gesture_.Release();
+    // Pressed and let go on the same link; a drag away from it changes one's mind.
+    if (const auto pressed = std::exchange(pressedLink_, std::nullopt);
+        pressed && LinkUnder(event.position(), event.modifiers()) == pressed)
+        openLink_(pressed->target);
+}
+
+std::optional<Link> PointerInput::LinkUnder(QPointF position, Qt::KeyboardModifiers modifiers) const
+{
+    if (!modifiers.testFlag(Qt::ControlModifier) || HostWantsMouse(modifiers))
+        return std::nullopt;
+    const TextPlace place = canvas_.PlaceAt(position);
+    return LinkAt(emulator_.Screen(), place.row, place.cell);
+}
+
+void PointerInput::ShowLink()
+{
+    const auto link = host_.underMouse() ? LinkUnder(lastMove_, held_) : std::nullopt;
+    canvas_.SetLink(link ? link->spans : std::vector<LinkSpan>{});
+    FollowPointer(link.has_value());
+}
+
+void PointerInput::ControlKey(bool down)
+{
+    held_.setFlag(Qt::ControlModifier, down);
+    ShowLink();
+}
+
+bool PointerInput::ShowTip(const QHelpEvent& event)
+{
+    const TextPlace place = canvas_.PlaceAt(event.pos());
+    const auto link = LinkAt(emulator_.Screen(), place.row, place.cell);
+    if (!link) {
+        QToolTip::hideText();
+        return false;
+    }
+    QToolTip::showText(event.globalPos(),
+                       QCoreApplication::translate("TerminalView", "%1\nCtrl+click opens it").arg(link->target),
+                       &host_);
+    return true;
 }
 
 void PointerInput::ScrollWhileSelecting()
@@ -156,7 +192,7 @@ void PointerInput::ScrollWhileSelecting()
     const double beyond = lastMove_.y() < 0 ? -lastMove_.y() : lastMove_.y() - host_.height();
     const int rows = 1 + int(beyond * host_.devicePixelRatioF() / canvas_.CellHeight());
     emulator_.ScrollTo(emulator_.RowsBack() + (lastMove_.y() < 0 ? rows : -rows));
-    gesture_.Extend(PlaceAt(lastMove_));
+    gesture_.Extend(canvas_.PlaceAt(lastMove_));
 }
 
 void PointerInput::Wheel(const QWheelEvent& event)
@@ -200,13 +236,20 @@ void PointerInput::OpenMenu(QPoint at)
     menu->popup(at);
 }
 
-void PointerInput::FollowModes()
+void PointerInput::FollowPointer(bool onLink)
 {
-    const emu::MouseReport wanted = emulator_.Screen().Modes().mouse;
-    const Qt::CursorShape shape = wanted == emu::MouseReport::None ? Qt::IBeamCursor : Qt::ArrowCursor;
+    const bool hosts = emulator_.Screen().Modes().mouse != emu::MouseReport::None;
+    const Qt::CursorShape shape = onLink ? Qt::PointingHandCursor : hosts ? Qt::ArrowCursor : Qt::IBeamCursor;
     if (host_.cursor().shape() != shape)
         host_.setCursor(shape);
-    host_.setMouseTracking(wanted == emu::MouseReport::Motion);
+}
+
+void PointerInput::FollowModes()
+{
+    if (held_.testFlag(Qt::ControlModifier))
+        ShowLink(); // other text may stand under the pointer
+    else
+        FollowPointer(false);
 }
 
 } // namespace kestrune

@@ -7,35 +7,48 @@
 #include "selectiongesture.h"
 
 #include <QElapsedTimer>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QTimer>
 #include <QWheelEvent>
+
+#include <functional>
+#include <optional>
 
 namespace kestrune {
 
 class PointerInput
 {
 public:
-    PointerInput(ctlEmulator& emulator, QWidget& host, ScreenCanvas& canvas);
+    // openLink: the user has asked for a link by Ctrl and a click.
+    PointerInput(ctlEmulator& emulator, QWidget& host, ScreenCanvas& canvas,
+                 std::function<void(const QString& target)> openLink);
 
     void Press(const QMouseEvent& event);
     void Move(const QMouseEvent& event);
     void Release(const QMouseEvent& event);
     void Wheel(const QWheelEvent& event);
     void OpenMenu(QPoint at); // on the desktop
-    void FollowModes();       // the host may have asked for reports, or for none: pointer shape and tracking
+    void ControlKey(bool down);
+    bool ShowTip(const QHelpEvent& event); // where a link leads; false: there is none
+    void FollowModes(); // the host may have asked for reports, or for none: pointer shape and tracking
 
 private:
-    TextPlace PlaceAt(QPointF position) const;
     bool HostWantsMouse(Qt::KeyboardModifiers modifiers) const;
     bool Report(emu::MouseKind kind, emu::MouseButton button, const QPointF& position, Qt::KeyboardModifiers modifiers);
     void ScrollWhileSelecting();
+    std::optional<Link> LinkUnder(QPointF position, Qt::KeyboardModifiers modifiers) const;
+    void ShowLink();
+    void FollowPointer(bool onLink);
     void CountClick(const QMouseEvent& event);
 
     ctlEmulator& emulator_;
     QWidget& host_;
     ScreenCanvas& canvas_;
+    std::function<void(const QString&)> openLink_;
     SelectionGesture gesture_;
+    Qt::KeyboardModifiers held_;
+    std::optional<Link> pressedLink_;
     emu::MouseButton reported_ = emu::MouseButton::None; // the button whose press the host knows of
     emu::Position lastReport_{-1, -1};
     int clicks_ = 0;

@@ -14,6 +14,7 @@ namespace kestrune {
 namespace {
 
 constexpr double kLeastScale = 0.7;
+constexpr char16_t kJoiner = 0x200D; // ZERO WIDTH JOINER
 
 int VariantOf(const emu::Style& style)
 {
@@ -24,6 +25,15 @@ int VariantOf(const emu::Style& style)
 bool IsBlank(const emu::Cell& cell)
 {
     return cell.text == 0 || cell.text == U' ' || (cell.flags & emu::Cell::WideTail) != 0;
+}
+
+// Shown as a picture by default, or asked for as one (VARIATION SELECTOR-16).
+bool IsEmoji(const emu::Cell& cell, const QString& text)
+{
+    const char32_t first = text.isEmpty() ? 0 : text.toUcs4().front();
+    const bool wide = (cell.flags & emu::Cell::Wide) != 0;
+    return text.contains(QChar(0xFE0F)) || (wide && first >= 0x1F000 && first <= 0x1FAFF) ||
+           (wide && first >= 0x2300 && first <= 0x2BFF);
 }
 
 QString TextOfCell(const emu::Terminal& screen, const emu::Cell& cell)
@@ -51,6 +61,24 @@ void DrawWave(QPainter& painter, const QRect& line, QRgb color)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.strokePath(path, QPen(QColor(color), line.height()));
     painter.restore();
+}
+
+enum class TextMark
+{
+    None,
+    Found,
+    Current,
+    Selected
+};
+
+TextMark MarkOf(int column, const RowLook& look)
+{
+    if (column >= look.selectedFirst && column < look.selectedLast)
+        return TextMark::Selected;
+    for (const TextSearch::Span& span : look.found)
+        if (column >= span.first && column < span.last)
+            return span.current ? TextMark::Current : TextMark::Found;
+    return TextMark::None;
 }
 
 // Lines under a run, from its first pixel so that neighbouring runs join.
@@ -98,25 +126,39 @@ bool RowPainter::HasBlink(int row) const
     });
 }
 
-void RowPainter::CollectRuns(const emu::RowView& view, const RowLook& look)
+emu::RowView RowPainter::InShownOrder(const emu::RowView& view, const RowOrder& order)
+{
+    arranged_ = !order.IsPlain();
+    if (!arranged_)
+        return view;
+    order.Arrange(view.cells, arrangedCells_);
+    emu::RowView shown = view;
+    shown.cells = arrangedCells_;
+    return shown;
+}
+
+// view is in the order in which it is shown.
+void RowPainter::CollectRuns(const emu::RowView& view, const RowOrder& order, const RowLook& look)
 {
     runs_.clear();
     const int cols = screen_.ScreenSize().cols;
     const int used = std::min(cols, int(view.cells.size()));
     const auto styleAt = [&](int col) { return col < used ? view.cells[size_t(col)].style : emu::StyleId(0); };
-    const auto isSelected = [&](int col) { return col >= look.selectedFirst && col < look.selectedLast; };
+    const auto markAt = [&](int shown) { return MarkOf(order.ColumnCounted(shown), look); };
     for (int first = 0; first < cols;) {
         const emu::StyleId id = styleAt(first);
-        const bool selected = isSelected(first);
+        const TextMark mark = markAt(first);
         int last = first + 1;
-        while (last < cols && styleAt(last) == id && isSelected(last) == selected)
+        while (last < cols && styleAt(last) == id && markAt(last) == mark)
             ++last;
         Run run{first, last, &screen_.StyleOf(id), {}};
         run.colors = colors_.Of(*run.style);
-        if (selected)
-            run.colors = {colors_.Role(PaletteRole::SelectionText), colors_.Role(PaletteRole::Selection),
-                          colors_.Role(PaletteRole::SelectionText)};
-        if (look.blinkHidden && (run.style->attributes & emu::Attr::Blink) != 0)
+        if (mark == TextMark::Selected)
+            run.colors = colors_.Selected(run.colors);
+        else if (mark != TextMark::None)
+            run.colors = colors_.Found(run.colors, mark == TextMark::Current);
+        const bool dark = look.blinkHidden && (run.style->attributes & emu::Attr::Blink) != 0;
+        if (dark || (run.style->attributes & emu::Attr::Invisible) != 0)
             run.colors.foreground = run.colors.underline = run.colors.background;
         runs_.push_back(run);
         first = last;
@@ -125,13 +167,15 @@ void RowPainter::CollectRuns(const emu::RowView& view, const RowLook& look)
 
 void RowPainter::PaintRow(QPainter& painter, int row, int x, int y, const RowLook& look)
 {
-    const emu::RowView view = screen_.Row(row);
+    const emu::RowView counted = screen_.Row(row);
+    const RowOrder order(screen_, counted);
+    const emu::RowView view = InShownOrder(counted, order);
     const int width = screen_.ScreenSize().cols * font_.CellWidth();
     painter.save();
     painter.setClipRect(QRect(x, y, width, font_.CellHeight()), Qt::IntersectClip);
     if (view.size != emu::LineSize::Normal)
         Magnify(painter, view.size, x, y, font_.CellHeight());
-    CollectRuns(view, look);
+    CollectRuns(view, order, look);
     // All backgrounds first: a glyph may lean over into the next run.
     for (const Run& run : runs_)
         PaintBackground(painter, run, x, y);
@@ -159,15 +203,17 @@ void RowPainter::PaintGlyphs(QPainter& painter, const emu::RowView& view, const 
         if (IsBlank(cell))
             continue;
         const bool wide = (cell.flags & emu::Cell::Wide) != 0;
-        const bool simple = !wide && (cell.text & emu::Cell::ClusterBit) == 0 && !IsBoxCharacter(cell.text);
+        const Joints joints = arranged_ ? JointsAt(view, col) : Joints{};
+        const bool simple = !wide && (cell.text & emu::Cell::ClusterBit) == 0 && !IsDrawnCharacter(cell.text) &&
+                            !joints.before && !joints.after;
         const quint32 glyph = simple ? font_.GlyphOf(variant, cell.text) : 0;
         const int left = x + col * font_.CellWidth();
         if (glyph != 0) {
             glyphs_.push_back(glyph);
             places_.push_back(QPointF(left, y + font_.Ascent()));
         } else {
-            PaintOddCell(painter, cell, {left, y, font_.CellWidth() * (wide ? 2 : 1), font_.CellHeight()}, variant,
-                         run.colors.foreground);
+            PaintOddCell(painter, cell, joints, {left, y, font_.CellWidth() * (wide ? 2 : 1), font_.CellHeight()},
+                         variant, run.colors.foreground);
         }
     }
     FlushGlyphs(painter, variant, run.colors.foreground);
@@ -187,13 +233,18 @@ void RowPainter::FlushGlyphs(QPainter& painter, int variant, QRgb color)
 }
 
 // Characters of other fonts: in the middle of their cells, made smaller when they are wider.
-void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, const QRect& where, int variant, QRgb color)
+void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints joints, const QRect& where, int variant,
+                              QRgb color)
 {
-    if ((cell.text & emu::Cell::ClusterBit) == 0 && IsBoxCharacter(cell.text)) {
-        DrawBoxCharacter(painter, cell.text, where, QColor(color));
+    if ((cell.text & emu::Cell::ClusterBit) == 0 && IsDrawnCharacter(cell.text)) {
+        DrawCharacter(painter, cell.text, where, QColor(color));
         return;
     }
-    QTextLayout layout(TextOfCell(screen_, cell), font_.Font(variant));
+    // A joiner beside a letter gives it the form that it has inside a word.
+    const QString joiner{QChar(kJoiner)};
+    const QString text = TextOfCell(screen_, cell);
+    QTextLayout layout((joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString()),
+                       IsEmoji(cell, text) ? font_.EmojiFont() : font_.Font(variant));
     layout.beginLayout();
     QTextLine line = layout.createLine();
     layout.endLayout();
@@ -223,29 +274,57 @@ void RowPainter::PaintLines(QPainter& painter, const Run& run, int x, int y) con
         painter.fillRect(line.left(), y, line.width(), line.height(), QColor(run.colors.foreground));
 }
 
-void RowPainter::PaintCell(QPainter& painter, int row, int col, int x, int y, QRgb foreground, QRgb background)
+// Text of cursive scripts runs to the left: the letter before stands to the right.
+Joints RowPainter::JointsAt(const emu::RowView& view, int col) const
+{
+    const auto pointAt = [&](int at) {
+        return at >= 0 && at < int(view.cells.size()) ? FirstPoint(screen_, view.cells[size_t(at)]) : U' ';
+    };
+    return JointsOf(pointAt(col + 1), pointAt(col), pointAt(col - 1));
+}
+
+CellColors RowPainter::ColorsAt(int row, int col) const
 {
     const emu::RowView view = screen_.Row(row);
     const bool written = col < int(view.cells.size());
-    const emu::Cell cell = written ? view.cells[size_t(col)] : emu::Cell{};
-    const int width = (cell.flags & emu::Cell::Wide) != 0 ? 2 : 1;
-    Run run{col, col + width, &screen_.StyleOf(cell.style), {foreground, background, foreground}};
-    PaintBackground(painter, run, x, y);
-    PaintGlyphs(painter, view, run, x, y);
-    PaintLines(painter, run, x, y);
+    return colors_.Of(screen_.StyleOf(written ? view.cells[size_t(col)].style : emu::StyleId(0)));
 }
 
-int RowPainter::PaintText(QPainter& painter, const QString& text, int x, int y, QRgb foreground, QRgb background)
+void RowPainter::PaintCursorCell(QPainter& painter, int row, int col, int x, int y)
+{
+    const emu::RowView counted = screen_.Row(row);
+    const RowOrder order(screen_, counted);
+    const emu::RowView view = InShownOrder(counted, order);
+    const int shown = order.ColumnShown(col);
+    const bool written = shown < int(view.cells.size());
+    const emu::Cell cell = written ? view.cells[size_t(shown)] : emu::Cell{};
+    const int width = (cell.flags & emu::Cell::Wide) != 0 ? 2 : 1;
+    Run run{shown, shown + width, &screen_.StyleOf(cell.style), colors_.Cursor(ColorsAt(row, col))};
+    painter.save();
+    if (view.size != emu::LineSize::Normal) {
+        painter.setClipRect(QRect(x, y, screen_.ScreenSize().cols * font_.CellWidth(), font_.CellHeight()));
+        Magnify(painter, view.size, x, y, font_.CellHeight());
+    }
+    PaintBackground(painter, run, x, y);
+    if ((run.style->attributes & emu::Attr::Invisible) == 0) {
+        PaintGlyphs(painter, view, run, x, y);
+        PaintLines(painter, run, x, y);
+    }
+    painter.restore();
+}
+
+void RowPainter::PaintText(QPainter& painter, const QString& text, int x, int y, int rightEdge, QRgb foreground,
+                           QRgb background)
 {
     const double natural = QFontMetricsF(font_.Font(0)).horizontalAdvance(text);
     const int cells = std::max(1, int(std::ceil(natural / font_.CellWidth() - 0.01)));
     const int width = cells * font_.CellWidth();
+    x = std::max(0, std::min(x, rightEdge - width));
     painter.fillRect(x, y, width, font_.CellHeight(), QColor(background));
     painter.setFont(font_.Font(0));
     painter.setPen(QColor(foreground));
     painter.drawText(QPointF(x, y + font_.Ascent()), text);
     painter.fillRect(x, y + font_.UnderlineTop(), width, font_.LineWidth(), QColor(foreground));
-    return width;
 }
 
 } // namespace kestrune

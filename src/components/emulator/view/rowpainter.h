@@ -5,6 +5,8 @@
 
 #include "colorscheme.h"
 #include "gridfont.h"
+#include "roworder.h"
+#include "textsearch.h"
 
 #include <emulator/engine/terminal.h>
 
@@ -18,7 +20,8 @@ struct RowLook
 {
     int selectedFirst = 0; // columns first to one past the last are selected
     int selectedLast = 0;
-    bool blinkHidden = false; // blinking text is in its dark phase
+    std::vector<TextSearch::Span> found; // by a search
+    bool blinkHidden = false;            // blinking text is in its dark phase
 };
 
 class RowPainter
@@ -30,10 +33,13 @@ public:
 
     // The upper left corner of the row at x, y.
     void PaintRow(QPainter& painter, int row, int x, int y, const RowLook& look);
-    // One cell in colours of its own: a block cursor.
-    void PaintCell(QPainter& painter, int row, int col, int x, int y, QRgb foreground, QRgb background);
-    // Text that is not on the screen: what an input method is composing. Returns its width in pixels.
-    int PaintText(QPainter& painter, const QString& text, int x, int y, QRgb foreground, QRgb background);
+    // One cell in the colours of a block cursor.
+    void PaintCursorCell(QPainter& painter, int row, int col, int x, int y);
+    CellColors ColorsAt(int row, int col) const;
+    // Text that is not on the screen: what an input method is composing. It stands further left when it would
+    // pass rightEdge.
+    void PaintText(QPainter& painter, const QString& text, int x, int y, int rightEdge, QRgb foreground,
+                   QRgb background);
     bool HasBlink(int row) const;
 
 private:
@@ -45,16 +51,21 @@ private:
         CellColors colors;
     };
 
-    void CollectRuns(const emu::RowView& view, const RowLook& look);
+    emu::RowView InShownOrder(const emu::RowView& view, const RowOrder& order);
+    void CollectRuns(const emu::RowView& view, const RowOrder& order, const RowLook& look);
     void PaintBackground(QPainter& painter, const Run& run, int x, int y) const;
     void PaintGlyphs(QPainter& painter, const emu::RowView& view, const Run& run, int x, int y);
     void PaintLines(QPainter& painter, const Run& run, int x, int y) const;
-    void PaintOddCell(QPainter& painter, const emu::Cell& cell, const QRect& where, int variant, QRgb color);
+    void PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints joints, const QRect& where, int variant,
+                      QRgb color);
+    Joints JointsAt(const emu::RowView& view, int col) const;
     void FlushGlyphs(QPainter& painter, int variant, QRgb color);
 
     const emu::Terminal& screen_;
     GridFont& font_;
     const ColorScheme& colors_;
+    bool arranged_ = false; // the row at hand has text that runs to the left
+    std::vector<emu::Cell> arrangedCells_;
     std::vector<Run> runs_; // kept, so that painting a row allocates nothing
     QVector<quint32> glyphs_;
     QVector<QPointF> places_;

@@ -1,5 +1,7 @@
 #include "screencanvas.h"
 
+#include "contrast.h"
+
 #include <QGuiApplication>
 #include <QStyleHints>
 
@@ -109,21 +111,57 @@ QSize ScreenCanvas::SizeFor(int cols, int rows) const
     return {int(std::ceil(pixels.width() / ratio_)), int(std::ceil(pixels.height() / ratio_))};
 }
 
-QPointF ScreenCanvas::DevicePosition(QPointF position) const { return position * ratio_ - QPointF(Margin(), Margin()); }
-
-QRect ScreenCanvas::CellRect(int col, int row) const
+QRect ScreenCanvas::DeviceCell(int col, int row) const
 {
-    const int line = row + emulator_.RowsBack();
-    const QRectF device(Margin() + col * font_->CellWidth(), Margin() + line * font_->CellHeight(), font_->CellWidth(),
-                        font_->CellHeight());
-    return QRectF(device.topLeft() / ratio_, device.size() / ratio_).toAlignedRect();
+    const RowShape shape = ShapeOf(row);
+    const int width = font_->CellWidth() * shape.scale;
+    return {Margin() + shape.order.ColumnShown(col) * width,
+            Margin() + (row + emulator_.RowsBack()) * font_->CellHeight(), width, font_->CellHeight()};
 }
 
-QRect ScreenCanvas::CursorRect() const
+QRect ScreenCanvas::FromDevice(const QRect& rect) const
+{
+    return QRectF(QPointF(rect.topLeft()) / ratio_, QSizeF(rect.size()) / ratio_).toAlignedRect();
+}
+
+QRect ScreenCanvas::CellRect(int col, int row) const { return FromDevice(DeviceCell(col, row)); }
+
+ScreenCanvas::RowShape ScreenCanvas::ShapeOf(int row) const
+{
+    const emu::Terminal& screen = emulator_.Screen();
+    if (row < -screen.HistoryCount() || row >= screen.ScreenSize().rows)
+        return {RowOrder(screen, {}), 1};
+    const emu::RowView view = screen.Row(row);
+    return {RowOrder(screen, view), view.size == emu::LineSize::Normal ? 1 : 2};
+}
+
+TextPlace ScreenCanvas::PlaceAt(QPointF position) const
+{
+    const auto [cols, rows] = emulator_.Screen().ScreenSize();
+    const QPointF device = position * ratio_ - QPointF(Margin(), Margin());
+    const int line = std::clamp(int(std::floor(device.y() / CellHeight())), 0, rows - 1);
+    TextPlace place;
+    place.row = line - emulator_.RowsBack();
+    const RowShape shape = ShapeOf(place.row);
+    const double column = device.x() / CellWidth() / shape.scale;
+    const int shown = std::clamp(int(std::floor(column)), 0, cols - 1);
+    place.cell = shape.order.ColumnCounted(shown);
+    const bool leftHalf = column - shown < 0.5;
+    place.boundary = place.cell + (leftHalf == shape.order.RunsLeft(place.cell) ? 1 : 0);
+    return place;
+}
+
+QRect ScreenCanvas::CursorCell() const
 {
     const auto at = emulator_.Screen().Cursor();
-    return CellRect(at.col, at.row);
+    QRect cell = DeviceCell(at.col, at.row);
+    const auto cells = emulator_.Screen().Row(at.row).cells;
+    if (at.col < int(cells.size()) && (cells[size_t(at.col)].flags & emu::Cell::Wide) != 0)
+        cell.setWidth(2 * cell.width());
+    return cell;
 }
+
+QRect ScreenCanvas::CursorRect() const { return FromDevice(CursorCell()); }
 
 QRect ScreenCanvas::LineRect(int line) const
 {
@@ -164,6 +202,8 @@ RowLook ScreenCanvas::LookOf(int line) const
         look.selectedFirst = columns.first;
         look.selectedLast = columns.last;
     }
+    if (marks_)
+        look.found = marks_(row);
     return look;
 }
 
@@ -173,7 +213,7 @@ bool ScreenCanvas::IsStale(int line) const
     const RowLook look = LookOf(line);
     return was.generation != emulator_.Screen().Row(line - emulator_.RowsBack()).generation ||
            was.selectedFirst != look.selectedFirst || was.selectedLast != look.selectedLast ||
-           (was.hasBlink && was.blinkHidden != blinkHidden_);
+           was.found != look.found || (was.hasBlink && was.blinkHidden != blinkHidden_);
 }
 
 void ScreenCanvas::Frame()
@@ -202,10 +242,27 @@ void ScreenCanvas::Frame()
         host_.update(paintedCursor_.where);
         host_.update(cursor.where);
     }
-    if (emulator_.RowsBack() != paintedBack_)
-        host_.update();
+    if (std::exchange(shownBack_, emulator_.RowsBack()) != emulator_.RowsBack())
+        host_.update(); // the sign that says so, too
     KeepBlinking();
     frameShown_();
+}
+
+void ScreenCanvas::MarksChanged()
+{
+    for (int line = 0; line < int(painted_.size()); ++line)
+        if (painted_[size_t(line)].found != marks_(line - emulator_.RowsBack()))
+            host_.update(LineRect(line));
+}
+
+void ScreenCanvas::SetLink(std::vector<LinkSpan> spans)
+{
+    if (spans == link_)
+        return;
+    std::swap(spans, link_);
+    for (const auto* changed : {&spans, &link_})
+        for (const LinkSpan& span : *changed)
+            host_.update(LineRect(span.row + emulator_.RowsBack()));
 }
 
 void ScreenCanvas::Invalidate()
@@ -300,9 +357,9 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     for (int line = first; line <= last; ++line)
         if (region.intersects(LineRect(line)))
             PaintLine(painter, rowPainter, line);
+    PaintLink(painter);
     PaintCursor(painter, rowPainter);
     PaintSigns(painter);
-    paintedBack_ = emulator_.RowsBack();
 }
 
 void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
@@ -310,8 +367,22 @@ void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
     const int row = line - emulator_.RowsBack();
     const RowLook look = LookOf(line);
     rows.PaintRow(painter, row, Margin(), Margin() + line * font_->CellHeight(), look);
-    painted_[size_t(line)] = {emulator_.Screen().Row(row).generation, look.selectedFirst, look.selectedLast,
-                              blinkHidden_, rows.HasBlink(row)};
+    painted_[size_t(line)] = {emulator_.Screen().Row(row).generation,
+                              look.selectedFirst,
+                              look.selectedLast,
+                              look.found,
+                              blinkHidden_,
+                              rows.HasBlink(row)};
+}
+
+void ScreenCanvas::PaintLink(QPainter& painter) const
+{
+    for (const LinkSpan& span : link_)
+        for (int column = span.first; column < span.last; ++column) {
+            const QRect cell = DeviceCell(column, span.row);
+            painter.fillRect(cell.left(), cell.top() + font_->UnderlineTop(), cell.width(), font_->LineWidth(),
+                             QColor(scheme_.Role(PaletteRole::Cursor)));
+        }
 }
 
 bool ScreenCanvas::CursorShown() const
@@ -326,34 +397,34 @@ void ScreenCanvas::PaintCursor(QPainter& painter, RowPainter& rows)
     const emu::Position at = screen.Cursor();
     const emu::CursorShape shape = screen.Modes().cursor;
     paintedCursor_ = {CursorShown() ? CursorRect() : QRect(), shape};
-    const int x = Margin() + at.col * font_->CellWidth();
-    const int y = Margin() + (at.row + emulator_.RowsBack()) * font_->CellHeight();
+    const QRect cell = CursorCell();
     if (!preedit_.isEmpty()) {
-        rows.PaintText(painter, preedit_, x, y, scheme_.Role(PaletteRole::Foreground),
-                       scheme_.Role(PaletteRole::Selection));
+        const QRgb paper = scheme_.Role(PaletteRole::Selection);
+        rows.PaintText(painter, preedit_, cell.left(), cell.top(), Margin() + GridPixels(screen.ScreenSize()).width(),
+                       LegibleOn(paper, scheme_.Role(PaletteRole::Foreground)), paper);
         return;
     }
     if (!CursorShown())
         return;
-    const QColor color(scheme_.Role(PaletteRole::Cursor));
-    const QRect cell(x, y, font_->CellWidth(), font_->CellHeight());
+    const QColor color(scheme_.Cursor(rows.ColorsAt(at.row, at.col)).background);
+    const int line = font_->LineWidth();
     if (!host_.hasFocus()) { // an outline: keys go elsewhere
-        painter.fillRect(cell.left(), cell.top(), cell.width(), font_->LineWidth(), color);
-        painter.fillRect(cell.left(), cell.bottom() + 1 - font_->LineWidth(), cell.width(), font_->LineWidth(), color);
-        painter.fillRect(cell.left(), cell.top(), font_->LineWidth(), cell.height(), color);
-        painter.fillRect(cell.right() + 1 - font_->LineWidth(), cell.top(), font_->LineWidth(), cell.height(), color);
+        for (const QRect& edge : {QRect(cell.left(), cell.top(), cell.width(), line),
+                                  QRect(cell.left(), cell.bottom() + 1 - line, cell.width(), line),
+                                  QRect(cell.left(), cell.top(), line, cell.height()),
+                                  QRect(cell.right() + 1 - line, cell.top(), line, cell.height())})
+            painter.fillRect(edge, color);
     } else if (!(Blinks(shape) && blinkHidden_)) {
         if (Steady(shape) == emu::CursorShape::Block)
-            rows.PaintCell(painter, at.row, at.col, Margin(), y, scheme_.Role(PaletteRole::CursorText), color.rgb());
+            rows.PaintCursorCell(painter, at.row, at.col, Margin(), cell.top());
         else
-            PaintBar(painter, cell, Steady(shape));
+            PaintBar(painter, cell, Steady(shape), color);
     }
 }
 
-void ScreenCanvas::PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape) const
+void ScreenCanvas::PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape, const QColor& color) const
 {
     const int width = std::max(2, int(std::lround(1.5 * ratio_)));
-    const QColor color(scheme_.Role(PaletteRole::Cursor));
     if (shape == emu::CursorShape::Bar)
         painter.fillRect(cell.left(), cell.top(), width, cell.height(), color);
     else

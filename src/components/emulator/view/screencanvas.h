@@ -5,7 +5,10 @@
 
 #include "colorscheme.h"
 #include "gridfont.h"
+#include "links.h"
+#include "roworder.h"
 #include "rowpainter.h"
+#include "selectiongesture.h"
 
 #include <emulator/control/ctlemulator.h>
 
@@ -33,6 +36,10 @@ public:
     void Flash();                       // the visible bell
     void ShowSign(const QString& text); // a line over the text that goes by itself
     void SetPreedit(const QString& text);
+    using Marks = std::function<std::vector<TextSearch::Span>(int row)>;
+    void SetMarks(Marks marks) { marks_ = std::move(marks); } // what a search has found
+    void MarksChanged();
+    void SetLink(std::vector<LinkSpan> spans); // underlined; empty: none
     void SetZoom(double points);
     double Points() const;
 
@@ -44,7 +51,7 @@ public:
     QSize GridPixels(emu::Size grid) const; // device pixels
     QRect CellRect(int col, int row) const;
     QRect CursorRect() const;
-    QPointF DevicePosition(QPointF position) const;        // from the grid's corner
+    TextPlace PlaceAt(QPointF position) const;             // the nearest one
     int CellWidth() const { return font_->CellWidth(); }   // device pixels
     int CellHeight() const { return font_->CellHeight(); } // device pixels
     QFont Font() const;
@@ -57,6 +64,7 @@ private:
         uint64_t generation = 0;
         int selectedFirst = 0;
         int selectedLast = 0;
+        std::vector<TextSearch::Span> found;
         bool blinkHidden = false;
         bool hasBlink = false;
     };
@@ -67,6 +75,16 @@ private:
         bool operator==(const PaintedCursor&) const = default;
     };
 
+    struct RowShape
+    {
+        RowOrder order;
+        int scale; // cells of a column: 2 in rows of double width
+    };
+
+    RowShape ShapeOf(int row) const;
+    QRect DeviceCell(int col, int row) const;
+    QRect CursorCell() const; // device pixels; all of a wide character
+    QRect FromDevice(const QRect& rect) const;
     void RebuildFont();
     void Frame();
     void Invalidate();
@@ -79,7 +97,8 @@ private:
     bool CursorShown() const;
     void PaintLine(QPainter& painter, RowPainter& rows, int line);
     void PaintCursor(QPainter& painter, RowPainter& rows);
-    void PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape) const;
+    void PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape, const QColor& color) const;
+    void PaintLink(QPainter& painter) const;
     void PaintSigns(QPainter& painter) const;
     void PaintSign(QPainter& painter, const QString& text, Qt::Edge edge) const;
     int Margin() const; // device pixels
@@ -93,12 +112,14 @@ private:
     double zoom_ = 0;  // points more than the settings say
     std::vector<PaintedRow> painted_;
     PaintedCursor paintedCursor_;
-    int paintedBack_ = 0;
+    int shownBack_ = 0;
     bool echoExpected_ = false;
     bool blinkHidden_ = false;
     bool flashing_ = false;
     QString sign_;
     QString preedit_;
+    Marks marks_;
+    std::vector<LinkSpan> link_;
     QElapsedTimer sinceFrame_;
     QElapsedTimer held_; // since the host began a synchronised update
     QTimer frame_;

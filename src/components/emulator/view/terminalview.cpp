@@ -1,11 +1,17 @@
 #include "terminalview.h"
 
+#include "droppedtext.h"
+#include "finder.h"
 #include "keymap.h"
 #include "pointerinput.h"
 #include "screencanvas.h"
+#include "terminalaccess.h"
 
+#include <QAccessible>
 #include <QContextMenuEvent>
+#include <QDragEnterEvent>
 #include <QInputMethodEvent>
+#include <QMimeData>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
@@ -21,6 +27,7 @@ namespace {
 
 constexpr int kBarWidth = 12;
 constexpr int kSettleMilliseconds = 60; // a window that is being dragged has settled when no resize came for this
+constexpr int kSettled = 1000;          // after it was shown
 constexpr int kQuietBell = 250;         // bells closer than this are one
 
 } // namespace
@@ -29,10 +36,14 @@ class TerminalView::Parts
 {
 public:
     Parts(ctlEmulator& emulator, TerminalView& view, std::function<void()> frameShown)
-        : canvas(emulator, view, std::move(frameShown)), pointer(emulator, view, canvas), bar(&view)
+        : canvas(emulator, view, std::move(frameShown)),
+          pointer(emulator, view, canvas,
+                  [&view](const QString& target) { emit view.LinkActivated(target, UseOf(target) == LinkUse::Ask); }),
+          bar(&view), finder(emulator, view, [this] { canvas.MarksChanged(); }), announcer(view)
     {
         bar.setCursor(Qt::ArrowCursor);
         bar.setFocusPolicy(Qt::NoFocus);
+        canvas.SetMarks([this](int row) { return finder.SpansOf(row); });
         settle.setSingleShot(true);
         settle.setInterval(kSettleMilliseconds);
     }
@@ -56,19 +67,27 @@ public:
     ScreenCanvas canvas;
     PointerInput pointer;
     QScrollBar bar;
+    Finder finder;
+    ScreenAnnouncer announcer;
     QTimer settle;
+    QElapsedTimer sinceShown;
     QElapsedTimer sinceBell;
 };
 
 TerminalView::TerminalView(ctlEmulator& emulator, QWidget* parent) : QWidget(parent), emulator_(emulator)
 {
+    InstallTerminalAccess();
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::IBeamCursor);
+    setAcceptDrops(true);
     parts_ = std::make_unique<Parts>(emulator, *this, [this] {
         UpdateScrollBar();
         parts_->pointer.FollowModes();
+        parts_->finder.ScreenShown();
+        if (QAccessible::isActive())
+            parts_->announcer.FrameShown();
         if (hasFocus())
             updateMicroFocus();
     });
@@ -135,12 +154,19 @@ void TerminalView::ApplyGrid()
 void TerminalView::resizeEvent(QResizeEvent*)
 {
     parts_->bar.setGeometry(width() - kBarWidth, 0, kBarWidth, height());
+    parts_->finder.KeepPlace(width() - kBarWidth);
+    // One resize is a window that finds its place; more of them come from someone who drags its edge.
+    if (parts_->settle.isActive() && parts_->sinceShown.isValid() && parts_->sinceShown.elapsed() > kSettled) {
+        const emu::Size grid = parts_->canvas.FitInto(size() - QSize(kBarWidth, 0));
+        parts_->canvas.ShowSign(tr("%1 × %2").arg(grid.cols).arg(grid.rows));
+    }
     parts_->settle.start();
 }
 
 void TerminalView::showEvent(QShowEvent*)
 {
     emulator_.SetHwnd(effectiveWinId());
+    parts_->sinceShown.start();
     ApplyGrid();
     UpdateScrollBar();
 }
@@ -176,7 +202,8 @@ enum class ViewKey
     Bottom,
     Larger,
     Smaller,
-    UsualSize
+    UsualSize,
+    Find
 };
 
 struct ViewKeyRow
@@ -200,6 +227,7 @@ const std::array kViewKeys{
     ViewKeyRow{Qt::Key_Equal, Qt::ControlModifier, ViewKey::Larger},
     ViewKeyRow{Qt::Key_Minus, Qt::ControlModifier, ViewKey::Smaller},
     ViewKeyRow{Qt::Key_0, Qt::ControlModifier, ViewKey::UsualSize},
+    ViewKeyRow{Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier, ViewKey::Find},
 };
 
 } // namespace
@@ -240,6 +268,9 @@ bool TerminalView::RunViewKey(const QKeyEvent& event, int code)
     case ViewKey::UsualSize:
         Zoom(0);
         break;
+    case ViewKey::Find:
+        Find();
+        break;
     }
     return true;
 }
@@ -254,11 +285,24 @@ bool TerminalView::event(QEvent* event)
             return true;
         }
     }
+    if (event->type() == QEvent::ToolTip) {
+        if (!parts_->pointer.ShowTip(static_cast<QHelpEvent&>(*event)))
+            event->ignore();
+        return true;
+    }
     return QWidget::event(event);
+}
+
+void TerminalView::Find()
+{
+    parts_->finder.Open();
+    parts_->finder.KeepPlace(width() - kBarWidth);
 }
 
 void TerminalView::keyPressEvent(QKeyEvent* event)
 {
+    if (event->key() == Qt::Key_Control)
+        parts_->pointer.ControlKey(true);
     const auto mapped = MapKey(*event);
     if (!mapped) {
         event->ignore();
@@ -277,7 +321,12 @@ void TerminalView::keyPressEvent(QKeyEvent* event)
         emulator_.TypeKey(mapped->press, mapped->code);
 }
 
-void TerminalView::keyReleaseEvent(QKeyEvent* event) { event->ignore(); }
+void TerminalView::keyReleaseEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Control)
+        parts_->pointer.ControlKey(false);
+    event->ignore();
+}
 
 bool TerminalView::focusNextPrevChild(bool) { return false; } // Tab is the host's
 
@@ -297,6 +346,10 @@ QVariant TerminalView::inputMethodQuery(Qt::InputMethodQuery query) const
         return true;
     case Qt::ImCursorRectangle:
         return parts_->canvas.CursorRect();
+    case Qt::ImAnchorRectangle:
+        return parts_->canvas.CursorRect();
+    case Qt::ImCurrentSelection:
+        return emulator_.Selection();
     case Qt::ImFont:
         return parts_->canvas.Font();
     case Qt::ImHints:
@@ -324,6 +377,23 @@ void TerminalView::contextMenuEvent(QContextMenuEvent* event)
         parts_->pointer.OpenMenu(mapToGlobal(parts_->canvas.CursorRect().bottomLeft()));
 }
 
+// --- drop
+
+void TerminalView::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls() || event->mimeData()->hasText())
+        event->acceptProposedAction();
+}
+
+void TerminalView::dropEvent(QDropEvent* event)
+{
+    const QMimeData& dropped = *event->mimeData();
+    event->setDropAction(Qt::CopyAction); // nothing is taken away from where it came from
+    event->accept();
+    setFocus(Qt::MouseFocusReason);
+    emulator_.PasteDropped(dropped.hasUrls() ? TextOfDroppedUrls(dropped.urls()) : dropped.text());
+}
+
 void TerminalView::focusInEvent(QFocusEvent*)
 {
     emulator_.SendFocus(true);
@@ -333,6 +403,8 @@ void TerminalView::focusInEvent(QFocusEvent*)
 void TerminalView::focusOutEvent(QFocusEvent*)
 {
     emulator_.SendFocus(false);
+    parts_->canvas.SetPreedit({});
+    parts_->pointer.ControlKey(false); // its release goes elsewhere
     parts_->canvas.FocusChanged();
 }
 

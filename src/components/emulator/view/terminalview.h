@@ -6,8 +6,8 @@
 // All keys belong to the host but these, and each of them only while no text is given to it in the settings'
 // function keys: Ctrl+Tab (the window's), Shift+Ins and Ctrl+Shift+V paste, Ctrl+Ins and Ctrl+Shift+C copy,
 // Shift+PgUp, Shift+PgDn, Ctrl+Shift+Home and Ctrl+Shift+End history, Ctrl and plus, minus or 0 the size of the
-// text, the menu key. Shortcuts of actions in the window come first, so the menus decide about every other key;
-// Alt and a letter never opens a menu.
+// text, Ctrl+Shift+F find, the menu key. Shortcuts of actions in the window come first, so the menus decide about every
+// other key; Alt and a letter never opens a menu.
 
 #include <emulator/control/ctlemulator.h>
 
@@ -30,6 +30,11 @@ public:
     QSize SizeForGrid(int cols, int rows) const; // pixels, margins and scroll bar included
     void Zoom(int steps);                        // points; 0: back to the size of the settings
     QRect CellRect(int col, int row) const;      // of a row as it is shown now, widget coordinates
+    void Find();                                 // opens the bar
+
+signals:
+    // The user has asked for a link by Ctrl and a click. mustAsk: show the target and ask before it is opened.
+    void LinkActivated(const QString& target, bool mustAsk);
 
 protected:
     bool event(QEvent* event) override;
@@ -44,6 +49,8 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;

@@ -1,0 +1,67 @@
+#pragma once
+
+// The daemon of inetutils, started for each caller by socat, with a script in place of the login.
+
+#include "linerig.h"
+
+#include <QFile>
+#include <QHostAddress>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+
+namespace kestrune {
+
+class TelnetServer
+{
+public:
+    explicit TelnetServer(const char* script)
+    {
+        QFile login(folder_.filePath(QStringLiteral("login")));
+        EXPECT_TRUE(login.open(QIODevice::WriteOnly));
+        login.write(script);
+        login.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QTcpServer free;
+        free.listen(QHostAddress::LocalHost);
+        port_ = free.serverPort();
+        free.close();
+        process_.start(QStringLiteral("timeout"),
+                       {QStringLiteral("-k"), QStringLiteral("1"), QStringLiteral("90"), QStringLiteral("socat"),
+                        QStringLiteral("TCP-LISTEN:%1,bind=127.0.0.1,reuseaddr,fork").arg(port_),
+                        QStringLiteral("EXEC:/usr/sbin/telnetd -h --accept-env=USER --exec-login=%1,nofork")
+                            .arg(login.fileName())});
+    }
+    ~TelnetServer() { Kill(); }
+    void Kill()
+    {
+        process_.terminate(); // timeout passes it on to all of its group
+        process_.waitForFinished();
+    }
+    bool Answers()
+    {
+        return WaitUntil([this] {
+            QTcpSocket caller;
+            caller.connectToHost(QHostAddress::LocalHost, port_);
+            return caller.waitForConnected(200);
+        });
+    }
+    LineOptions Options() const
+    {
+        LineOptions options;
+        options.device = Device::Telnet;
+        options.hostName = QStringLiteral("localhost");
+        options.hostPort = QString::number(port_);
+        options.terminalName = QStringLiteral("vt220");
+        options.userName = "ann";
+        options.size = {.cols = 255, .rows = 40};
+        return options;
+    }
+
+private:
+    QTemporaryDir folder_;
+    QProcess process_;
+    quint16 port_ = 0;
+};
+
+} // namespace kestrune
