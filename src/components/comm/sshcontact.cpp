@@ -38,6 +38,7 @@ SshContact::SshContact(SshMailbox& mail, const LineOptions& options, const SshTa
     if (!session_)
         Fail(LineErrorNumber::NoBufferSpace, Say("The system has no room for another connection."));
     ssh_set_blocking(session_.get(), 0);
+    ssh_set_counters(session_.get(), nullptr, &counter_);
     SetText(SSH_OPTIONS_SSH_DIR, QDir::homePath() + u"/.ssh"_s);
     SetText(SSH_OPTIONS_HOST, target.host);
     if (!target.user.isEmpty())

@@ -75,6 +75,9 @@ public:
     [[noreturn]] void Fail(quint16 number, const QString& text) const;
     QString Reason() const; // the library's words for what failed last
     bool IsLost() const;    // the host has gone
+    // Counts what the host has said. Any call of the library may take in more of it than it was asked for; only who
+    // sees the same count before and after all his work may sleep.
+    quint64 Heard() const { return counter_.in_packets; }
     [[noreturn]] void FailAsLost() const;
 
 private:
@@ -83,6 +86,7 @@ private:
 
     SshMailbox& mail_;
     const LineOptions& options_;
+    ssh_counter_struct counter_{}; // the library's to write
     SshSessionHandle session_;
     QString host_;
     int port_ = 22;

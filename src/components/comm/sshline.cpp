@@ -1,7 +1,6 @@
 #include "sshline.h"
 
 #include "hostaddress.h"
-#include "proxylogin.h"
 #include "sshconversation.h"
 #include <comm/sshtarget.h>
 
@@ -76,17 +75,8 @@ void SshLine::SshDial(const QString& host, quint16 port)
 
 void SshLine::TcpWantsProxyLogin(const QString& proxy, bool again)
 {
-    if (proxyLogins_++ == MostProxyLogins) {
-        Fail(LineErrorNumber::AccessDenied,
-             tr("Unable to connect to %1: the proxy %2 refuses this name and password.").arg(host_, proxy));
-        return;
-    }
-    const QString& user = Options().proxy.user;
-    Ask(ProxyLoginQuestion(proxy, host_, user, again), [this, user](LineAnswer answer) {
-        if (auto login = ProxyLoginFrom(std::move(answer), user))
-            connector_->Retry(login->user, std::move(login->password));
-        else
-            Close();
+    AskProxyLogin(proxy, host_, again, [this](const QString& user, Secret password) {
+        connector_->Retry(user, std::move(password));
     });
 }
 

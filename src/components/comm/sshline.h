@@ -50,7 +50,6 @@ private:
 
     std::unique_ptr<TcpConnector> connector_; // until there is a socket, which the conversation gets
     QString host_;
-    int proxyLogins_ = 0;
     std::shared_ptr<SshMailbox> mail_; // shared with the conversation
     std::unique_ptr<Clock::Timer> connectLimit_;
     std::unique_ptr<Clock::Timer> keepAlive_;

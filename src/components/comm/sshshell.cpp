@@ -150,12 +150,12 @@ SshEnding SshShell::Run()
     ssh_event_add_session(event_.get(), Session());
     ssh_event_add_fd(
         event_.get(), mail.Waker().Descriptor(), POLLIN,
-        [](socket_t, int, void* box) {
-            static_cast<SshMailbox*>(box)->Waker().Clear();
-            return SSH_OK;
-        },
-        &mail);
+        [](socket_t, int, void*) { return SSH_OK; }, nullptr);
     for (;;) {
+        // Here and not when the wake-up is seen: reading and writing look at all that the event waits for too, and
+        // what was typed since Send would lie there until the next key.
+        mail.Waker().Clear();
+        const quint64 heard = contact_.Heard();
         Obey();
         Send();
         while (Receive(false) || Receive(true)) {
@@ -170,7 +170,8 @@ SshEnding SshShell::Run()
                     .signalNumber = signalNumber_};
         if (allRead && contact_.IsLost())
             contact_.FailAsLost();
-        ssh_event_dopoll(event_.get(), -1);
+        if (contact_.Heard() == heard)
+            ssh_event_dopoll(event_.get(), -1);
     }
 }
 

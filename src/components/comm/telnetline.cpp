@@ -1,7 +1,6 @@
 #include "telnetline.h"
 
 #include "hostaddress.h"
-#include "proxylogin.h"
 #include "socketreason.h"
 
 #include <platform/sockets.h>
@@ -110,22 +109,8 @@ void TelnetLine::Begin()
 
 void TelnetLine::TcpWantsProxyLogin(const QString& proxy, bool again)
 {
-    if (proxyLogins_++ == MostProxyLogins) {
-        Fail(LineErrorNumber::AccessDenied,
-             tr("Unable to connect to %1: the proxy %2 refuses this name and password.").arg(host_, proxy));
-        return;
-    }
-    const QString& user = Options().proxy.user;
-    Ask(ProxyLoginQuestion(proxy, host_, user, again), [this, proxy, user](LineAnswer answer) {
-        const bool nobody = answer.choice == LineAnswer::Choice::Nobody;
-        if (auto login = ProxyLoginFrom(std::move(answer), user))
-            connector_->Retry(login->user, std::move(login->password));
-        else if (nobody)
-            Fail(LineErrorNumber::AccessDenied,
-                 tr("Unable to connect to %1: the proxy %2 wants a password, and there is nobody to ask for it.")
-                     .arg(host_, proxy));
-        else
-            Close();
+    AskProxyLogin(proxy, host_, again, [this](const QString& user, Secret password) {
+        connector_->Retry(user, std::move(password));
     });
 }
 
