@@ -40,6 +40,8 @@ public:
     QByteArray user, password; // not empty: who may pass
     QByteArray asked;          // for which host, last
     int refused = 0;           // callers that were not known
+    bool drips = false;        // passes what the host says on byte by byte
+    bool swallows = false;     // passes nothing on any more, and says nothing of it
 
 private:
     static QByteArray Counted(const QByteArray& text) { return char(text.size()) + text; }
@@ -97,10 +99,23 @@ private:
     {
         caller->skip(taken);
         caller->disconnect(&relay.server_);
+        caller->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         auto* host = new QTcpSocket(caller);
         QObject::connect(host, &QAbstractSocket::connected, caller, [caller, granted] { caller->write(granted); });
-        QObject::connect(host, &QIODevice::readyRead, caller, [=] { caller->write(host->readAll()); });
-        QObject::connect(caller, &QIODevice::readyRead, host, [=] { host->write(caller->readAll()); });
+        QObject::connect(host, &QIODevice::readyRead, caller, [=, &relay] {
+            const QByteArray said = host->readAll();
+            if (!relay.swallows && !relay.drips)
+                caller->write(said);
+            for (const char byte : relay.drips ? said : QByteArray()) {
+                caller->write(&byte, 1);
+                caller->flush();
+            }
+        });
+        QObject::connect(caller, &QIODevice::readyRead, host, [=, &relay] {
+            const QByteArray said = caller->readAll();
+            if (!relay.swallows)
+                host->write(said);
+        });
         QObject::connect(host, &QAbstractSocket::disconnected, caller, &QAbstractSocket::disconnectFromHost);
         QObject::connect(caller, &QAbstractSocket::disconnected, host, &QAbstractSocket::disconnectFromHost);
         host->connectToHost(QHostAddress::LocalHost, port);

@@ -285,28 +285,6 @@ TEST(SshPartner, HoldsAFloodBackWhileNobodyReceives)
     EXPECT_TRUE(rig.UntilReceived("through"));
 }
 
-TEST(SshPartner, AgreesWithDropbearAsFarAsItsPassword)
-{
-    const OwnHome home;
-    ASSERT_EQ(QProcess::execute(u"dropbearkey"_s, {u"-t"_s, u"ed25519"_s, u"-f"_s, home.Path(u"hostkey"_s)}), 0);
-    ASSERT_EQ(QProcess::execute(u"ssh-keygen"_s,
-                                {u"-q"_s, u"-t"_s, u"ed25519"_s, u"-N"_s, u""_s, u"-f"_s, home.Path(u"key"_s)}),
-              0);
-    home.Write(u".ssh/authorized_keys"_s, home.Read(u"key.pub"_s));
-    PartnerServer server(u"dropbear"_s, {u"-F"_s, u"-E"_s, u"-r"_s, home.Path(u"hostkey"_s), u"-p"_s, u"127.0.0.1:%1"_s,
-                                         u"-P"_s, QString()});
-    ASSERT_TRUE(server.Answers());
-    LineOptions options;
-    options.device = Device::Ssh;
-    options.hostName = u"nobody-of-this-name@localhost:%1"_s.arg(server.Port());
-    options.ssh.hostKeyValidation = HostKeyValidation::None;
-    LineRig rig(options);
-    rig.onQuestion = Answering({}, Choice::Cancel);
-    ASSERT_TRUE(rig.Opened().UntilClosed());
-    ASSERT_EQ(rig.questions.size(), 1U) << rig.errors.join(u'|').toStdString() << server.Log().data();
-    EXPECT_EQ(rig.questions[0].title, u"SSH login to nobody-of-this-name@localhost:%1"_s.arg(server.Port()));
-}
-
 } // namespace
 
 } // namespace kestrune

@@ -3,6 +3,8 @@
 #include "relay.h"
 #include "sshd.h"
 
+#include <fakes/fakeclock.h>
+
 #include <gtest/gtest.h>
 
 namespace kestrune {
@@ -63,6 +65,49 @@ TEST(SshProxy, AsksForTheProxysPasswordBeforeAnythingOfTheHosts)
         ASSERT_TRUE(cancelled.Opened().UntilClosed());
         EXPECT_EQ(cancelled.errors, QStringList()) << "the user knows";
     }
+}
+
+TEST(SshProxy, TakesWhatTheHostSaysByteByByte)
+{
+    const OwnHome home;
+    Sshd server(home);
+    ASSERT_TRUE(server.Answers());
+    Relay relay;
+    relay.drips = true;
+    LineOptions options = server.Options();
+    options.proxy = relay.Proxy(1);
+    LineRig rig(options);
+    ASSERT_TRUE(rig.Opened().UntilOpen()) << rig.errors.join(u'|').toStdString();
+    rig.Type("stty -echo; seq 1 300; echo e$((1))nd\n");
+    EXPECT_TRUE(rig.UntilReceived("\n299\r\n300\r\ne1nd\r\n"));
+}
+
+// No end, no reset, only silence: what a network does that has lost the way.
+TEST(SshProxy, NoticesAConnectionThatHasBeenSwallowed)
+{
+    const OwnHome home;
+    Sshd server(home);
+    ASSERT_TRUE(server.Answers());
+    Relay relay;
+    LineOptions options = server.Options();
+    options.proxy = relay.Proxy(1);
+    options.ssh.keepAlive = 5;
+    FakeClock clock;
+    LineRig rig(options, clock);
+    ASSERT_TRUE(rig.Opened().UntilOpen()) << rig.errors.join(u'|').toStdString();
+    for (int i = 0; i < 10; ++i) { // a host that answers is not given up
+        const QByteArray mark = "alive" + QByteArray::number(i);
+        clock.Advance(std::chrono::seconds(5));
+        rig.Type("echo '" + mark + "'\n");
+        ASSERT_TRUE(rig.UntilReceived(mark + "\r\n"));
+    }
+    relay.swallows = true;
+    ASSERT_TRUE(rig.Until([&] {
+        clock.Advance(std::chrono::seconds(5));
+        return rig.closed > 0;
+    }));
+    EXPECT_EQ(rig.errorWord, LineErrorWord(Device::Ssh, LineErrorNumber::TimedOut));
+    EXPECT_EQ(rig.errors.join(u' '), u"The connection to localhost was lost: the host does not answer any more."_s);
 }
 
 } // namespace

@@ -21,8 +21,12 @@ LineQuestion ProxyLoginQuestion(const QString& proxy, const QString& host, const
     question.text = again ? ProxyText::tr("The proxy refused the name or the password.")
                           : ProxyText::tr("The proxy %1 wants to know who asks for %2.").arg(proxy, host);
     question.fields = {{.label = ProxyText::tr("User name:"), .echo = true}, {.label = ProxyText::tr("Password:")}};
-    if (!user.isEmpty())
+    question.again = again;
+    if (!user.isEmpty()) {
         question.fields.erase(question.fields.begin());
+        question.fields.front().mayBeRemembered = true;
+        question.place = QStringLiteral("password proxy ") + user + u'@' + proxy;
+    }
     return question;
 }
 

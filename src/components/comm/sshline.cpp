@@ -2,6 +2,7 @@
 
 #include "hostaddress.h"
 #include "sshconversation.h"
+#include <comm/sshforwardlist.h>
 #include <comm/sshtarget.h>
 
 #include <platform/sockets.h>
@@ -36,6 +37,13 @@ void SshLine::Begin()
         Fail(LineErrorNumber::InvalidArgument,
              address.error.isEmpty() ? tr("Unable to connect: \"%1\" is not a user name.").arg(target.user)
                                      : address.error);
+        return;
+    }
+    if (const QString wrong = SshForwardList::From(Options().ssh.forwards).wrong; !wrong.isEmpty()) {
+        Fail(LineErrorNumber::InvalidArgument,
+             tr("Unable to connect: the session's forwarded port \"%1\" is not like L8080:host:80, R2222:host:22 or "
+                "D1080.")
+                 .arg(wrong));
         return;
     }
     mail_ = std::make_shared<SshMailbox>(*this, [this] { Knocked(); });
@@ -96,7 +104,13 @@ void SshLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
         mail_->GiveSocket(copy);
 }
 
-void SshLine::SshState(LineState state, const QString& text) { EnterState(state, text); }
+// Each step on the way has the time that the session gives to a connection.
+void SshLine::SshState(LineState state, const QString& text, const QString& host)
+{
+    host_ = host;
+    ArmConnectLimit();
+    EnterState(state, text);
+}
 
 void SshLine::SshDeviceStatus(const QString& text) { Listener().LineDeviceStatus(text); }
 

@@ -32,7 +32,7 @@ private:
     void LetGo() override;
     void TakeWaiting() override;
     void SshDial(const QString& host, quint16 port) override;
-    void SshState(LineState state, const QString& text) override;
+    void SshState(LineState state, const QString& text, const QString& host) override;
     void SshDeviceStatus(const QString& text) override;
     void SshAsks(const LineQuestion& question) override;
     void SshOpened(const QString& text) override;
