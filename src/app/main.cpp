@@ -12,6 +12,7 @@
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
 #include <platform/backgroundfiles.h>
+#include <platform/endrequests.h>
 #include <platform/eventclock.h>
 #include <platform/eventwaiter.h>
 #include <platform/hive.h>
@@ -35,6 +36,7 @@
 
 #include <bit>
 #include <cstdio>
+#include <functional>
 
 namespace kestrune {
 
@@ -158,6 +160,7 @@ private:
         auto frame = std::make_unique<frmMdiParent>(
             application, frmMdiParent::Parts{[this] { return MakeEmulator(); }, [this] { shutdown_.Shutdown(); }});
         main_.SetExit([logic = &frame->Logic()] { logic->EndFrame(CloseCode::Code); });
+        endFrame_ = [logic = &frame->Logic()] { logic->EndFrame(CloseCode::TaskManager); };
         return frame;
     }
 
@@ -178,10 +181,19 @@ private:
     // The frame is in the middle of its own closing: it goes from the event loop.
     void EndLater()
     {
+        endFrame_ = {};
         clock_.Post([this] {
             main_.Release();
             QCoreApplication::quit();
         });
+    }
+
+    void EndAsAsked()
+    {
+        if (endFrame_)
+            endFrame_();
+        else
+            QCoreApplication::quit();
     }
 
     NativeFileSystem files_;
@@ -208,6 +220,8 @@ private:
     MissingSingleInstance running_;
     Ormain main_;
     frmShutdown shutdown_;
+    std::function<void()> endFrame_; // while there is one that can end
+    EndRequests endRequests_{[this] { EndAsAsked(); }};
 };
 
 int Run(int argc, char** argv)
