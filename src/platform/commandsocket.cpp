@@ -8,8 +8,8 @@
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/wait.h>
 #include <string>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace kestrune {

@@ -141,8 +141,8 @@ ListenResult ListenAt(const QByteArray& host, quint16 port)
 {
     ListenResult result;
     const bool anybody = host == "*";
-    const AddressList found = LookUp(host.isEmpty() || anybody ? nullptr : host.constData(), port,
-                                     anybody ? AI_PASSIVE : 0);
+    const AddressList found =
+        LookUp(host.isEmpty() || anybody ? nullptr : host.constData(), port, anybody ? AI_PASSIVE : 0);
     int failure = EADDRNOTAVAIL;
     for (const addrinfo* at = found.get(); at; at = at->ai_next) {
         const int socket = ::socket(at->ai_family, StreamSocket, 0);

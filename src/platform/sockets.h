@@ -89,7 +89,7 @@ int AcceptFrom(int listener);
 // The addresses of a name, as the system keeps them; this may take the time that a name server takes.
 std::vector<QByteArray> AddressesOf(const QByteArray& host, quint16 port);
 int BeginConnect(const QByteArray& address);
-SocketOutcome ConnectionOf(int socket);          // Done, Later or Failed
+SocketOutcome ConnectionOf(int socket);           // Done, Later or Failed
 int ConnectToLocalSocket(const QByteArray& path); // at once or not at all
 
 } // namespace kestrune

@@ -30,7 +30,8 @@ public:
         if (std::exchange(asking_, true))
             return;
         if (there_ || !hasBus_)
-            QMetaObject::invokeMethod(&calls_, [this] { Known(there_); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                &calls_, [this] { Known(there_); }, Qt::QueuedConnection);
         else
             calls_.OpenSession([this](bool there) { Known(there); });
     }

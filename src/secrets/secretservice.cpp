@@ -54,10 +54,7 @@ const QDBusArgument& operator>>(const QDBusArgument& from, SealedSecret& secret)
     return from;
 }
 
-Attributes AttributesOf(const QString& place)
-{
-    return {{u"application"_s, u"kestrune"_s}, {u"place"_s, place}};
-}
+Attributes AttributesOf(const QString& place) { return {{u"application"_s, u"kestrune"_s}, {u"place"_s, place}}; }
 
 bool IsPrompt(const QDBusObjectPath& path) { return path.path().size() > 1; } // "/": none is needed
 
@@ -174,8 +171,8 @@ void SecretService::DefaultCollection(std::function<void(const QDBusObjectPath&)
          });
 }
 
-void SecretService::Create(const QDBusObjectPath& collection, const QString& place, const QString& label,
-                           Secret secret, Done then)
+void SecretService::Create(const QDBusObjectPath& collection, const QString& place, const QString& label, Secret secret,
+                           Done then)
 {
     const QVariantMap properties{
         {QString(kItemInterface) + u".Label"_s, label},
@@ -186,9 +183,8 @@ void SecretService::Create(const QDBusObjectPath& collection, const QString& pla
                         .parameters = {},
                         .value = QByteArray(utf8.data(), static_cast<qsizetype>(utf8.size())),
                         .contentType = u"text/plain; charset=utf8"_s};
-    Call(collection.path(), kCollectionInterface, u"CreateItem"_s,
-         {properties, QVariant::fromValue(sealed), true}, WriteLimit,
-         [this, then = std::move(then)](const QDBusMessage& reply) mutable {
+    Call(collection.path(), kCollectionInterface, u"CreateItem"_s, {properties, QVariant::fromValue(sealed), true},
+         WriteLimit, [this, then = std::move(then)](const QDBusMessage& reply) mutable {
              if (!Answered(reply, 2))
                  then(false);
              else if (const auto prompt = Value<QDBusObjectPath>(reply, 1); IsPrompt(prompt))

@@ -35,8 +35,8 @@ TEST(SshJump, GoesByTheHostsOfTheSessionOrOfTheConfiguration)
     const QString user = QString::fromUtf8(Sshd::User());
     const QString nearPlace = u"%1@127.0.0.1:%2"_s.arg(user).arg(near.Port());
     const QString key = far.Key(u"user_ed25519"_s);
-    const QString nearBlock = u"Host near\n HostName 127.0.0.1\n Port %1\n User %2\n IdentityFile %3"_s.arg(near.Port())
-                                  .arg(user, key);
+    const QString nearBlock =
+        u"Host near\n HostName 127.0.0.1\n Port %1\n User %2\n IdentityFile %3"_s.arg(near.Port()).arg(user, key);
     const QString farBlock = u"Host far\n HostName 127.0.0.1\n Port %1\n User %2\n"_s.arg(far.Port()).arg(user);
     struct Row
     {
@@ -50,9 +50,11 @@ TEST(SshJump, GoesByTheHostsOfTheSessionOrOfTheConfiguration)
         {"two of them, the same twice", nearPlace + u", "_s + nearPlace, u"127.0.0.1"_s, {}, true},
         {"of the configuration", u""_s, u"far"_s, {nearBlock, farBlock + u" ProxyJump near"_s}, true},
         {"as a command", u""_s, u"far"_s, {nearBlock, farBlock + u" ProxyCommand ssh -W %h:%p near"_s}, true},
-        {"of a jump host", u"middle"_s, u"far"_s,
-         {nearBlock, farBlock, u"Host middle\n HostName 127.0.0.1\n Port %1\n User %2\n ProxyJump near"_s.arg(near.Port())
-                                   .arg(user)},
+        {"of a jump host",
+         u"middle"_s,
+         u"far"_s,
+         {nearBlock, farBlock,
+          u"Host middle\n HostName 127.0.0.1\n Port %1\n User %2\n ProxyJump near"_s.arg(near.Port()).arg(user)},
          true},
         {"switched off", u"none"_s, u"far"_s, {nearBlock, farBlock + u" ProxyJump near"_s}, false},
     };
@@ -131,7 +133,8 @@ TEST(SshJump, ACommandOfTheConfigurationConnects)
     LineRig rig(options);
     ASSERT_TRUE(rig.Opened().UntilOpen()) << rig.errors.join(u'|').toStdString();
     EXPECT_TRUE(ReachesServer(rig, server.Port()));
-    EXPECT_EQ(home.Read(u"asked"_s), "nowhere.example " + QByteArray::number(server.Port()) + ' ' + Sshd::User() + '\n');
+    EXPECT_EQ(home.Read(u"asked"_s),
+              "nowhere.example " + QByteArray::number(server.Port()) + ' ' + Sshd::User() + '\n');
 
     ReadConfiguration(home, {u"Host far\n ProxyCommand no-such-program %h"_s});
     LineRig broken(options);
@@ -188,7 +191,8 @@ TEST(SshForwards, CarryPortsInBothDirectionsAndTheShellGoesOn)
     EchoHost echo;
     const quint16 local = FreePort(), remote = FreePort(), dynamic = FreePort();
     LineOptions options = server.Options();
-    options.ssh.forwards = u"L%1:localhost:%4, R%2:localhost:%4, D%3"_s.arg(local).arg(remote).arg(dynamic).arg(echo.Port());
+    options.ssh.forwards =
+        u"L%1:localhost:%4, R%2:localhost:%4, D%3"_s.arg(local).arg(remote).arg(dynamic).arg(echo.Port());
     LineRig rig(options);
     ASSERT_TRUE(rig.Opened().UntilOpen()) << rig.errors.join(u'|').toStdString();
     const QByteArray pattern = Pattern(3000000);
@@ -224,10 +228,14 @@ TEST(SshForwards, SayWhatCannotBeHadAndCloseWhatLeadsNowhere)
     EchoHost taken;
     const quint16 local = FreePort();
     LineOptions options = server.Options();
-    options.ssh.forwards = u"L127.0.0.1:%1:h:1, R%2:localhost:1, L%3:localhost:%4"_s.arg(taken.Port()).arg(FreePort()).arg(local).arg(FreePort());
+    options.ssh.forwards = u"L127.0.0.1:%1:h:1, R%2:localhost:1, L%3:localhost:%4"_s.arg(taken.Port())
+                               .arg(FreePort())
+                               .arg(local)
+                               .arg(FreePort());
     LineRig rig(options);
     ASSERT_TRUE(rig.Opened().UntilOpen());
-    EXPECT_TRUE(rig.UntilReceived("[Port " + QByteArray::number(taken.Port()) + " is not forwarded: Address already in use]\r\n"))
+    EXPECT_TRUE(rig.UntilReceived("[Port " + QByteArray::number(taken.Port()) +
+                                  " is not forwarded: Address already in use]\r\n"))
         << rig.received.data();
     EXPECT_TRUE(rig.received.contains("[The host does not forward its port ")) << rig.received.data();
     QTcpSocket caller;

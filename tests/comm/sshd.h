@@ -40,8 +40,8 @@ private:
 };
 
 // Each question is answered alike: with the values given, or with the choice alone.
-inline std::function<LineAnswer(const LineQuestion&)> Answering(std::vector<QString> texts,
-                                                                LineAnswer::Choice choice = LineAnswer::Choice::Continue)
+inline std::function<LineAnswer(const LineQuestion&)>
+Answering(std::vector<QString> texts, LineAnswer::Choice choice = LineAnswer::Choice::Continue)
 {
     return [=](const LineQuestion& question) {
         LineAnswer answer{.question = question.id, .choice = choice};

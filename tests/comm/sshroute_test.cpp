@@ -15,7 +15,8 @@ using Kind = SshForward::Kind;
 
 TEST(SshForwardList, SaysWhatItMeansOrWhatIsWrong)
 {
-    const auto list = SshForwardList::From(u"L8080:intranet:80, r*:2222:localhost:22;\tD[::1]:1080 L[::1]:5:[fe80::1]:6"_s);
+    const auto list =
+        SshForwardList::From(u"L8080:intranet:80, r*:2222:localhost:22;\tD[::1]:1080 L[::1]:5:[fe80::1]:6"_s);
     EXPECT_EQ(list.wrong, QString());
     EXPECT_EQ(list.forwards, (std::vector<SshForward>{{Kind::Local, u""_s, 8080, u"intranet"_s, 80},
                                                       {Kind::Remote, u"*"_s, 2222, u"localhost"_s, 22},

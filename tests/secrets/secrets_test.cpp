@@ -51,9 +51,10 @@ class OwnBus
 {
 public:
     OwnBus()
-        : daemon_(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s, u"--address"_s,
-                                     u"unix:dir="_s + folder_.path()},
-                  Environment())
+        : daemon_(
+              u"dbus-daemon"_s,
+              {u"--session"_s, u"--nofork"_s, u"--print-address"_s, u"--address"_s, u"unix:dir="_s + folder_.path()},
+              Environment())
     {
         EXPECT_TRUE(Until([this] { return daemon_.canReadLine(); }));
         address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
@@ -81,10 +82,7 @@ public:
         names_ << u"test%1"_s.arg(++counter);
         return QDBusConnection::connectToBus(address_, names_.back());
     }
-    bool Has(const QString& service)
-    {
-        return Connection().interface()->isServiceRegistered(service);
-    }
+    bool Has(const QString& service) { return Connection().interface()->isServiceRegistered(service); }
 
 private:
     static inline int counter = 0;
@@ -104,7 +102,8 @@ public:
     {
         daemon_.write("login password");
         daemon_.closeWriteChannel();
-        EXPECT_TRUE(Until([&] { return bus.Has(u"org.freedesktop.secrets"_s); })) << daemon_.readAllStandardError().data();
+        EXPECT_TRUE(Until([&] { return bus.Has(u"org.freedesktop.secrets"_s); }))
+            << daemon_.readAllStandardError().data();
     }
 
 private:

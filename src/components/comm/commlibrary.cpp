@@ -137,8 +137,8 @@ int CommLibrary::ORSSHPubKey(const QString& file, const Secret& passphrase, QStr
 
 int CommLibrary::ORSSHFingerprint(const QString& file, int kind, QString& text, QString& why) const
 {
-    const auto result = comm::SshKeyFingerprint(file, kind == 1 ? comm::SshFingerprintKind::Md5
-                                                                : comm::SshFingerprintKind::Sha256);
+    const auto result =
+        comm::SshKeyFingerprint(file, kind == 1 ? comm::SshFingerprintKind::Md5 : comm::SshFingerprintKind::Sha256);
     why = result.error;
     text = QString::fromUtf8(result.text);
     return static_cast<int>(text.size());

@@ -52,9 +52,9 @@ public:
     int ORTranslateNumber(const QString& canonical, int options, QString& dialable, QString& displayed,
                           int length) const;
     // Makes a key pair for SSH logins: type "ed25519", "ecdsa" or "rsa", bits 0 for the usual number; the private half
-    // into the file, the public one beside it as file.pub; neither may stand there already. An ed25519 key is written in
-    // OpenSSH's own form, the others as PKCS#8, encrypted when there is a passphrase. Non-zero on success; else why says
-    // what was wrong.
+    // into the file, the public one beside it as file.pub; neither may stand there already. An ed25519 key is written
+    // in OpenSSH's own form, the others as PKCS#8, encrypted when there is a passphrase. Non-zero on success; else why
+    // says what was wrong.
     int ORSSHKeyGen(const QString& type, int bits, const QString& comment, const Secret& passphrase,
                     const QString& file, QString& why) const;
     // The public half of a key file, as one line for a host's list of keys. Result: its length, 0 with a reason.

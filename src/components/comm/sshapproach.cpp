@@ -60,8 +60,8 @@ SshApproach::Route SshApproach::RouteTo(const SshContact& host, const std::vecto
 int SshApproach::FirstSocket(SshContact& nearest, bool byCommand)
 {
     if (byCommand) {
-        const QString command = ExpandedCommand(nearest.ProxyCommand(), nearest.Host(), nearest.Port(), nearest.User(),
-                                                nearest.Given());
+        const QString command =
+            ExpandedCommand(nearest.ProxyCommand(), nearest.Host(), nearest.Port(), nearest.User(), nearest.Given());
         try {
             return command_.emplace(command.toLocal8Bit()).TakeSocket();
         } catch (const Failure& failure) {

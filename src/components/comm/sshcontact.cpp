@@ -79,7 +79,8 @@ SshContact::SshContact(SshMailbox& mail, const LineOptions& options, const SshTa
 
 void SshContact::DenyRequests()
 {
-    ssh_set_message_callback(session_.get(), [](ssh_session, ssh_message, void*) { return 1; }, nullptr);
+    ssh_set_message_callback(
+        session_.get(), [](ssh_session, ssh_message, void*) { return 1; }, nullptr);
 }
 
 SshContact::~SshContact()

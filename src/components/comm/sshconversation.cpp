@@ -44,9 +44,8 @@ SshTarget TargetOf(const LineOptions& options)
 
 void State(SshContact& contact, const QString& text)
 {
-    contact.Mail().Tell([text, host = contact.Host()](SshNotices& line) {
-        line.SshState(LineState::Authenticating, text, host);
-    });
+    contact.Mail().Tell(
+        [text, host = contact.Host()](SshNotices& line) { line.SshState(LineState::Authenticating, text, host); });
 }
 
 // What the host wants to be read before the login (RFC 4252 5.4), without its controls.

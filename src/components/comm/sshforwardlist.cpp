@@ -18,8 +18,8 @@ QStringList Parts(const QString& text)
     QStringList parts;
     qsizetype at = 0;
     for (;;) {
-        const auto match = part.match(text, at, QRegularExpression::NormalMatch,
-                                      QRegularExpression::AnchorAtOffsetMatchOption);
+        const auto match =
+            part.match(text, at, QRegularExpression::NormalMatch, QRegularExpression::AnchorAtOffsetMatchOption);
         if (!match.hasMatch())
             return {};
         QString word = match.captured(1);
@@ -48,9 +48,8 @@ std::optional<SshForward> ForwardFrom(const QString& entry)
         SshForward::Kind kind;
         qsizetype parts; // without the address
     };
-    static constexpr Letter letters[]{{u'L', SshForward::Kind::Local, 3},
-                                      {u'R', SshForward::Kind::Remote, 3},
-                                      {u'D', SshForward::Kind::Dynamic, 1}};
+    static constexpr Letter letters[]{
+        {u'L', SshForward::Kind::Local, 3}, {u'R', SshForward::Kind::Remote, 3}, {u'D', SshForward::Kind::Dynamic, 1}};
     for (const Letter& row : letters) {
         if (entry.front().toUpper() != row.letter)
             continue;

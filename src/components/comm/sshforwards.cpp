@@ -67,18 +67,17 @@ void SshForwards::ListenHere(const SshForward& forward)
 void SshForwards::ListenThere(const SshForward& forward)
 {
     // RFC 4254 7.1: "localhost" is the loopback of all families, an empty address means every address.
-    const QByteArray address = forward.address.isEmpty() ? "localhost"
+    const QByteArray address = forward.address.isEmpty()                   ? "localhost"
                                : forward.address == QLatin1StringView("*") ? ""
-                                                         : forward.address.toUtf8();
+                                                                           : forward.address.toUtf8();
     Remote remote{forward, AddressesOf(forward.host.toUtf8(), forward.hostPort)};
     std::ranges::reverse(remote.addresses);
     if (remote.addresses.empty()) {
         Tell(forward, ForwardText::tr("there is no host %1").arg(forward.host));
         return;
     }
-    const int result = contact_.Until([&] {
-        return ssh_channel_listen_forward(contact_.Session(), address.constData(), forward.port, nullptr);
-    });
+    const int result = contact_.Until(
+        [&] { return ssh_channel_listen_forward(contact_.Session(), address.constData(), forward.port, nullptr); });
     if (result == SSH_OK)
         remotes_.push_back(std::move(remote));
     else
@@ -144,10 +143,9 @@ SshForwards::Step SshForwards::Advance(Caller& caller)
                 return heard;
         caller.channel.reset(ssh_channel_new(contact_.Session()));
     }
-    const int result =
-        caller.channel ? ssh_channel_open_forward(caller.channel.get(), caller.host.constData(), caller.port,
-                                                  "127.0.0.1", 0)
-                       : SSH_ERROR;
+    const int result = caller.channel ? ssh_channel_open_forward(caller.channel.get(), caller.host.constData(),
+                                                                 caller.port, "127.0.0.1", 0)
+                                      : SSH_ERROR;
     if (result == SSH_AGAIN)
         return Step::Waits;
     if (caller.socks) {
@@ -183,8 +181,7 @@ int SshForwards::HostAsks(ssh_session, ssh_message message, void* self)
 SshForwards::Step SshForwards::Advance(Dialed& dialed)
 {
     for (;;) {
-        const SocketOutcome outcome =
-            dialed.socket ? ConnectionOf(dialed.socket.Number()) : SocketOutcome::Failed;
+        const SocketOutcome outcome = dialed.socket ? ConnectionOf(dialed.socket.Number()) : SocketOutcome::Failed;
         if (outcome == SocketOutcome::Later) {
             dialed.watch->For(POLLOUT);
             return Step::Waits;

@@ -26,9 +26,8 @@ SshJump::SshJump(std::unique_ptr<SshJump> before, std::unique_ptr<SshContact> co
         contact_->Fail(LineErrorNumber::NoBufferSpace, JumpText::tr("The system has no room for another connection."));
     near_ = OwnedSocket((*ends)[0]);
     far_ = OwnedSocket((*ends)[1]);
-    const int opened = contact_->Until([&] {
-        return ssh_channel_open_forward(channel_.get(), host.toUtf8().constData(), port, "127.0.0.1", 0);
-    });
+    const int opened = contact_->Until(
+        [&] { return ssh_channel_open_forward(channel_.get(), host.toUtf8().constData(), port, "127.0.0.1", 0); });
     if (opened != SSH_OK) {
         if (contact_->IsLost())
             contact_->FailAsLost();

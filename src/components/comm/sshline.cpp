@@ -83,9 +83,8 @@ void SshLine::SshDial(const QString& host, quint16 port)
 
 void SshLine::TcpWantsProxyLogin(const QString& proxy, bool again)
 {
-    AskProxyLogin(proxy, host_, again, [this](const QString& user, Secret password) {
-        connector_->Retry(user, std::move(password));
-    });
+    AskProxyLogin(proxy, host_, again,
+                  [this](const QString& user, Secret password) { connector_->Retry(user, std::move(password)); });
 }
 
 void SshLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)

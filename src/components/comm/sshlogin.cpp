@@ -170,8 +170,8 @@ SshKeyHandle Login::LoadKey(const QByteArray& file)
         return SshKeyHandle(key);
     QString text = LoginText::tr("The key %1 is locked.").arg(name);
     for (int i = 0; i < Tries; ++i) {
-        const auto values = AskFor(text, {{.label = LoginText::tr("Passphrase:"), .mayBeRemembered = true}},
-                                   KeyPlace(name), i > 0);
+        const auto values =
+            AskFor(text, {{.label = LoginText::tr("Passphrase:"), .mayBeRemembered = true}}, KeyPlace(name), i > 0);
         if (ssh_pki_import_privkey_file(file.constData(), values[0].CString(), nullptr, nullptr, &key) == SSH_OK)
             return SshKeyHandle(key);
         text = LoginText::tr("This passphrase does not open the key %1.").arg(name);
@@ -271,8 +271,8 @@ Outcome Login::ByPassword()
 {
     QString text;
     for (int i = 0; i < Tries; ++i) {
-        const auto values = AskFor(text, {{.label = LoginText::tr("Password:"), .mayBeRemembered = true}},
-                                   PasswordPlace(), i > 0);
+        const auto values =
+            AskFor(text, {{.label = LoginText::tr("Password:"), .mayBeRemembered = true}}, PasswordPlace(), i > 0);
         const Outcome outcome =
             Check(contact_.Until([&] { return ssh_userauth_password(Session(), nullptr, values[0].CString()); }));
         if (outcome != Outcome::Refused)

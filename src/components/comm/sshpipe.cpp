@@ -20,7 +20,8 @@ void SshWatch::For(short events)
         ssh_event_remove_fd(event_, socket_);
     events_ = events;
     if (events_ != 0)
-        ssh_event_add_fd(event_, socket_, events_, [](socket_t, int, void*) { return SSH_OK; }, nullptr);
+        ssh_event_add_fd(
+            event_, socket_, events_, [](socket_t, int, void*) { return SSH_OK; }, nullptr);
 }
 
 SshPipe::SshPipe(ssh_event event, SshChannelHandle channel, OwnedSocket socket)

@@ -33,10 +33,8 @@ bool TakeOption(JumpCommand& jump, const QString& option, const QString& value)
         Option{u"-l", [](JumpCommand& into, const QString& text) { into.host.user = text; }},
         Option{u"-p", [](JumpCommand& into, const QString& text) { into.host.port = text; }},
         Option{u"-J", [](JumpCommand& into, const QString& text) { into.before = text; }},
-        Option{u"-W",
-               [](JumpCommand& into, const QString& text) {
-                   into.forwards = text == u"%h:%p"_s || text == u"[%h]:%p"_s;
-               }},
+        Option{u"-W", [](JumpCommand& into,
+                         const QString& text) { into.forwards = text == u"%h:%p"_s || text == u"[%h]:%p"_s; }},
     };
     const auto row = std::ranges::find(options, QStringView(option), &Option::name);
     if (row == options.end())

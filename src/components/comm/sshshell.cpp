@@ -123,9 +123,9 @@ void SshShell::KeepAlive()
 {
     silences_ = contact_.Heard() == heardBefore_ ? silences_ + 1 : 0;
     if (silences_ == MostSilences)
-        contact_.Fail(LineErrorNumber::TimedOut,
-                      ShellText::tr("The connection to %1 was lost: the host does not answer any more.")
-                          .arg(contact_.Host()));
+        contact_.Fail(
+            LineErrorNumber::TimedOut,
+            ShellText::tr("The connection to %1 was lost: the host does not answer any more.").arg(contact_.Host()));
     heardBefore_ = contact_.Heard();
     const quint64 said = contact_.Said();
     ssh_send_keepalive(Session());
@@ -170,8 +170,7 @@ SshEnding SshShell::Run()
     SshMailbox& mail = contact_.Mail();
     ssh_event_add_session(event_.get(), Session());
     ssh_event_add_fd(
-        event_.get(), mail.Waker().Descriptor(), POLLIN,
-        [](socket_t, int, void*) { return SSH_OK; }, nullptr);
+        event_.get(), mail.Waker().Descriptor(), POLLIN, [](socket_t, int, void*) { return SSH_OK; }, nullptr);
     for (;;) {
         // Here and not when the wake-up is seen: reading and writing look at all that the event waits for too, and
         // what was typed since Send would lie there until the next key.

@@ -33,7 +33,7 @@ private:
     std::optional<SshForwards> forwards_;
     ssh_channel_callbacks_struct callbacks_{};
     QByteArray sending_;
-    qsizetype sent_ = 0; // of sending_
+    qsizetype sent_ = 0;      // of sending_
     quint64 heardBefore_ = 0; // at the last sign of life
     int silences_ = 0;        // signs of life in a row that the host has said nothing after
     std::optional<int> exitCode_;

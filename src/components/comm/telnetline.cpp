@@ -109,9 +109,8 @@ void TelnetLine::Begin()
 
 void TelnetLine::TcpWantsProxyLogin(const QString& proxy, bool again)
 {
-    AskProxyLogin(proxy, host_, again, [this](const QString& user, Secret password) {
-        connector_->Retry(user, std::move(password));
-    });
+    AskProxyLogin(proxy, host_, again,
+                  [this](const QString& user, Secret password) { connector_->Retry(user, std::move(password)); });
 }
 
 void TelnetLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
