@@ -16,6 +16,7 @@ house_layer(dispatch ${_qt_core})
 house_layer(ports dispatch ${_qt_core})
 house_layer(platform dispatch ports ${_qt_core}) # raises Failure, gives the event loop's Clock
 house_layer(printing ports dispatch platform ${_qt_core} Qt6::Gui Qt6::PrintSupport)
+house_layer(secrets ports ${_qt_core} Qt6::DBus)
 house_layer(support_core ports dispatch platform ${_qt_core})
 house_layer(support_ui support_core ports dispatch platform ${_qt_ui})
 

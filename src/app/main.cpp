@@ -25,6 +25,7 @@
 #include <ports/recorder.h>
 #include <ports/textfiles.h>
 #include <printing/systemprinting.h>
+#include <secrets/desktopsecrets.h>
 #include <settings/layer.h>
 #include <support/errors.h>
 #include <support/qtquestions.h>
@@ -157,7 +158,7 @@ private:
 
     std::unique_ptr<Kestrune> MakeApplication(Ormain& host, const StartMode& mode)
     {
-        Kestrune::Parts parts{layer_, clock_, ask_, recorder_, running_, {}, {}, {}, {}, {}, {}};
+        Kestrune::Parts parts{layer_, clock_, ask_, recorder_, running_, {}, {}, {}, {}, {}, {}, &secrets_};
         parts.makeFrame = [this](Kestrune& application) { return MakeFrame(application); };
         parts.makeCommands = [this, &host](Kestrune& application) {
             return std::make_unique<MenuCmd>(application, host, commandPieces_);
@@ -228,6 +229,7 @@ private:
     EventWaiter waiter_;
     BackgroundFiles outputs_{clock_};
     SystemPrinting printing_;
+    DesktopSecrets secrets_;
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;

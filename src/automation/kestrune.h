@@ -51,6 +51,7 @@ public:
         std::function<void(GlobalValues&, FrameWindow&)> placeFrame;
         std::function<void(GlobalValues&, FrameWindow&)> keepPlace;
         std::function<void(const QString&)> setSplash; // the splash choice, as stored
+        SecretKeeper* keeper = nullptr;                // of passwords; null: none are kept
     };
 
     static constexpr int NoValue = -2147483647; // "not given" in Move
@@ -130,6 +131,7 @@ public:
     kestrune::MainWindow* Frame() override { return frame_.get(); }
     SettingsLayer& Layer() override { return parts_.layer; }
     Clock& Time() override { return parts_.clock; }
+    SecretKeeper* Keeper() override { return parts_.keeper; }
 
     int TitleFormat() const override { return Number(GlobalId::TitleFormat); }
     bool AutoClose() const override { return Boolean(GlobalId::AutoClose); }

@@ -18,6 +18,7 @@
 #include "fakequestions.h"
 #include "fakesystem.h"
 #include "fakewaiter.h"
+#include "memorykeeper.h"
 #include "memoryoutput.h"
 #include "memoryprinting.h"
 
@@ -127,6 +128,7 @@ struct FakeSurroundings
     FileHive machine;
     SettingsLayer layer;
     FakeClock clock;
+    MemoryKeeper keeper{clock};
     FakeQuestions ask;
     FakeClipboard clipboard;
     FakeLineFactory lines;
@@ -169,6 +171,7 @@ public:
     MainWindow* Frame() override { return &frame; }
     SettingsLayer& Layer() override { return layer; }
     Clock& Time() override { return clock; }
+    SecretKeeper* Keeper() override { return &keeper; }
 
     int TitleFormat() const override { return titleFormat; }
     bool AutoClose() const override { return autoClose; }

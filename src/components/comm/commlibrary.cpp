@@ -5,7 +5,10 @@
 #include "sshline.h"
 #include "telnetline.h"
 
+#include <comm/sshkeys.h>
+
 #include <QCoreApplication>
+#include <QFile>
 #include <QLibrary>
 
 #include <algorithm>
@@ -116,6 +119,37 @@ int CommLibrary::ORTranslateNumber(const QString& canonical, int, QString& diala
     return 0;
 }
 
+int CommLibrary::ORSSHKeyGen(const QString& type, int bits, const QString& comment, const Secret& passphrase,
+                             const QString& file, QString& why) const
+{
+    auto result = comm::MakeSshKey({type, bits, comment, passphrase.Copy()}, file);
+    why = result.error;
+    return result.text.isEmpty() ? 0 : 1;
+}
+
+int CommLibrary::ORSSHPubKey(const QString& file, const Secret& passphrase, QString& line, QString& why) const
+{
+    const auto result = comm::PublicSshKey(file, passphrase);
+    why = result.error;
+    line = QString::fromUtf8(result.text);
+    return static_cast<int>(line.size());
+}
+
+int CommLibrary::ORSSHFingerprint(const QString& file, int kind, QString& text, QString& why) const
+{
+    const auto result =
+        comm::SshKeyFingerprint(file, kind == 1 ? comm::SshFingerprintKind::Md5 : comm::SshFingerprintKind::Sha256);
+    why = result.error;
+    text = QString::fromUtf8(result.text);
+    return static_cast<int>(text.size());
+}
+
+int CommLibrary::ORSSHGetRandom(int count, QByteArray& bytes) const
+{
+    bytes = comm::SshRandom(count);
+    return count > 0 && bytes.size() == count ? 1 : 0;
+}
+
 // Asked of the library that TLS would load, so that a program that never uses TLS does not load it at its start.
 bool CommLibrary::GetFipsMode() const
 {
@@ -124,6 +158,13 @@ bool CommLibrary::GetFipsMode() const
     using Question = int (*)(void*);
     const auto ask = reinterpret_cast<Question>(crypto.resolve("EVP_default_properties_is_fips_enabled"));
     return ask && ask(nullptr) == 1;
+}
+
+bool CommLibrary::GetFipsPolicy() const
+{
+    using namespace Qt::StringLiterals;
+    QFile kernel(u"/proc/sys/crypto/fips_enabled"_s);
+    return kernel.open(QIODevice::ReadOnly) && kernel.readLine().trimmed() == "1";
 }
 
 } // namespace kestrune
