@@ -103,7 +103,7 @@ public:
           lines_(
               clock_,
               layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {}, InstallationIniFile(layer_.folders)),
-              system_.ConfigFolder()),
+              system_.ConfigFolder(), layer_.folders.ProgramDir),
           printing_(clock_, layer_.folders.DocumentsDir), splash_(SplashChoice()),
           wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),

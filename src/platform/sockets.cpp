@@ -27,6 +27,13 @@ bool SetTcpKeepalive(qintptr socket, int seconds)
     return !on || (set(IPPROTO_TCP, TCP_KEEPIDLE, seconds) && set(IPPROTO_TCP, TCP_KEEPINTVL, seconds));
 }
 
+bool SetTcpPatience(qintptr socket, int seconds)
+{
+    const unsigned milliseconds = static_cast<unsigned>(seconds) * 1000U;
+    return ::setsockopt(static_cast<int>(socket), IPPROTO_TCP, TCP_USER_TIMEOUT, &milliseconds, sizeof milliseconds) ==
+           0;
+}
+
 void KeepUrgentInline(qintptr socket)
 {
     const int on = 1;

@@ -16,6 +16,10 @@ namespace kestrune {
 // 0 switches it off. False: the system refused.
 bool SetTcpKeepalive(qintptr socket, int seconds);
 
+// How long what was sent, keep-alive probes among it, may stay without an answer before the connection is lost
+// (RFC 5482). 0: the system's own, about a quarter of an hour. False: the system refused.
+bool SetTcpPatience(qintptr socket, int seconds);
+
 // Urgent bytes (RFC 9293, 3.8.5) stay where they were sent in the stream, instead of vanishing from it: a telnet
 // host sends the second half of a command so.
 void KeepUrgentInline(qintptr socket);

@@ -5,10 +5,14 @@
 #include "sshline.h"
 #include "telnetline.h"
 
+#include <comm/modemcatalog.h>
+#include <comm/modemline.h>
+#include <comm/serialline.h>
 #include <comm/sshkeys.h>
+#include <platform/fipspolicy.h>
+#include <platform/serialport.h>
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QLibrary>
 
 #include <algorithm>
@@ -35,10 +39,10 @@ struct DeviceRow
 };
 
 constexpr std::array DeviceRows{
-    DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), nullptr},
+    DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), &MakeLine<comm::SerialLine>},
     DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Telnet, QT_TRANSLATE_NOOP("CommLibrary", "Telnet"), &MakeLine<comm::TelnetLine>},
-    DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), nullptr},
+    DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), &MakeLine<comm::ModemLine>},
     DeviceRow{Device::Ssh, QT_TRANSLATE_NOOP("CommLibrary", "SSH"), &MakeLine<comm::SshLine>},
     DeviceRow{Device::Extension, QT_TRANSLATE_NOOP("CommLibrary", "Local Shell"), &MakeLine<comm::LocalShell>},
     DeviceRow{Device::SslTelnet, QT_TRANSLATE_NOOP("CommLibrary", "SSL/Telnet"), &MakeLine<comm::TelnetLine>},
@@ -52,8 +56,9 @@ const DeviceRow* RowOf(Device device)
 
 } // namespace
 
-CommLibrary::CommLibrary(Clock& clock, const QString& extensionName, QString trustFolder)
-    : clock_(clock), hasExtension_(!extensionName.trimmed().isEmpty()), trustFolder_(std::move(trustFolder))
+CommLibrary::CommLibrary(Clock& clock, const QString& extensionName, QString userFolder, QString programFolder)
+    : clock_(clock), hasExtension_(!extensionName.trimmed().isEmpty()), userFolder_(std::move(userFolder)),
+      programFolder_(std::move(programFolder))
 {}
 
 bool CommLibrary::Exists(Device device) const
@@ -73,7 +78,9 @@ std::unique_ptr<Line> CommLibrary::Make(const LineOptions& options, LineListener
     if (!Exists(options.device))
         return nullptr;
     LineOptions own = options;
-    own.tls.trustFolder = trustFolder_;
+    own.tls.trustFolder = userFolder_;
+    own.modem.userFolder = userFolder_;
+    own.modem.programFolder = programFolder_;
     const LineMaker make = RowOf(options.device)->make;
     if (comm::ResumableLine::IsWanted(own))
         return std::make_unique<comm::ResumableLine>(own, listener, clock_, make);
@@ -88,16 +95,32 @@ void CommLibrary::ORCommID(int device, int& length, QString& text) const
     length = static_cast<int>(text.size());
 }
 
-int CommLibrary::ORCommList(int, int, QString& list) const
+int CommLibrary::ORCommList(int kind, int, QString& list) const
 {
-    list = QString(2, QChar(0));
-    return 0;
+    using namespace Qt::StringLiterals;
+    list.clear();
+    int count = 0;
+    if (static_cast<Device>(kind) == Device::SerialPort)
+        for (const int number : SerialPortNumbers()) {
+            const QString device = QString::fromStdString(SerialPortPath(number)).section(u'/', -1);
+            list += QCoreApplication::translate("CommLibrary", "Port %1: %2").arg(number).arg(device) + QChar(0);
+            ++count;
+        }
+    if (static_cast<Device>(kind) == Device::Modem)
+        for (const QString& name : comm::ModemCatalog(programFolder_, userFolder_).Names()) {
+            list += name + QChar(0);
+            ++count;
+        }
+    list += QString(count == 0 ? 2 : 1, QChar(0));
+    return count;
 }
 
-int CommLibrary::ORDialLocationInfo(int, QString& text, int) const
+int CommLibrary::ORDialLocationInfo(int what, QString& text, int length) const
 {
-    text.clear();
-    return 0;
+    const comm::DialLocation location = comm::ModemCatalog(programFolder_, userFolder_).Location();
+    text = QString::fromStdString(what == 0 ? location.country : what == 1 ? location.area : std::string());
+    text.truncate(std::max(length - 1, 0));
+    return static_cast<int>(text.size());
 }
 
 bool CommLibrary::ORDialingProperties(quintptr) const { return false; }
@@ -105,14 +128,11 @@ bool CommLibrary::ORDialingProperties(quintptr) const { return false; }
 int CommLibrary::ORTranslateNumber(const QString& canonical, int, QString& dialable, QString& displayed,
                                    int length) const
 {
-    using namespace Qt::StringLiterals;
-    // ITU-T V.250 6.3.1: digits, tone letters, pauses and other dial modifiers; the rest is for the eye.
-    const auto cannotBeDialled = [](QChar c) { return !u"0123456789*#ABCDabcd,W@!TPtpw"_s.contains(c); };
-    displayed = canonical.trimmed();
-    dialable = displayed;
-    dialable.removeIf(cannotBeDialled);
-    const bool fits = dialable.size() < length && displayed.size() < length;
-    if (!dialable.isEmpty() && fits)
+    const auto translated =
+        comm::TranslateNumber(canonical.toStdString(), comm::ModemCatalog(programFolder_, userFolder_).Location());
+    dialable = translated ? QString::fromStdString(translated->dialable) : QString();
+    displayed = translated ? QString::fromStdString(translated->displayed) : QString();
+    if (!dialable.isEmpty() && dialable.size() < length && displayed.size() < length)
         return 1;
     dialable.clear();
     displayed.clear();
@@ -160,11 +180,6 @@ bool CommLibrary::GetFipsMode() const
     return ask && ask(nullptr) == 1;
 }
 
-bool CommLibrary::GetFipsPolicy() const
-{
-    using namespace Qt::StringLiterals;
-    QFile kernel(u"/proc/sys/crypto/fips_enabled"_s);
-    return kernel.open(QIODevice::ReadOnly) && kernel.readLine().trimmed() == "1";
-}
+bool CommLibrary::GetFipsPolicy() const { return SystemWantsFips(); }
 
 } // namespace kestrune

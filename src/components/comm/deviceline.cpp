@@ -1,4 +1,4 @@
-#include "deviceline.h"
+#include <comm/deviceline.h>
 
 #include "proxylogin.h"
 

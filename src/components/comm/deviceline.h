@@ -22,7 +22,7 @@ public:
     void Open() final;
     void Close() final;
     bool IsOpen() const final { return phase_ == Phase::Open; }
-    void SetReceiving(bool on) final;
+    void SetReceiving(bool on) override;
     void Answer(LineAnswer answer) override;
 
 protected:

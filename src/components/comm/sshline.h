@@ -3,8 +3,8 @@
 // Device 5: a shell on an SSH host. This side dials, keeps the time and speaks to its listener; the protocol is
 // spoken by a conversation on a thread of its own (sshconversation.h).
 
-#include "deviceline.h"
 #include "sshmailbox.h"
+#include <comm/deviceline.h>
 
 #include <comm/tcpconnector.h>
 

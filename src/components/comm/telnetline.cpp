@@ -14,6 +14,7 @@ namespace kestrune::comm {
 namespace {
 
 constexpr int DefaultConnectTimeout = 30; // seconds
+constexpr int KeepalivesUnanswered = 5; // then the host is given up
 // What the socket may hold unread, and so what one wake-up takes at most: the engine parses it in about 3 ms,
 // and the window is drawn between wake-ups.
 constexpr qint64 ReadAhead = qint64{256} * 1024;
@@ -161,6 +162,7 @@ void TelnetLine::SetKeepalive()
 {
     if (Options().keepaliveInterval <= 0)
         return;
+    SetTcpPatience(socket_->socketDescriptor(), KeepalivesUnanswered * Options().keepaliveInterval);
     if (Options().telnet.keepaliveIsNop && !IsRaw())
         ArmKeepalive();
     else if (!SetTcpKeepalive(socket_->socketDescriptor(), Options().keepaliveInterval))

@@ -5,8 +5,8 @@
 // latter: of what its servers say to each other nothing is public, so it is the bare bytes on the port that the
 // session names.
 
-#include "deviceline.h"
 #include "tlshandshake.h"
+#include <comm/deviceline.h>
 
 #include <comm/tcpconnector.h>
 #include <comm/telnet.h>

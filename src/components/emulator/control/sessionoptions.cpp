@@ -129,6 +129,9 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.serial.stopBits = settings.Integer(Setting("StopBits"));
     options.serial.parity = settings.Integer(Setting("Parity"));
     options.serial.handshake = settings.Integer(Setting("Handshake"));
+    options.modem.autoAnswer = settings.Boolean(Setting("AutoAnswer"));
+    options.modem.lockBaudRate = settings.Boolean(Setting("LockBaudRate"));
+    options.modem.overrideConfig = settings.Boolean(Setting("OverrideModemConfig"));
     return options;
 }
 
