@@ -184,7 +184,7 @@ private:
     bool primary_ = false;
     QString iniPath_;
     GlobalValues stored_;
-    std::array<QString, 33> held_; // memory form of each setting, by GlobalId
+    std::array<QString, 34> held_; // memory form of each setting, by GlobalId
     bool loading_ = false;
 
     clsRecentList recent_;

@@ -6,6 +6,7 @@
 #include <ports/application.h>
 #include <ports/questions.h>
 #include <sessions/childlogic.h>
+#include <sessions/sessionmark.h>
 #include <sessions/tools.h>
 
 #include "sessionpanels.h"
@@ -62,7 +63,8 @@ PlatformKey FromKeyEvent(const QKeyEvent& event)
 frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulator> emulator,
                          std::unique_ptr<taMenuBar> menu)
     : application_(application), emulator_(std::move(emulator)), menu_(std::move(menu)),
-      view_(new TerminalView(*emulator_)), logic_(std::make_unique<ChildLogic>(application, *this))
+      view_(new TerminalView(*emulator_)), logic_(std::make_unique<ChildLogic>(application, *this)),
+      mark_(std::make_unique<SessionMark>(*emulator_))
 {
     setWidget(view_);
     panels_ = new SessionPanels(*this, *view_); // a new child is an event for this window
@@ -83,6 +85,7 @@ frmMdiChild::~frmMdiChild()
     disconnect(this, nullptr, this, nullptr); // the base class still reports states while it goes
     view_->removeEventFilter(this);
     logic_.reset();
+    mark_.reset();
     delete panels_; // before the terminal that it watches
     delete view_;
 }

@@ -68,6 +68,7 @@ enum class GlobalId
     MainWidth,
     MainHeight,
     MainWindowState,
+    BarPlaces,
     CustomMouseTable,
     CustomIcon,
     CustomTitle,

@@ -128,7 +128,9 @@ private:
     {
         Log(mode.settingsRun ? "application for settings" : "application");
         Kestrune::Parts parts{layer, clock, ask, recorder, *this, {}, {}, {}, {}, {}, {}};
-        parts.makeFrame = [this](Kestrune& application) {
+        parts.makeFrame = [this](Kestrune& application) -> std::unique_ptr<FrameWindow> {
+            if (makeFrame)
+                return makeFrame(application);
             auto made = std::make_unique<FakeFrame>(application, Ports());
             frame = made.get();
             return made;
@@ -154,7 +156,8 @@ public:
     FakeFrame* frame = nullptr;         // of the application, while there is one
     FakeScriptEngine* engine = nullptr; // likewise, once somebody asked for it
 
-    FakeCommandPieces pieces; // what commands opened
+    FakeCommandPieces pieces;                                         // what commands opened
+    std::function<std::unique_ptr<FrameWindow>(Kestrune&)> makeFrame; // instead of the one without a toolkit
 
     WizardResult wizardResult = WizardResult::Cancelled;
     WelcomeChoice welcomeChoice = WelcomeChoice::Cancelled;
