@@ -12,6 +12,7 @@
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
 #include <platform/backgroundfiles.h>
+#include <platform/endrequests.h>
 #include <platform/eventclock.h>
 #include <platform/eventwaiter.h>
 #include <platform/hive.h>
@@ -35,6 +36,7 @@
 
 #include <bit>
 #include <cstdio>
+#include <functional>
 
 namespace kestrune {
 
@@ -161,6 +163,7 @@ private:
                                                                                      [this] { shutdown_.Shutdown(); },
                                                                                      KeyboardLockReader()});
         main_.SetExit([logic = &frame->Logic()] { logic->EndFrame(CloseCode::Code); });
+        endFrame_ = [logic = &frame->Logic()] { logic->EndFrame(CloseCode::TaskManager); };
         return frame;
     }
 
@@ -181,10 +184,19 @@ private:
     // The frame is in the middle of its own closing: it goes from the event loop.
     void EndLater()
     {
+        endFrame_ = {};
         clock_.Post([this] {
             main_.Release();
             QCoreApplication::quit();
         });
+    }
+
+    void EndAsAsked()
+    {
+        if (endFrame_)
+            endFrame_();
+        else
+            QCoreApplication::quit();
     }
 
     NativeFileSystem files_;
@@ -210,6 +222,8 @@ private:
     MissingSingleInstance running_;
     Ormain main_;
     frmShutdown shutdown_;
+    std::function<void()> endFrame_; // while there is one that can end
+    EndRequests endRequests_{[this] { EndAsAsked(); }};
 };
 
 int Run(int argc, char** argv)

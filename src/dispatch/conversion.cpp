@@ -97,7 +97,7 @@ QDateTime DateOf(const Variant& value)
     if (const auto* date = plain.As<QDateTime>())
         return *date;
     if (const auto* text = plain.As<QString>()) {
-        const QDateTime read = QDateTime::fromString(*text, Qt::ISODate);
+        QDateTime read = QDateTime::fromString(*text, Qt::ISODate);
         if (read.isValid())
             return read;
     }

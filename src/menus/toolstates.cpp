@@ -19,7 +19,7 @@ constexpr bool NeedsNoSession(int id)
 {
     constexpr int single[] = {101, 103, 110, 113, 154, 513, 705, 711, 804};
     return std::find(std::begin(single), std::end(single), id) != std::end(single) || Within(id, 400, 449) ||
-           Within(id, 1200, 1299);
+           Within(id, 1200, 1299) || Within(id, 10000, 19999);
 }
 
 constexpr int kHintPanel = 1103;
@@ -34,8 +34,6 @@ void ToFrameState(MenuTool& tool, int id, bool hostTools)
     } else if (IsHostTool(id)) {
         tool.visible = hostTools;
         tool.enabled = false;
-    } else if (Within(id, 10000, 19999)) {
-        tool.enabled = true;
     }
 }
 

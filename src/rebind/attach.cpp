@@ -87,7 +87,7 @@ std::optional<protocol::Answer> TakeAnswer(std::string& text)
     const auto end = start == text.npos ? start : text.find(protocol::Closing, body);
     if (end == text.npos)
         return {};
-    const auto answer = protocol::ParseAnswer(std::string_view(text).substr(body, end - body));
+    auto answer = protocol::ParseAnswer(std::string_view(text).substr(body, end - body));
     text.erase(start, end + protocol::Closing.size() - start);
     return answer;
 }

@@ -54,6 +54,7 @@ std::string LoginShell()
         program = command.front();
     }
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& argument : command)
         arguments.push_back(argument.data());
     arguments.push_back(nullptr);

@@ -165,8 +165,9 @@ void SessionPanels::Show(LinePanel which)
     if (shown_ == LinePanel::Secrets && which != LinePanel::Secrets)
         ClearSecrets();
     shown_ = which;
-    for (QFrame* frame : {reconnect_.frame, confirm_.frame, secrets_.frame})
-        frame->setVisible(frame == ShownFrame());
+    reconnect_.frame->setVisible(which == LinePanel::Reconnect);
+    confirm_.frame->setVisible(which == LinePanel::Confirm);
+    secrets_.frame->setVisible(which == LinePanel::Secrets);
     terminal_.setEnabled(which == LinePanel::None);
     Place();
 }

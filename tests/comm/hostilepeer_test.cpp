@@ -82,7 +82,7 @@ TEST(HostilePeer, ASubnegotiationWithoutEndIsGivenUp)
     LineRig rig(host.Options());
     ASSERT_TRUE(host.Takes(rig));
     host.Says("before\xff\xfa\x18");
-    Flood flood(host.Caller(), QByteArray(64 * 1024, 'x'), 2);
+    Flood flood(host.Caller(), QByteArray(qsizetype{64} * 1024, 'x'), 2);
     ASSERT_TRUE(rig.UntilReceived("xxx"));
     EXPECT_TRUE(rig.received.startsWith("before"));
     rig.Type("still here");

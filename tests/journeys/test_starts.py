@@ -1,5 +1,6 @@
 """What each start does, and what it leaves behind."""
 
+import signal
 import subprocess
 
 import desktop
@@ -48,6 +49,24 @@ class Starts(desktop.Journey):
         program = self.start(file)
         window = program.window()
         until(lambda: program.geometry(window) == before, f"the place {before}, not {program.geometry(window)}")
+
+    def test_a_wish_of_the_system_to_end_is_heeded_and_nothing_is_lost(self):
+        file = self.session_file("shell.orcf", HostName="")
+        for wish in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
+            with self.subTest(wish.name):
+                program = self.start(file)
+                window = program.window()
+                width = 700 + int(wish)
+                program.resize(window, width, 500)
+                until(lambda: program.geometry(window)[2:] == (width, 500), "the new size")
+                program.type("echo mark$((1+1))\n")
+                program.shows("mark2")  # by now the program itself knows its size
+                program.process.send_signal(wish)
+                self.assertEqual(program.ended(), 0)
+                program = self.start(file)
+                window = program.window()
+                until(lambda: program.geometry(window)[2:] == (width, 500), "the size of last time")
+                self.finish(program)
 
     def test_a_layout_opens_both_sessions(self):
         self.session_file("one.orcf", HostName="/bin/cat")

@@ -16,7 +16,9 @@
 #include <list>
 #include <mutex>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <utility>
 
 namespace kestrune::comm {
 
@@ -87,37 +89,36 @@ SshEnding Converse(const LineOptions& options, SshMailbox& mail)
 }
 
 // The threads of all conversations. A line never waits for its own: a key or an agent may hold it up, and the window
-// must not stand still for that. But none may outlive the program: the libraries that it works with are taken down at
-// the end of main, under its feet.
+// must not stand still for that. But none may outlive the application: after main, the libraries that it works with are
+// taken down under its feet.
 class SshThreads
 {
 public:
-    SshThreads() { ssh_init(); } // so that the library goes down after this
-
-    SshThreads(const SshThreads&) = delete;
-    SshThreads& operator=(const SshThreads&) = delete;
+    static SshThreads& Instance()
+    {
+        static SshThreads& threads = *new SshThreads; // never taken down: a stuck thread may come back to it
+        return threads;
+    }
 
     void Start(std::function<void()> conversation)
     {
         const std::lock_guard held(lock_);
         JoinEnded();
-        Entry& entry = threads_.emplace_back();
-        entry.thread = std::thread([this, &entry, conversation = std::move(conversation)]() mutable {
-            conversation();
-            conversation = nullptr; // with all that it holds
-            const std::lock_guard leaving(lock_);
-            entry.done = true;
-            ended_.notify_all();
-        });
-    }
-
-    // All are cancelled by now. One that still runs after this hangs in a system call, for an agent that is stuck.
-    void AwaitEnds()
-    {
-        constexpr std::chrono::seconds LongestFarewell{3};
-        std::unique_lock held(lock_);
-        ended_.wait_for(held, LongestFarewell, [this] { return std::ranges::all_of(threads_, &Entry::done); });
-        JoinEnded();
+        if (!std::exchange(awaited_, true))
+            qAddPostRoutine([] { Instance().AwaitEnds(); });
+        const auto entry = threads_.emplace(threads_.end());
+        try {
+            entry->thread = std::thread([this, entry, conversation = std::move(conversation)]() mutable {
+                conversation();
+                conversation = nullptr; // with all that it holds
+                const std::lock_guard leaving(lock_);
+                entry->done = true;
+                ended_.notify_all();
+            });
+        } catch (...) { // the system has no room for it
+            threads_.erase(entry);
+            throw;
+        }
     }
 
 private:
@@ -126,6 +127,16 @@ private:
         std::thread thread;
         bool done = false;
     };
+
+    // All are cancelled by now. One that still runs after this hangs in a system call, for an agent that is stuck.
+    void AwaitEnds()
+    {
+        constexpr std::chrono::seconds LongestFarewell{3};
+        std::unique_lock held(lock_);
+        ended_.wait_for(held, LongestFarewell, [this] { return std::ranges::all_of(threads_, &Entry::done); });
+        JoinEnded();
+        awaited_ = false;
+    }
 
     void JoinEnded() // with the lock held; what is done has let go of it, and ends at once
     {
@@ -139,34 +150,30 @@ private:
     std::mutex lock_;
     std::condition_variable ended_;
     std::list<Entry> threads_;
+    bool awaited_ = false; // at the application's end
 };
-
-// Never taken down itself: a stuck thread may come back to it.
-SshThreads& Threads()
-{
-    struct EndOfProgram
-    {
-        SshThreads* threads = new SshThreads;
-        ~EndOfProgram() { threads->AwaitEnds(); }
-    };
-    static const EndOfProgram atEnd;
-    return *atEnd.threads;
-}
 
 } // namespace
 
-void StartSshConversation(const LineOptions& options, std::shared_ptr<SshMailbox> mail)
+void StartSshConversation(const LineOptions& options, const std::shared_ptr<SshMailbox>& mail)
 {
-    Threads().Start([options, mail = std::move(mail)] {
-        GiveBackProcessors();
-        try {
-            mail->End(Converse(options, *mail));
-        } catch (const SshFailure& failure) {
-            mail->End(failure.why);
-        } catch (const std::exception& error) {
-            mail->End({.number = LineErrorNumber::NoBufferSpace, .text = QString::fromLocal8Bit(error.what())});
-        }
-    });
+    const auto endOver = [mail](const std::exception& error) {
+        mail->End({.number = LineErrorNumber::NoBufferSpace, .text = QString::fromLocal8Bit(error.what())});
+    };
+    try {
+        SshThreads::Instance().Start([options, mail, endOver] {
+            GiveBackProcessors();
+            try {
+                mail->End(Converse(options, *mail));
+            } catch (const SshFailure& failure) {
+                mail->End(failure.why);
+            } catch (const std::exception& error) {
+                endOver(error);
+            }
+        });
+    } catch (const std::system_error& error) {
+        endOver(error);
+    }
 }
 
 } // namespace kestrune::comm

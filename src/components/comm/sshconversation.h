@@ -7,6 +7,6 @@
 namespace kestrune::comm {
 
 // Talks to an SSH host from the first byte to the last, on a thread of its own, which ends with it.
-void StartSshConversation(const LineOptions& options, std::shared_ptr<SshMailbox> mail);
+void StartSshConversation(const LineOptions& options, const std::shared_ptr<SshMailbox>& mail);
 
 } // namespace kestrune::comm

@@ -5,9 +5,6 @@
 namespace kestrune::emu::conformance {
 namespace {
 
-constexpr int kAnsi = 9;
-constexpr int kSco = 15;
-
 // The last column is filled without the wrap that these consoles do at once.
 const std::string kPage = "\x1b[?7l" + kLetters + "\x1b[?7h";
 
@@ -22,55 +19,63 @@ struct ConsoleCase
 };
 
 const ConsoleCase kCases[] = {
-    {"wrap is at once", kAnsi, "0123456789", "0123456789", {0, 1}},
-    {"wrap is at once on SCO too", kSco, "0123456789", "0123456789", {0, 1}},
-    {"upper half is the ROM's", kAnsi, "\xb3\x9b\xda", "│¢┌", {3, 0}},
-    {"controls without a meaning are drawn", kAnsi, "\x01\x06\x0e\x10\x1c", "☺♠♫►∟", {5, 0}},
-    {"SCO does not draw them", kSco, "\x01\x06x", "x", {1, 0}},
-    {"FF clears and homes", kAnsi, "ab\fc", "c", {1, 0}},
-    {"ED 2 homes", kAnsi, "ab\x1b[2Jc", "c", {1, 0}},
-    {"ED 2 leaves the cursor on SCO", kSco, "ab\x1b[2Jc", "  c", {3, 0}},
-    {"CSI U clears", kAnsi, "\x1b[44mab\x1b[Uc", "c", {1, 0}},
+    {"wrap is at once", Type::Ansi, "0123456789", "0123456789", {0, 1}},
+    {"wrap is at once on SCO too", Type::Sco, "0123456789", "0123456789", {0, 1}},
+    {"upper half is the ROM's", Type::Ansi, "\xb3\x9b\xda", "│¢┌", {3, 0}},
+    {"controls without a meaning are drawn", Type::Ansi, "\x01\x06\x0e\x10\x1c", "☺♠♫►∟", {5, 0}},
+    {"SCO does not draw them", Type::Sco, "\x01\x06x", "x", {1, 0}},
+    {"FF clears and homes", Type::Ansi, "ab\fc", "c", {1, 0}},
+    {"ED 2 homes", Type::Ansi, "ab\x1b[2Jc", "c", {1, 0}},
+    {"ED 2 leaves the cursor on SCO", Type::Sco, "ab\x1b[2Jc", "  c", {3, 0}},
+    {"CSI U clears", Type::Ansi, "\x1b[44mab\x1b[Uc", "c", {1, 0}},
     {"ESC D scrolls wherever the cursor is",
-     kAnsi,
+     Type::Ansi,
      kPage + "\x1b"
              "D",
      "KLMNOPQRST|UVWXYZabcd|efghijklmn|opqrstuvwx",
      {0, 0}},
     {"ESC M scrolls wherever the cursor is",
-     kAnsi,
+     Type::Ansi,
      kPage + "\x1b[3;1H\x1bM",
      "|ABCDEFGHIJ|KLMNOPQRST|UVWXYZabcd|efghijklmn",
      {0, 2}},
-    {"CSI Y deletes lines", kAnsi, kPage + "\x1b[2;1H\x1b[3Y", "ABCDEFGHIJ|opqrstuvwx", {0, 1}},
-    {"CSI s and u", kAnsi, "\x1b[2;3H\x1b[s\x1b[H\x1b[ux", "|  x", {3, 1}},
-    {"DA1", kAnsi, "\x1b[c", "", {0, 0}, "\x1b[?1;2c"},
-    {"size of the screen", kAnsi, "\x1b[255n", "", {0, 0}, "\x1b[5;10R"},
-    {"SCO is silent", kSco, "\x1b[c\x1b[>c\x1b[=c\x1b[=0M", "", {0, 0}},
-    {"REP takes a number and a count", kSco, "\x1b[42;3b\x1b[196;2b", "***──", {5, 0}},
-    {"REP elsewhere repeats the last one", kAnsi, "a\x1b[2b", "aaa", {3, 0}},
-    {"REP fills no more than the screen", kSco, "\x1b[42;9999b", "**********|**********|**********|**********", {0, 4}},
-    {"glyph by number", kSco, "\x1b[=3g\x1b[=219;1;2g", "♥█", {2, 0}},
-    {"font of control codes", kSco, "\x1b[11m\x01\x1b[10m", "☺", {1, 0}},
-    {"font of the upper half", kSco, "\x1b[12mD3\x1b[10mD", "─│D", {3, 0}},
-    {"window", kSco, kPage + "\x1b[2;3;4;7r\x1b[S", "ABCDEFGHIJ|KLWXYZaRST|UVghijkbcd|ef     lmn|opqrstuvwx", {2, 1}},
+    {"CSI Y deletes lines", Type::Ansi, kPage + "\x1b[2;1H\x1b[3Y", "ABCDEFGHIJ|opqrstuvwx", {0, 1}},
+    {"CSI s and u", Type::Ansi, "\x1b[2;3H\x1b[s\x1b[H\x1b[ux", "|  x", {3, 1}},
+    {"DA1", Type::Ansi, "\x1b[c", "", {0, 0}, "\x1b[?1;2c"},
+    {"size of the screen", Type::Ansi, "\x1b[255n", "", {0, 0}, "\x1b[5;10R"},
+    {"SCO is silent", Type::Sco, "\x1b[c\x1b[>c\x1b[=c\x1b[=0M", "", {0, 0}},
+    {"REP takes a number and a count", Type::Sco, "\x1b[42;3b\x1b[196;2b", "***──", {5, 0}},
+    {"REP elsewhere repeats the last one", Type::Ansi, "a\x1b[2b", "aaa", {3, 0}},
+    {"REP fills no more than the screen",
+     Type::Sco,
+     "\x1b[42;9999b",
+     "**********|**********|**********|**********",
+     {0, 4}},
+    {"glyph by number", Type::Sco, "\x1b[=3g\x1b[=219;1;2g", "♥█", {2, 0}},
+    {"font of control codes", Type::Sco, "\x1b[11m\x01\x1b[10m", "☺", {1, 0}},
+    {"font of the upper half", Type::Sco, "\x1b[12mD3\x1b[10mD", "─│D", {3, 0}},
+    {"window",
+     Type::Sco,
+     kPage + "\x1b[2;3;4;7r\x1b[S",
+     "ABCDEFGHIJ|KLWXYZaRST|UVghijkbcd|ef     lmn|opqrstuvwx",
+     {2, 1}},
     {"margins one by one",
-     kSco,
+     Type::Sco,
      kPage + "\x1b[=0;2m\x1b[=1;4m\x1b[=2;3m\x1b[=3;7m\x1b[S",
      "ABCDEFGHIJ|KLWXYZaRST|UVghijkbcd|ef     lmn|opqrstuvwx",
      {0, 0}},
     {"margins opened",
-     kSco,
+     Type::Sco,
      kPage + "\x1b[2;3;4;7r\x1b[=r\x1b[S",
      "KLMNOPQRST|UVWXYZabcd|efghijklmn|opqrstuvwx",
      {2, 1}},
     {"two values are a scroll region",
-     kSco,
+     Type::Sco,
      kPage + "\x1b[2;4r\x1b[S",
      "ABCDEFGHIJ|UVWXYZabcd|efghijklmn||opqrstuvwx",
      {0, 0}},
-    {"locked lines", kSco, kPage + "\x1b[3;2H\x1bl\x1b[S", "ABCDEFGHIJ|KLMNOPQRST|efghijklmn|opqrstuvwx", {1, 2}},
-    {"clear screen", kSco, kPage + "\x1b[2;3;4;7r\x1b[5;5H\x1b[=l", "", {2, 1}},
+    {"locked lines", Type::Sco, kPage + "\x1b[3;2H\x1bl\x1b[S", "ABCDEFGHIJ|KLMNOPQRST|efghijklmn|opqrstuvwx", {1, 2}},
+    {"clear screen", Type::Sco, kPage + "\x1b[2;3;4;7r\x1b[5;5H\x1b[=l", "", {2, 1}},
 };
 
 TEST(PcConsole, Screen)
@@ -111,7 +116,7 @@ TEST(PcConsole, ScoColors)
         {"no such colour", "\x1b[=77F", Color::Default(), Color::Default(), 0},
     };
     for (const auto& test : cases) {
-        Bench bench(2, 10, kSco);
+        Bench bench(2, 10, Type::Sco);
         const Style style = bench.HostSays(test.bytes + "x").StyleAt(0, 0);
         EXPECT_EQ(style.foreground, test.foreground) << test.name;
         EXPECT_EQ(style.background, test.background) << test.name;
@@ -121,7 +126,7 @@ TEST(PcConsole, ScoColors)
 
 TEST(PcConsole, CursorOfSco)
 {
-    Bench bench(2, 10, kSco);
+    Bench bench(2, 10, Type::Sco);
     EXPECT_FALSE(bench.HostSays("\x1b[=0c").terminal.Modes().cursorVisible);
     EXPECT_TRUE(bench.HostSays("\x1b[=1c").terminal.Modes().cursorVisible);
     EXPECT_FALSE(bench.HostSays("\x1b[=14;12C").terminal.Modes().cursorVisible);
@@ -136,20 +141,20 @@ TEST(PcConsole, Keys)
         KeyPress key;
         const char* bytes;
     } cases[] = {
-        {kAnsi, {Key::End, 0, {}}, "\x1b[K"},
-        {kAnsi, {Key::F4, 0, {}}, "\x1bOS"},
-        {kAnsi, {Key::F10, 0, {}}, "\x1b[21~"},
-        {kAnsi, {Key::Backspace, 0, {}}, "\b"},
-        {kSco, {Key::End, 0, {}}, "\x1b[F"},
-        {kSco, {Key::F1, 0, {}}, "\x1b[M"},
-        {kSco, {Key::F12, 0, {}}, "\x1b[X"},
-        {kSco, {Key::F2, Modifier::Shift, {}}, "\x1b[Z"},
-        {kSco, {Key::F3, Modifier::Shift, {}}, "\x1b[a"},
-        {kSco, {Key::F1, Modifier::Control, {}}, "\x1b[k"},
-        {kSco, {Key::F12, Modifier::Shift | Modifier::Control, {}}, "\x1b[{"},
-        {kSco, {Key::Pad5, 0, {}}, "5"},
-        {77, {Key::Home, 0, {}}, "\x1b[H"},
-        {77, {Key::F6, 0, {}}, "\x1b[17~"},
+        {Type::Ansi, {Key::End, 0, {}}, "\x1b[K"},
+        {Type::Ansi, {Key::F4, 0, {}}, "\x1bOS"},
+        {Type::Ansi, {Key::F10, 0, {}}, "\x1b[21~"},
+        {Type::Ansi, {Key::Backspace, 0, {}}, "\b"},
+        {Type::Sco, {Key::End, 0, {}}, "\x1b[F"},
+        {Type::Sco, {Key::F1, 0, {}}, "\x1b[M"},
+        {Type::Sco, {Key::F12, 0, {}}, "\x1b[X"},
+        {Type::Sco, {Key::F2, Modifier::Shift, {}}, "\x1b[Z"},
+        {Type::Sco, {Key::F3, Modifier::Shift, {}}, "\x1b[a"},
+        {Type::Sco, {Key::F1, Modifier::Control, {}}, "\x1b[k"},
+        {Type::Sco, {Key::F12, Modifier::Shift | Modifier::Control, {}}, "\x1b[{"},
+        {Type::Sco, {Key::Pad5, 0, {}}, "5"},
+        {Type::Lanpar, {Key::Home, 0, {}}, "\x1b[H"},
+        {Type::Lanpar, {Key::F6, 0, {}}, "\x1b[17~"},
     };
     for (const auto& test : cases) {
         Bench bench(2, 10, test.type);

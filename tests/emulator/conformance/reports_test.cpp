@@ -55,6 +55,16 @@ TEST(Conformance, Reports)
         }
 }
 
+// In level 1 a later model is a VT100, until it is told otherwise; a VT100 cannot be told.
+TEST(Conformance, LevelsGoDownAndUp)
+{
+    Bench bench = Fresh(Vt420);
+    EXPECT_EQ(bench.HostSays("\x1b[61\"p\x1b[c\x1b[=c").Replies(), "\x1b[?1;2c");
+    EXPECT_EQ(bench.HostSays("\x1b[63;1\"p\x1bP$q\"p\x1b\\").Replies(), "\x1bP1$r63;1\"p\x1b\\");
+    EXPECT_EQ(bench.HostSays("\x1b[65;1\"p\x1bP$q\"p\x1b\\").Replies(), "\x1bP1$r64;1\"p\x1b\\");
+    EXPECT_EQ(Fresh(Vt100).HostSays("\x1b[64\"p\x1bP$q\"p\x1b\\").Replies(), "");
+}
+
 TEST(Conformance, ColumnsChangeWithoutClearing)
 {
     Bench bench(4, 80, Type::Vt320);

@@ -13,7 +13,8 @@
 namespace kestrune::emu {
 
 namespace Type {
-inline constexpr int Tty = 0, Vt52 = 7, Vt220 = 8, Vt100 = 12, Vt320 = 13, Vt420 = 14, Linux = 16;
+inline constexpr int Tty = 0, Vt52 = 7, Vt220 = 8, Ansi = 9, Vt100 = 12, Vt320 = 13, Vt420 = 14, Sco = 15, Linux = 16,
+                     Lanpar = 77;
 }
 
 struct Heard : TerminalListener

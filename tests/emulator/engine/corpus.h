@@ -38,6 +38,20 @@ inline std::vector<std::string> Corpus()
         "\x1b#3big\r\n\x1b#4big\r\n\x1b#6wide\x1b#5\x1b#8\x1b[?3hcols\x1b[?3l\x1b[?5h\x1b[?5l\x1b[4hins\x1b[4l\x1b"
         "c",
         "\x1b[?42h\x1b(K[\\]\x1b[?42l\x1b%@\xe4\xf6\x1b%G\xc3\xa4\x1b[11m\x01\x1b[12mM\x1b[10m\x1b[?2c",
+        "\x1b[?69h\x1b[3;7s\x1b[2;4ra中文b中文\r\n中中中中中\n\n\x1b[S\x1b[T\x1b[2;4H\x1b[2@\x1b[3P\x1b[L\x1b[M\x1b[2'}"
+        "\x1b[9'~\x1b"
+        "6\x1b"
+        "9\x1b[4hx\x1b[?6h\x1b[9;9Hy\x1b[r\x1b[s\x1b[?69l",
+        "\x1b#6中wide\r\n文中e\x1b[1;1;3;9;1;2;4;1$v\x1b[2;2;9;9;1;1;1;1$v\x1b[42;1;2;2;9$x\x1b[1;1;2;3$z\x1b[1;3;2;5${"
+        "\x1b["
+        "1;4;3;2;1;7$r\x1b[2*x\x1b[1;1;9;9;0$t\x1b[1;1;1;1;9;99*y",
+        "\x1b[1$w\x1b[2$w\x1bP1$t2;3;1;A;A;H;0;2;L;BBAA\x1b\\\x1bP2$t3/9/"
+        "99\x1b\\\x1bP1!uA\x1b\\\x1b*<\x1bn\x1b[&u\x1b[132$|x\x1b["
+        "80$|\x1b[\"v",
+        "\x1bP0;1|17/4142;18/"
+        "4\x1b\\\x1bP1;0;1!z61!3;1b5b41;1b5b322a7a\x1b\\\x1bP2;0;0!z+\x1b[1*z\x1b\\\x1b[1*z\x1b[2*z\x1b[?62;63n",
+        "\x1b[2;1;4m\x1b[=1D\x1b[=3g\x1b[2;3;3;7r\x1b[9S\x1b[=0;2m\x1b[=3;4mtext in the "
+        "window\x1b[42;99b\x1b[=l\x1bl\x1bm\x1b[=r\x1b[U\x1b[Y",
         "text\x9b"
         "2Dx\x9d"
         "0;t\x9c\x90$qr\x9c\x84\x85\x88\x8d\x8e"

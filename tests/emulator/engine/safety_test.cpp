@@ -18,7 +18,8 @@ struct Setting
 constexpr Setting kSettings[] = {
     {Type::Vt220, HostCharset::Utf8},  {Type::Vt220, HostCharset::Latin1}, {Type::Vt420, HostCharset::Latin1},
     {Type::Linux, HostCharset::Utf8},  {Type::Linux, HostCharset::Cp437},  {Type::Vt100, HostCharset::Utf8},
-    {Type::Vt52, HostCharset::Latin1}, {Type::Tty, HostCharset::Utf8},
+    {Type::Vt52, HostCharset::Latin1}, {Type::Tty, HostCharset::Utf8},     {Type::Vt420, HostCharset::Utf8},
+    {Type::Ansi, HostCharset::Cp437},  {Type::Sco, HostCharset::Cp437},
 };
 
 std::unique_ptr<Bench> Made(const Setting& setting)

@@ -189,6 +189,8 @@ void LinuxCursor(Machine& m, const ControlSequence& s)
 
 void ConformanceLevel(Machine& m, const ControlSequence& s)
 {
+    if (m.Type().level < 2)
+        return;
     if (const int level = s.params.At(0) - 60; level >= 1 && level <= 5)
         m.SetLevel(level, s.params.At(1, 1) != 1);
 }
@@ -285,7 +287,7 @@ constexpr ControlRow kControls[] = {
     {"n", "DSR", Common, [](Machine& m, Seq s) { m.ReportStatus(s); }},
     {"?n", "DSR", Vt220, [](Machine& m, Seq s) { m.ReportStatus(s); }},
     {"!p", "DECSTR", Vt220, [](Machine& m, Seq) { m.SoftReset(); }},
-    {"\"p", "DECSCL", Vt220, ConformanceLevel},
+    {"\"p", "DECSCL", Vt100, ConformanceLevel}, // also in level 1: it is the way back
     {"$p", "DECRQM", Vt320, [](Machine& m, Seq s) { m.ReportMode(s); }},
     {"?$p", "DECRQM", Vt320 | Extension, [](Machine& m, Seq s) { m.ReportMode(s); }},
     {" q", "DECSCUSR", Extension, CursorStyle},

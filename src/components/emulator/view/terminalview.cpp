@@ -345,7 +345,6 @@ QVariant TerminalView::inputMethodQuery(Qt::InputMethodQuery query) const
     case Qt::ImEnabled:
         return true;
     case Qt::ImCursorRectangle:
-        return parts_->canvas.CursorRect();
     case Qt::ImAnchorRectangle:
         return parts_->canvas.CursorRect();
     case Qt::ImCurrentSelection:

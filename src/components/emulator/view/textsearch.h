@@ -36,6 +36,7 @@ public:
         int column = 0;
         int64_t lastRow = 0;
         int lastColumn = 0; // belongs to the hit
+        // NOLINTNEXTLINE(modernize-use-nullptr): the comparison with 0 is the compiler's own
         auto operator<=>(const Hit&) const = default;
         bool EndsBefore(const Hit& other) const
         {
