@@ -18,6 +18,7 @@
 #include <platform/eventclock.h>
 #include <platform/eventwaiter.h>
 #include <platform/hive.h>
+#include <platform/keyboardlocks.h>
 #include <platform/nativefiles.h>
 #include <platform/processors.h>
 #include <platform/system.h>
@@ -170,6 +171,8 @@ private:
             const WindowPlace place = PosFormGet(values, frame);
             frame.Move(place.left, place.top, place.width, place.height);
             frame.SetState(place.state);
+            if (auto* window = dynamic_cast<frmMdiParent*>(&frame))
+                window->RestoreBars(values.Text(GlobalId::BarPlaces));
         };
         parts.keepPlace = [](GlobalValues& values, const FrameWindow& frame) { PosFormSave(values, frame); };
         return std::make_unique<Kestrune>(parts, mode);
@@ -177,8 +180,9 @@ private:
 
     std::unique_ptr<FrameWindow> MakeFrame(Kestrune& application)
     {
-        auto frame = std::make_unique<frmMdiParent>(
-            application, frmMdiParent::Parts{[this] { return MakeEmulator(); }, [this] { shutdown_.Shutdown(); }});
+        auto frame = std::make_unique<frmMdiParent>(application, frmMdiParent::Parts{[this] { return MakeEmulator(); },
+                                                                                     [this] { shutdown_.Shutdown(); },
+                                                                                     KeyboardLockReader()});
         main_.SetExit([logic = &frame->Logic()] { logic->EndFrame(CloseCode::Code); });
         endFrame_ = [logic = &frame->Logic()] { logic->EndFrame(CloseCode::TaskManager); };
         return frame;

@@ -68,6 +68,7 @@ constexpr std::array kGlobals = {
     NumberIn(Id::MainHeight, u"MainHeight", u"MainHeight", u"", kOwn),
     NumberIn(Id::MainWindowState, u"MainWindowState", u"MainWindowState", u"", kOwn),
     GlobalSetting{Id::HelpPlace, u"HelpPlace", u"HelpPlace", GlobalType::Text, u"", kStore, kOwn, nullptr, false},
+    GlobalSetting{Id::BarPlaces, u"BarPlaces", u"BarPlaces", GlobalType::Text, u"", kStore, kOwn, nullptr, false},
     GlobalSetting{Id::CustomMouseTable, u"CustomMouseTable", u"MouseTable", GlobalType::Path, u"", kCustom, kSettings,
                   &Folders::ProgramDir, false},
     GlobalSetting{Id::CustomIcon, u"CustomIcon", u"Icon", GlobalType::Path, u"", kCustom, kSettings,

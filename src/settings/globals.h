@@ -70,6 +70,7 @@ enum class GlobalId
     MainHeight,
     MainWindowState,
     HelpPlace, // of the window with the help pages, and the page that it shows
+    BarPlaces,
     CustomMouseTable,
     CustomIcon,
     CustomTitle,

@@ -136,9 +136,13 @@ bool taMenuBar::ChangeBand(const QString& key, const std::function<void(MenuBand
     if (band == nullptr)
         return false;
     const QString name = band->key;
+    const BandDock before = band->dock;
     change(*band);
     band->key = name;
+    const BandDock now = band->dock;
     emit BandsChanged();
+    if (now != before)
+        emit BandDocked(name, now);
     return true;
 }
 
@@ -162,6 +166,12 @@ void taMenuBar::SetBandTag(const QString& key, quintptr tag)
 {
     if (MenuBand* band = FindBand(key))
         band->tag = tag;
+}
+
+void taMenuBar::SetBandDock(const QString& key, BandDock dock)
+{
+    if (MenuBand* band = FindBand(key))
+        band->dock = dock;
 }
 
 bool taMenuBar::AddTool(const QString& bandKey, MenuTool tool, int parent, int index)
@@ -244,7 +254,7 @@ void taMenuBar::SetToolProperty(int id, ToolProperty property, const QVariant& v
     const PropertyRow* row = FindProperty(property);
     if (id == 0 || row == nullptr)
         return;
-    bool changed = false;
+    std::vector<int> changed; // keys, each once
     for (MenuBand& band : bands_) {
         // Deliberately kept from tool to tool: behind a tool of the wanted command, one with no command of its own
         // takes the change too.
@@ -255,14 +265,16 @@ void taMenuBar::SetToolProperty(int id, ToolProperty property, const QVariant& v
             const bool matches = tool.key == id || (property != ToolProperty::Action && actionId == id);
             if (matches && row->get(tool) != value) {
                 row->set(tool, value);
-                changed = true;
+                if (std::find(changed.begin(), changed.end(), tool.key) == changed.end())
+                    changed.push_back(tool.key);
             }
             return true;
         });
     }
-    if (!changed)
+    if (changed.empty())
         return;
-    emit ToolChanged(id);
+    for (const int key : changed)
+        emit ToolChanged(key);
     if (property == ToolProperty::Enabled || property == ToolProperty::Visible)
         emit CommandStateChanged(id);
 }

@@ -138,6 +138,8 @@ public:
     // The bands of that name, or, when the name is empty, of that type.
     void SetBandProperty(const QString& name, BandType type, BandProperty property, bool value);
     void SetBandTag(const QString& key, quintptr tag);
+    void SetBandDock(const QString& key,
+                     BandDock dock); // for the one that draws it: where it is, with no word to anyone
 
     // index: the place among its neighbours, from 0; anything else is the end. parent: the key of the tool that it
     // becomes a sub-tool of, 0 for the band itself. False: no such band or parent.
@@ -164,10 +166,11 @@ public:
     void SetToolProperty(int id, ToolProperty property, const QVariant& value) override;
 
 signals:
-    void BandsChanged();                     // anything but the state of single tools
-    void ToolChanged(int key);               // caption, check mark, state ... of the tools of this key
-    void CommandStateChanged(int key);       // the enabled or visible state of a tool was written
-    void BandOpen(kestrune::MenuTool& tool); // its sub-tools may be changed before they are shown
+    void BandsChanged();       // anything but the state of single tools
+    void ToolChanged(int key); // caption, check mark, state ... of the tools of this key
+    void BandDocked(const QString& key, kestrune::BandDock dock); // ChangeBand wrote another place
+    void CommandStateChanged(int key);                            // the enabled or visible state of a tool was written
+    void BandOpen(kestrune::MenuTool& tool);                      // its sub-tools may be changed before they are shown
     void ToolClick(const QString& band, const kestrune::MenuTool& tool);
 
 private:
