@@ -68,7 +68,7 @@ emu::KeyPress FunctionKey(int number, int bank)
 QString FunctionLabel(const EmulatorSettings& settings, int number, int bank)
 {
     const int code = FunctionKeyCode(number, bank);
-    if (const QString label = settings.FKeys(code + kLabels); !label.isEmpty())
+    if (QString label = settings.FKeys(code + kLabels); !label.isEmpty())
         return label;
     QString text = settings.FKeys(code);
     while (text.endsWith(u'\r') || text.endsWith(u'\n'))
