@@ -13,6 +13,7 @@
 #include <emulator/view/systemclipboard.h>
 #include <help/helpkey.h>
 #include <help/helpviewer.h>
+#include <media/systemmedia.h>
 #include <platform/backgroundfiles.h>
 #include <platform/endrequests.h>
 #include <platform/eventclock.h>
@@ -29,6 +30,7 @@
 #include <secrets/desktopsecrets.h>
 #include <settings/layer.h>
 #include <support/errors.h>
+#include <support/log.h>
 #include <support/qtquestions.h>
 #include <textfile/textfiles.h>
 
@@ -190,8 +192,8 @@ private:
 
     std::unique_ptr<ctlEmulator> MakeEmulator()
     {
-        return std::make_unique<ctlEmulator>(
-            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_, outputs_, printing_});
+        return std::make_unique<ctlEmulator>(EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_,
+                                                           waiter_, outputs_, printing_, media_});
     }
 
     static bool UnloadForms()
@@ -234,6 +236,7 @@ private:
     BackgroundFiles outputs_{clock_};
     SystemPrinting printing_;
     DesktopSecrets secrets_;
+    SystemMedia media_{clock_, WriteLog};
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;
