@@ -284,6 +284,8 @@ void MenuBarView::Show(taMenuBar* model)
     if (model == model_)
         return;
     drawing_.reset();
+    if (model_)
+        disconnect(model_, &QObject::destroyed, this, nullptr); // its end must not take the next one's drawing away
     model_ = model;
     if (model == nullptr)
         return;
