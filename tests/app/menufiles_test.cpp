@@ -30,7 +30,7 @@ struct FileCase
 const QString kBuiltIn =
     u"&File &Edit &View &Tools &Window &Help"_s; // host tools are hidden until their services are on
 
-const FileCase kCases[] = {
+const FileCase kFileCases[] = {
     {"no file", {}, {}, kBuiltIn, MenuSource::BuiltIn},
     {"a personal file", Menu("Mine"), {}, u"Mine"_s, MenuSource::Personal},
     {"a master file", {}, Menu("Ours"), u"Ours"_s, MenuSource::Master},
@@ -97,7 +97,7 @@ QString Captions(const WindowBench& bench)
 
 TEST(MenuFiles, TheFirstThatCanBeUsedComesUp)
 {
-    for (const FileCase& each : kCases) {
+    for (const FileCase& each : kFileCases) {
         SCOPED_TRACE(each.what);
         WindowBench bench;
         Put(bench, bench.layer.folders.AppDataDir, each.personal);

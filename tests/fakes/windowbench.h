@@ -123,10 +123,12 @@ public:
     }
     void CloseMenus() const
     {
-        while (QWidget* popup = QApplication::activePopupWidget())
-            popup->close();
-        if (window->menuBar()->activeAction() != nullptr)
-            QTest::keyClick(window->menuBar(), Qt::Key_Escape);
+        constexpr int deepest = 8; // sub-menus within each other, and the bar
+        for (int level = 0; level < deepest; ++level)
+            if (QWidget* popup = QApplication::activePopupWidget())
+                QTest::keyClick(popup, Qt::Key_Escape);
+            else if (window->menuBar()->hasFocus() || window->menuBar()->activeAction() != nullptr)
+                QTest::keyClick(window->menuBar(), Qt::Key_Escape);
     }
 
     frmMdiParent* window = nullptr;
