@@ -28,7 +28,7 @@ QString Say(const char* text) { return QCoreApplication::translate("Media", text
 
 void OpenToRead(QFile& file)
 {
-    if (!QFileInfo::exists(file.fileName()))
+    if (!QFileInfo(file.fileName()).isFile()) // a pipe would be waited for
         Raise(ErrorNumber::FileNotFound, Say("Cannot find \"%1\".").arg(file.fileName()));
     if (!file.open(QIODevice::ReadOnly))
         Raise(ErrorNumber::PathAccess, Say("Cannot read \"%1\": %2").arg(file.fileName(), file.errorString()));

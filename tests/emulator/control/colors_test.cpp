@@ -1,5 +1,6 @@
 // Attribute colours and palette, and pieces of the screen that programs keep with them.
 
+#include <dispatch/object.h>
 #include <emulator/control/colorscheme.h>
 #include <fakes/emulatorbench.h>
 #include <fakes/failures.h>

@@ -22,9 +22,13 @@ TEST(EmulatorMedia, PicturesStayUntilTheyAreUnloaded)
     bench.control.LoadImage(u"/b.png"_s, 0, 0);
     ASSERT_EQ(bench.control.Pictures().size(), 2U);
     EXPECT_EQ(FailureNumber([&] { bench.control.LoadImage(u"/gone.png"_s, 0, 0); }), int(ErrorNumber::FileNotFound));
-    for (const auto& [col, row, width] :
-         {std::tuple{-1, 0, 1}, std::tuple{80, 0, 1}, std::tuple{0, 24, 1}, std::tuple{0, 0, 81}, std::tuple{0, 0, -1}})
-        EXPECT_EQ(FailureNumber([&] { bench.control.LoadImage(u"/a.png"_s, col, row, width, 1); }), 5);
+    const struct
+    {
+        int col, row, width;
+    } outside[] = {{-1, 0, 1}, {80, 0, 1}, {0, 24, 1}, {0, 0, 81}, {0, 0, -1}};
+    for (const auto& place : outside)
+        EXPECT_EQ(FailureNumber([&] { bench.control.LoadImage(u"/a.png"_s, place.col, place.row, place.width, 1); }),
+                  5);
     EXPECT_EQ(changes, 2);
     bench.control.UnloadImage(u"/a.png"_s);
     ASSERT_EQ(bench.control.Pictures().size(), 1U);

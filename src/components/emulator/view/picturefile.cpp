@@ -1,11 +1,14 @@
 #include "picturefile.h"
 
+#include <QFileInfo>
 #include <QImageReader>
 
 namespace kestrune {
 
 QImage ReadPicture(const QString& path)
 {
+    if (!QFileInfo(path).isFile())
+        return {}; // a pipe would be waited for
     QImageReader reader(path);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
