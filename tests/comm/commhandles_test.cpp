@@ -105,12 +105,12 @@ TEST(CommHandles, AnswersQuestionsAboutTrustAndNoOthers)
 {
     HandleBench bench;
     EXPECT_EQ(bench.comm.ORCommEscape(bench.handle, CommEscape::Continue), 0);
-    bench.lines.Current().Ask({.id = 7, .kind = LineQuestion::Kind::ChangedHost});
+    bench.lines.Current().Ask({.id = 7, .kind = LineQuestion::Kind::ChangedHost, .title = {}, .text = {}});
     EXPECT_EQ(bench.Query(CommQuery::Question), 2);
     EXPECT_EQ(bench.comm.ORCommEscape(bench.handle, static_cast<CommEscape>(9)), 0);
     EXPECT_EQ(bench.comm.ORCommEscape(bench.handle, CommEscape::Update), 1);
     EXPECT_EQ(bench.Query(CommQuery::Question), 0);
-    bench.lines.Current().Ask({.id = 8, .kind = LineQuestion::Kind::Secrets});
+    bench.lines.Current().Ask({.id = 8, .kind = LineQuestion::Kind::Secrets, .title = {}, .text = {}});
     ASSERT_EQ(bench.lines.Current().answers.size(), 2U);
     EXPECT_EQ(bench.lines.Current().answers[0].choice, LineAnswer::Choice::Update);
     EXPECT_EQ(bench.lines.Current().answers[1].choice, LineAnswer::Choice::Nobody);

@@ -119,7 +119,10 @@ struct FakeSurroundings
           layer(PathStyle::Native(), files, system, user, machine)
     {}
 
-    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs, printing}; }
+    EmulatorPorts Ports()
+    {
+        return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs, printing, media};
+    }
 
     QTemporaryDir folder;
     FakeSystem system;
@@ -136,6 +139,7 @@ struct FakeSurroundings
     FakeWaiter waiter{clock};
     MemoryOutputFiles outputs{clock};
     MemoryPrinting printing{clock};
+    FakeMedia media;
     FakeRecorder recorder;
 
 private:
