@@ -30,6 +30,12 @@ void ApplyBarSetting(Kestrune& application, Bar bar, GlobalId id)
         frame->ApplyBar(bar, application.Boolean(id));
 }
 
+void ApplyFuncBars(Kestrune& application)
+{
+    for (const auto& session : application.Sessions().All())
+        session->ApplyFuncBar();
+}
+
 // What a changed setting does at once, beside being stored.
 struct Effect
 {
@@ -59,7 +65,9 @@ constexpr Effect kEffects[] = {
      [](Kestrune& a) { ApplyBarSetting(a, Bar::StatusLine, GlobalId::StatusLineVisible); }},
     {GlobalId::SessionBarVisible,
      [](Kestrune& a) { ApplyBarSetting(a, Bar::SessionBar, GlobalId::SessionBarVisible); }},
-    {GlobalId::FuncBarVisible, [](Kestrune& a) { ApplyBarSetting(a, Bar::FuncBar, GlobalId::FuncBarVisible); }},
+    {GlobalId::FuncBarVisible, ApplyFuncBars}, // a bar of each terminal, not of the frame
+    {GlobalId::FuncBarPos, ApplyFuncBars},
+    {GlobalId::FuncBarStyle, ApplyFuncBars},
     {GlobalId::CustomTitle,
      [](Kestrune& a) {
          if (FrameWindow* frame = a.MainWindow())

@@ -1,7 +1,7 @@
 #include <sessions/mdichild.h>
 
 #include <emulator/control/ctlemulator.h>
-#include <emulator/view/terminalview.h>
+#include <emulator/view/terminalpane.h>
 #include <menubar/tamenubar.h>
 #include <ports/application.h>
 #include <ports/questions.h>
@@ -63,10 +63,10 @@ PlatformKey FromKeyEvent(const QKeyEvent& event)
 frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulator> emulator,
                          std::unique_ptr<taMenuBar> menu)
     : application_(application), emulator_(std::move(emulator)), menu_(std::move(menu)),
-      view_(new TerminalView(*emulator_)), logic_(std::make_unique<ChildLogic>(application, *this)),
-      mark_(std::make_unique<SessionMark>(*emulator_))
+      pane_(new TerminalPane(*emulator_)), view_(&pane_->View()),
+      logic_(std::make_unique<ChildLogic>(application, *this)), mark_(std::make_unique<SessionMark>(*emulator_))
 {
-    setWidget(view_);
+    setWidget(pane_);
     panels_ = new SessionPanels(*this, *view_); // a new child is an event for this window
     setAttribute(Qt::WA_DeleteOnClose, false);  // it goes by Unload
     TakeOverSystemMenu();
@@ -87,7 +87,7 @@ frmMdiChild::~frmMdiChild()
     logic_.reset();
     mark_.reset();
     delete panels_; // before the terminal that it watches
-    delete view_;
+    delete pane_;
 }
 
 void frmMdiChild::OpenLink(const QString& target, bool mustAsk)

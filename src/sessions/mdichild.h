@@ -20,6 +20,7 @@ class ChildLogic;
 class SessionMark;
 class SessionPanels;
 class taMenuBar;
+class TerminalPane;
 class TerminalView;
 
 class frmMdiChild final : public QMdiSubWindow, public SessionWindow
@@ -95,7 +96,8 @@ private:
     ApplicationPort& application_;
     std::unique_ptr<ctlEmulator> emulator_;
     std::unique_ptr<taMenuBar> menu_;
-    TerminalView* view_ = nullptr;    // a child widget; goes before the emulator does
+    TerminalPane* pane_ = nullptr;    // a child widget; goes before the emulator does
+    TerminalView* view_ = nullptr;    // in the pane
     SessionPanels* panels_ = nullptr; // a child too
     std::unique_ptr<ChildLogic> logic_;
     std::unique_ptr<SessionMark> mark_;

@@ -306,16 +306,24 @@ void clsSession::LoadGlobalSettings()
     Settings().SetValue(Setting("DefaultXferDir"), application_.DefaultXferDir());
     emulator.SetTrackKeyboardState(application_.TrackKeyboardState());
     emulator.SetCustomMode(application_.CustomMode());
-    if (application_.FuncBarVisible()) {
-        emulator.SetFuncBarStyle(application_.FuncBarStyle());
-        emulator.SetFuncBarPos(application_.FuncBarPos());
-        const int bank = application_.FuncBarBank();
-        emulator.SetFuncBarBank(bank == 0 ? -1 : bank);
-    } else {
-        emulator.SetFuncBarBank(0);
-    }
+    ApplyFuncBar();
     if (customMouseTable_.isEmpty())
         Silently([this] { MouseTableLoad(application_.CustomMouseTable()); });
+}
+
+void clsSession::ApplyFuncBar()
+{
+    ctlEmulator& emulator = Emulator();
+    if (!application_.FuncBarVisible()) {
+        emulator.SetFuncBarBank(0);
+        return;
+    }
+    emulator.SetFuncBarStyle(application_.FuncBarStyle());
+    emulator.SetFuncBarPos(application_.FuncBarPos());
+    if (emulator.FuncBarBank() != 0)
+        return; // the bank that the user chose
+    const int bank = application_.FuncBarBank();
+    emulator.SetFuncBarBank(bank == 0 ? -1 : bank);
 }
 
 void clsSession::ApplySessionMenu()

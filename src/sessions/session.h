@@ -124,6 +124,7 @@ public:
     int MenuSource() const { return menuSource_; }
     void SetSessionTitle();
     void LoadGlobalSettings();
+    void ApplyFuncBar(); // the function bar as the global settings have it
     void ApplySessionMenu();
     void LoadMacroMenu(const QString& macroList);
     QString DefaultFontName() const;

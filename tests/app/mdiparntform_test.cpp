@@ -139,9 +139,9 @@ TEST(Frame, CtrlTabWalksBackThroughTheSessionsAsTheyWereUsed)
     bench.Settle();
     const auto active = [&] { return dynamic_cast<frmMdiChild*>(bench.form->ActiveChild()); };
     ASSERT_EQ(active(), &FormBench::WindowOf(*a));
-    QTest::keyPress(active()->widget(), Qt::Key_Tab, Qt::ControlModifier);
+    QTest::keyPress(&active()->View(), Qt::Key_Tab, Qt::ControlModifier);
     bench.Settle();
-    QTest::keyRelease(active()->widget(), Qt::Key_Control);
+    QTest::keyRelease(&active()->View(), Qt::Key_Control);
     EXPECT_EQ(active(), &FormBench::WindowOf(*c)) << "the one used before";
 }
 

@@ -71,6 +71,18 @@ INSTANTIATE_TEST_SUITE_P(All, ViewKeys,
                                          KeyCase{"ControlTabIsTheWindows", Qt::Key_Tab, kCtrl, "", "", ""}),
                          [](const auto& test) { return test.param.name; });
 
+TEST(ViewInput, AClickOnTextAnswersByTheMouseTable)
+{
+    ViewBench bench;
+    bench.control.MouseTableAdd(1, u"(\\d)\\. \\w+"_s, u"$1\r"_s, {});
+    bench.HostSays("1. Orders");
+    QTest::mouseClick(&bench.view, Qt::LeftButton, Qt::NoModifier, bench.Middle(4, 0));
+    EXPECT_EQ(bench.Host().TakeSent(), "1\r");
+    QTest::mouseClick(&bench.view, Qt::LeftButton, Qt::ShiftModifier, bench.Middle(4, 0));
+    QTest::mouseClick(&bench.view, Qt::LeftButton, Qt::NoModifier, bench.Middle(20, 0));
+    EXPECT_EQ(bench.Host().TakeSent(), "");
+}
+
 TEST(ViewInput, ControlAndALetterOfAnotherScriptIsTheLetterInItsPlace)
 {
     ViewBench bench;

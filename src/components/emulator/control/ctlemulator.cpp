@@ -2,6 +2,7 @@
 
 #include "datastream.h"
 #include "extensionfilter.h"
+#include "functionkeys.h"
 #include "heldselection.h"
 #include "hostcapture.h"
 #include "hosttext.h"
@@ -560,7 +561,9 @@ void ctlEmulator::TypeKey(const emu::KeyPress& key, int code)
         RunFunction(function, code);
         return;
     }
-    emu::KeyPress press = key;
+    if (key.key == emu::Key::Break)
+        return BreakKey();
+    emu::KeyPress press = settings_.Boolean(Setting("MapUpperFKeys")) ? MappedUpperFunctionKey(key) : key;
     if (capsLock_ && press.key == emu::Key::Text)
         press.text = SwapCase(QString::fromStdString(press.text)).toStdString();
     if (!MayType())

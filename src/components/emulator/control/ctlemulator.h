@@ -234,7 +234,7 @@ public:
     bool CapsLock() const { return capsLock_; } // swaps the case of typed letters
     void SetCapsLock(bool on) { capsLock_ = on; }
     bool TrackKeyboardState() const { return trackKeyboardState_; }
-    void SetTrackKeyboardState(bool on) { trackKeyboardState_ = on; }
+    void SetTrackKeyboardState(bool on); // the function bar shows the bank of the modifiers that are down
     QString KeyFunction(int code) const { return settings_.FKeys(code); } // empty: none on this key
 
     // --- held for the shell and for pieces to come
@@ -244,12 +244,12 @@ public:
     void SetCustomMode(int mode) { customMode_ = mode; }
     int TextFileEncoding() const { return textFileEncoding_; }
     void SetTextFileEncoding(int encoding) { textFileEncoding_ = encoding; }
-    int FuncBarPos() const { return funcBarPos_; }
-    void SetFuncBarPos(int pos) { funcBarPos_ = pos; }
-    int FuncBarStyle() const { return funcBarStyle_; }
-    void SetFuncBarStyle(int style) { funcBarStyle_ = style; }
-    int FuncBarBank() const { return funcBarBank_; }
-    void SetFuncBarBank(int bank) { funcBarBank_ = bank; }
+    int FuncBarPos() const { return funcBarPos_; } // 0 below the screen, 1 above, 2 left, 3 right
+    void SetFuncBarPos(int pos);
+    int FuncBarStyle() const { return funcBarStyle_; } // 0 key and label side by side, 1 one over the other, 2 label
+    void SetFuncBarStyle(int style);
+    int FuncBarBank() const { return funcBarBank_; } // 0 no bar, -1 the keys alone, else as in functionkeys.h
+    void SetFuncBarBank(int bank);
     bool RecordingText() const { return recordingText_; } // macro-recording switches: host text, typed keys
     void SetRecordingText(bool on) { recordingText_ = on; }
     bool RecordingKeys() const { return recordingKeys_; }
@@ -329,7 +329,8 @@ signals:
     void Bell();
     void InputRefused(); // a key while there is no line, or the keyboard is locked
     void HostTitleChange(const QString& title);
-    void LookChanged(); // font, palette or attribute colours
+    void LookChanged();    // font, palette or attribute colours
+    void FuncBarChanged(); // place, style or bank of the function bar, or whether it follows the keyboard
 
 private:
     class Listener;
@@ -369,6 +370,7 @@ private:
     bool MayType(); // false: refused, with a sign
     void Typed(std::string_view bytes, const QString& text, int code);
     void RunFunction(const QString& text, int code);
+    void BreakKey(); // what the setting BreakKeyAction says
     void PasteText(const QString& text, Cause cause);
     void SetStatus(LineState state, const QString& text);
     void LineFailed(quint32 word, const QString& description, bool fatal);

@@ -65,7 +65,7 @@ public:
 
     // --- indexed
     // What a function key sends instead of its own sequence; empty: its own. The code is the virtual key plus
-    // 1000 for Shift, 2000 for Control, 4000 for Alt; 10000 more for what it does while the host has keys loaded.
+    // 1000 for Shift, 2000 for Control, 4000 for Alt; 10000 more for the label that the function bar shows for it.
     QString FKeys(int code) const { return state_.fkeys.value(code); }
     void SetFKeys(int code, const QString& text);
     static bool IsFKeyCode(int code);

@@ -2,6 +2,8 @@
 
 #include "keymap.h"
 
+#include <emulator/control/mousereply.h>
+
 #include <QApplication>
 #include <QMenu>
 #include <QStyleHints>
@@ -72,6 +74,19 @@ void PointerInput::CountClick(const QMouseEvent& event)
     sinceClick_.start();
 }
 
+// With Shift the text can still be selected.
+bool PointerInput::AnswerFromTable(const QMouseEvent& event)
+{
+    if (emulator_.MouseTable().empty() || event.modifiers().testFlag(Qt::ShiftModifier))
+        return false;
+    const TextPlace place = canvas_.PlaceAt(event.position());
+    const bool twice = event.type() == QEvent::MouseButtonDblClick;
+    const auto reply = MouseReply(emulator_, {EventButton(event.button()), twice, place.cell, place.row});
+    if (reply)
+        emulator_.TypeText(*reply);
+    return reply.has_value();
+}
+
 void PointerInput::Press(const QMouseEvent& event)
 {
     lastMove_ = event.position();
@@ -84,6 +99,8 @@ void PointerInput::Press(const QMouseEvent& event)
             return;
         }
     }
+    if (AnswerFromTable(event))
+        return;
     switch (event.button()) {
     case Qt::LeftButton:
         pressedLink_ = LinkUnder(event.position(), event.modifiers());

@@ -37,6 +37,7 @@ private:
     bool HostWantsMouse(Qt::KeyboardModifiers modifiers) const;
     bool Report(emu::MouseKind kind, emu::MouseButton button, const QPointF& position, Qt::KeyboardModifiers modifiers);
     void ScrollWhileSelecting();
+    bool AnswerFromTable(const QMouseEvent& event); // false: nothing in the mouse table is for this click
     std::optional<Link> LinkUnder(QPointF position, Qt::KeyboardModifiers modifiers) const;
     void ShowLink();
     void FollowPointer(bool onLink);

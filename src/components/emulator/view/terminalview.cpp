@@ -315,10 +315,7 @@ void TerminalView::keyPressEvent(QKeyEvent* event)
     }
     if (RunViewKey(*event, mapped->code))
         return;
-    if (mapped->press.key == emu::Key::Break)
-        emulator_.Break();
-    else
-        emulator_.TypeKey(mapped->press, mapped->code);
+    emulator_.TypeKey(mapped->press, mapped->code);
 }
 
 void TerminalView::keyReleaseEvent(QKeyEvent* event)
