@@ -27,7 +27,7 @@ int main(int argc, char** argv)
             QElapsedTimer timer;
             timer.start();
             all[(i * 37) % all.size()]->Activate(); // neighbours in time are none in the row
-            FormBench::Settle();
+            bench.Settle();
             times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
         }
     std::sort(times.begin(), times.end());

@@ -23,14 +23,15 @@ public:
     ~FormBench() override
     {
         for (const auto& session : Application().Sessions().All())
-            session->TerminateSession(false);
+            session->Delete();
         Settle();
+        main->Release();
     }
 
-    static void Settle()
+    void Settle()
     {
         for (int i = 0; i < 3; ++i) { // posted work posts more
-            QCoreApplication::sendPostedEvents();
+            clock.RunPosted();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             QCoreApplication::processEvents();
         }

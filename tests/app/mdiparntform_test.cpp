@@ -23,7 +23,7 @@ TEST(Frame, TabsFollowTheSessionsAndADraggedOneMovesItsSession)
     const auto a = bench.Open(u"a.orcf"_s), b = bench.Open(u"b.orcf"_s), c = bench.Open(u"c.orcf"_s);
     EXPECT_EQ(bench.TabTexts(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
     emit bench.Tabs().Dragged(c->frmSession()->Handle(), a->frmSession()->Handle());
-    FormBench::Settle();
+    bench.Settle();
     EXPECT_EQ(bench.TabTexts(), (QStringList{u"c"_s, u"a"_s, u"b"_s}));
     MenuTool windows;
     windows.key = 514;
@@ -35,7 +35,7 @@ TEST(Frame, TabsFollowTheSessionsAndADraggedOneMovesItsSession)
     EXPECT_EQ(menu.tools[1].caption, u"&1  c"_s) << "the Window list has the same order";
 
     emit bench.Tabs().SessionTabClose(a->frmSession()->Handle());
-    FormBench::Settle();
+    bench.Settle();
     EXPECT_EQ(bench.TabTexts(), (QStringList{u"c"_s, u"b"_s}));
     EXPECT_TRUE(b->Visible());
 }
@@ -48,7 +48,7 @@ TEST(Frame, ATabIsRenamedInPlace)
     auto* box = bench.Tabs().findChild<QLineEdit*>(u"frmRename"_s);
     QTest::keyClicks(box, u"Payroll & co"_s);
     QTest::keyClick(box, Qt::Key_Return);
-    FormBench::Settle();
+    bench.Settle();
     EXPECT_EQ(session->frmSession()->Title(), u"Payroll & co"_s);
     EXPECT_EQ(bench.TabTexts(), QStringList{u"Payroll && co"_s});
     EXPECT_TRUE(bench.form->windowTitle().endsWith(u"[Payroll & co]"_s));
@@ -63,7 +63,7 @@ TEST(Frame, ATabTellsOfASessionThatIsNotLookedAt)
     host.Connect();
     const auto b = bench.Open(u"b.orcf"_s);
     const auto says = [&](int tab) {
-        FormBench::Settle();
+        bench.Settle();
         return bench.Tabs().accessibleTabName(tab);
     };
     EXPECT_EQ(says(0), u"a Connected"_s);
@@ -102,7 +102,7 @@ TEST(Frame, ASwitchOfSessionsMovesNoBar)
     qApp->installEventFilter(&changes);
     for (int i = 0; i < 4; ++i) {
         (i % 2 == 0 ? a : b)->Activate();
-        FormBench::Settle();
+        bench.Settle();
     }
     qApp->removeEventFilter(&changes);
     EXPECT_EQ(changes.moves, 0);
@@ -110,20 +110,24 @@ TEST(Frame, ASwitchOfSessionsMovesNoBar)
 
 TEST(Frame, BarPlacesAreKeptAsTheyAreMoved)
 {
-    FormBench bench;
-    const auto session = bench.Open(u"a.orcf"_s);
-    EXPECT_EQ(bench.Stored(u"BarPlaces"_s), u"-"_s);
-    auto& bars = FormBench::WindowOf(*session).Menu();
-    EXPECT_TRUE(bars.ChangeBand(u"Toolbar"_s, [](MenuBand& band) { band.dock = BandDock::Left; }));
-    FormBench::Settle();
-    EXPECT_NE(bench.Stored(u"BarPlaces"_s), u"-"_s);
-    EXPECT_EQ(bench.form->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left) << "in every menu";
-    const QString places = bench.Stored(u"BarPlaces"_s);
+    QString places;
+    {
+        FormBench bench;
+        const auto session = bench.Open(u"a.orcf"_s);
+        EXPECT_EQ(bench.Stored(u"BarPlaces"_s), u"-"_s);
+        auto& bars = FormBench::WindowOf(*session).Menu();
+        EXPECT_TRUE(bars.ChangeBand(u"Toolbar"_s, [](MenuBand& band) { band.dock = BandDock::Left; }));
+        bench.Settle();
+        places = bench.Stored(u"BarPlaces"_s);
+        EXPECT_NE(places, u"-"_s);
+        EXPECT_EQ(bench.form->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left) << "in every menu";
+    }
     FormBench again;
     again.form->RestoreBars(places);
-    FormBench::Settle();
+    again.Settle();
     EXPECT_EQ(again.form->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left);
     again.form->RestoreBars(u"%% not even this"_s);
+    EXPECT_EQ(again.form->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left);
 }
 
 TEST(Frame, CtrlTabWalksBackThroughTheSessionsAsTheyWereUsed)
@@ -132,12 +136,12 @@ TEST(Frame, CtrlTabWalksBackThroughTheSessionsAsTheyWereUsed)
     const auto a = bench.Open(u"a.orcf"_s), b = bench.Open(u"b.orcf"_s), c = bench.Open(u"c.orcf"_s);
     emit bench.Tabs().Dragged(c->frmSession()->Handle(), a->frmSession()->Handle()); // the order of tabs is another
     a->Activate();
-    FormBench::Settle();
+    bench.Settle();
     const auto active = [&] { return dynamic_cast<frmMdiChild*>(bench.form->ActiveChild()); };
     ASSERT_EQ(active(), &FormBench::WindowOf(*a));
-    QTest::keyPress(active()->widget(), Qt::Key_Tab, Qt::ControlModifier);
-    FormBench::Settle();
-    QTest::keyRelease(active()->widget(), Qt::Key_Control);
+    QTest::keyPress(&active()->View(), Qt::Key_Tab, Qt::ControlModifier);
+    bench.Settle();
+    QTest::keyRelease(&active()->View(), Qt::Key_Control);
     EXPECT_EQ(active(), &FormBench::WindowOf(*c)) << "the one used before";
 }
 

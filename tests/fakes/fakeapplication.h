@@ -15,6 +15,7 @@
 
 #include "fakeclock.h"
 #include "fakemainwindow.h"
+#include "fakemedia.h"
 #include "fakequestions.h"
 #include "fakesystem.h"
 #include "fakewaiter.h"
