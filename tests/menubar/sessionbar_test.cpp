@@ -114,8 +114,9 @@ TEST(SessionBar, RenameEndsByEnterEscapeOrGoingElsewhere)
         QTest::keyClicks(box, row.text);
         QTest::keyClick(box, row.key);
         EXPECT_EQ(renamed.count(), row.name.isEmpty() ? 0 : 1);
-        if (!row.name.isEmpty())
+        if (!row.name.isEmpty()) {
             EXPECT_EQ(renamed[0][1].toString(), row.name);
+        }
         EXPECT_EQ(ended.count(), 1);
         EXPECT_FALSE(box->isVisible());
     }

@@ -214,7 +214,7 @@ struct KeepingBench : TroubleBench
                 .place = place,
                 .again = again};
     }
-    void Ask(const LineQuestion& question)
+    void HostAsks(const LineQuestion& question)
     {
         lines.Current().Ask(question);
         clock.RunPosted();
@@ -231,15 +231,15 @@ struct KeepingBench : TroubleBench
 TEST(KeptSecrets, AreOfferedOnlyWhereTheyCanBeKept)
 {
     KeepingBench bench;
-    bench.Ask(bench.Question(1));
+    bench.HostAsks(bench.Question(1));
     EXPECT_EQ(bench.Panels().shown, LinePanel::Secrets);
     EXPECT_FALSE(bench.Panels().offersKeeping);
     bench.Type("pw", false);
     bench.keeper.isThere = true;
-    bench.Ask(bench.Question(2));
+    bench.HostAsks(bench.Question(2));
     EXPECT_TRUE(bench.Panels().offersKeeping);
     bench.Type("pw", false);
-    bench.Ask(bench.Question(3, false, {})); // a code of the moment
+    bench.HostAsks(bench.Question(3, false, {})); // a code of the moment
     EXPECT_FALSE(bench.Panels().offersKeeping);
 }
 
@@ -247,9 +247,9 @@ TEST(KeptSecrets, AreKeptWhenTheHostHasTakenThemAndAnswerTheNextTime)
 {
     KeepingBench bench;
     bench.keeper.isThere = true;
-    bench.Ask(bench.Question(1));
+    bench.HostAsks(bench.Question(1));
     bench.Type("wrong", true);
-    bench.Ask(bench.Question(2, true));
+    bench.HostAsks(bench.Question(2, true));
     bench.Type("right", true);
     EXPECT_TRUE(bench.keeper.kept.empty()) << "nobody knows yet whether it is right";
     bench.lines.Current().Connect();
@@ -259,10 +259,10 @@ TEST(KeptSecrets, AreKeptWhenTheHostHasTakenThemAndAnswerTheNextTime)
     KeepingBench next;
     next.keeper.isThere = true;
     next.keeper.kept = bench.keeper.kept;
-    next.Ask(next.Question(1));
+    next.HostAsks(next.Question(1));
     EXPECT_EQ(next.Panels().shown, LinePanel::None);
     EXPECT_EQ(next.Answered(), "right");
-    next.Ask(next.Question(2, true)); // it is another one now
+    next.HostAsks(next.Question(2, true)); // it is another one now
     EXPECT_EQ(next.Panels().shown, LinePanel::Secrets);
     EXPECT_TRUE(next.keeper.kept.empty()) << "it would be refused every time";
     next.Type("new", false);
@@ -274,7 +274,7 @@ TEST(KeptSecrets, OfALostLineAreNotKeptAndDoNotAnswer)
 {
     KeepingBench bench;
     bench.keeper.isThere = true;
-    bench.Ask(bench.Question(1));
+    bench.HostAsks(bench.Question(1));
     bench.Type("pw", true);
     bench.lines.Current().Ask(bench.Question(2, true));
     bench.lines.Current().Drop();
