@@ -45,10 +45,10 @@ public:
     SessionBar& Tabs() const { return *form->findChild<SessionBar*>(); }
     QStringList TabTexts() const
     {
-        QStringList texts;
+        QStringList tabs;
         for (int i = 0; i < Tabs().count(); ++i)
-            texts.append(Tabs().tabText(i));
-        return texts;
+            tabs.append(Tabs().tabText(i));
+        return tabs;
     }
     static frmMdiChild& WindowOf(const clsSession& session)
     {

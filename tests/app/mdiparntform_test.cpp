@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
-#include <QApplication>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QStatusBar>
@@ -30,7 +29,7 @@ TEST(Frame, TabsFollowTheSessionsAndADraggedOneMovesItsSession)
     windows.action = u"[#514]"_s;
     MenuTool menu;
     menu.tools = {windows};
-    bench.Application().Menu().BandOpen(menu, nullptr);
+    bench.Application().Menu().BandOpen(bench.form->Menu(), menu, nullptr);
     ASSERT_EQ(menu.tools.size(), 4u);
     EXPECT_EQ(menu.tools[1].caption, u"&1  c"_s) << "the Window list has the same order";
 
@@ -147,11 +146,3 @@ TEST(Frame, CtrlTabWalksBackThroughTheSessionsAsTheyWereUsed)
 
 } // namespace
 } // namespace kestrune
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

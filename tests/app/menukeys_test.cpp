@@ -152,11 +152,3 @@ TEST(MenuKeys, AKeyThatAMenuFileGivesIsTaken)
 } // namespace
 
 } // namespace kestrune
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -138,8 +138,8 @@ protected:
     std::unique_ptr<FrameWindow> MakeFrame(Kestrune& application) override
     {
         auto made = std::make_unique<frmMdiParent>(
-            application,
-            frmMdiParent::Parts{[this] { return std::make_unique<ctlEmulator>(Ports()); }, [this] { ended = true; }});
+            application, frmMdiParent::Parts{
+                             [this] { return std::make_unique<ctlEmulator>(Ports()); }, [this] { ended = true; }, {}});
         window = made.get();
         main->SetExit([logic = &made->Logic()] { logic->EndFrame(CloseCode::Code); });
         return made;

@@ -83,8 +83,9 @@ TEST(WaveFile, CutOffAnywhereIsShorterOrNone)
 {
     const QByteArray whole = WaveOf({"", 1, 1, 8000, 16, QByteArray(40, 7), {}});
     for (qsizetype length = 0; length < whole.size(); ++length)
-        if (const auto sound = SoundOfWave(whole.left(length)))
+        if (const auto sound = SoundOfWave(whole.left(length))) {
             EXPECT_LT(sound->samples.size(), 20U) << length;
+        }
     QByteArray lies = whole;
     lies.replace(lies.indexOf("data") + 4, 4, QByteArray(4, char(0xFF)));
     const auto sound = SoundOfWave(lies);
