@@ -82,10 +82,10 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(WaveFile, CutOffAnywhereIsShorterOrNone)
 {
     const QByteArray whole = WaveOf({"", 1, 1, 8000, 16, QByteArray(40, 7), {}});
-    for (qsizetype length = 0; length < whole.size(); ++length) {
-        const auto sound = SoundOfWave(whole.left(length));
-        EXPECT_LT(sound.value_or(Sound{}).samples.size(), 20U) << length;
-    }
+    for (qsizetype length = 0; length < whole.size(); ++length)
+        if (const auto sound = SoundOfWave(whole.left(length))) {
+            EXPECT_LT(sound->samples.size(), 20U) << length;
+        }
     QByteArray lies = whole;
     lies.replace(lies.indexOf("data") + 4, 4, QByteArray(4, char(0xFF)));
     const auto sound = SoundOfWave(lies);

@@ -8,6 +8,7 @@
 #include "hosttext.h"
 #include "latintext.h"
 #include "pastequeue.h"
+#include "phonecall.h"
 #include "replybudget.h"
 #include "resumption.h"
 #include "screentext.h"
@@ -97,6 +98,7 @@ public:
     void LineRemoteEcho(bool remote) override { c_.hostEchoes_ = remote; }
     void LineResumed(bool sameSession) override { c_.Resumed(sameSession); }
     void LineAsks(const LineQuestion& question) override { c_.LineAsked(question); }
+    void LineDialStatus(enum DialStatus status, const QString&) override { c_.CallChanged(status); }
     void LineDrained() override { c_.PumpPaste(); }
 
     bool sizeChanged = false;
@@ -113,7 +115,7 @@ ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
       extension_(std::make_unique<ExtensionFilter>()),
       printer_(std::make_unique<SlavePrinter>(ports.printing, ports.clock, TellOutcome())),
       selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>()),
-      resumption_(std::make_unique<Resumption>())
+      resumption_(std::make_unique<Resumption>()), call_(std::make_unique<PhoneCall>())
 {
     size_.cols = settings_.Integer(Setting("NormCols"));
     size_.rows = settings_.Integer(Setting("NormRows"));
@@ -216,6 +218,7 @@ void ctlEmulator::OpenLine(std::shared_ptr<LineResume> from)
     // RFC 854: until a host offers to echo, a network virtual terminal does it itself.
     const bool telnet = options.device == Device::Telnet || options.device == Device::SslTelnet;
     hostEchoes_ = !telnet || options.telnet.bypass;
+    call_->LineOpens(options.device == Device::Modem);
     line_ = ports_.lines.Make(options, *listener_);
     if (line_)
         line_->Open();
@@ -253,15 +256,16 @@ void ctlEmulator::Abort()
 {
     bytesOut_ += paste_->Abort(line_.get());
     stream_->Cancel();
+    AbortDialing();
 }
-
-void ctlEmulator::HangUp(int) { SetOnLine(false); }
 
 void ctlEmulator::SetStatus(LineState state, const QString& text)
 {
     if (shutDown_)
         return;
     lineState_ = state;
+    if (IsLineUp() && call_->IsMissing())
+        DialWanted();
     wasConnected_ = wasConnected_ || state == LineState::Connected;
     // A line that has closed says why by other notices; the reason is what the status shows.
     QString shown = state == LineState::Closed && text.isEmpty() ? endText_ : text;
@@ -283,6 +287,7 @@ void ctlEmulator::LineEnded()
 {
     resumption_->Keep(closing_ || !line_ ? nullptr : line_->TakeResume());
     line_.reset();
+    call_->LineClosed();
     paste_->Abort(nullptr);
     if (shutDown_)
         return;
@@ -322,6 +327,7 @@ void ctlEmulator::Shutdown()
     PrinterClose();
     paste_->Abort(nullptr);
     stream_->Cancel();
+    call_->Settle();
     if (line_)
         line_->Close(); // destroyed when it says that it is closed, or with this control
 }
@@ -442,7 +448,7 @@ void ctlEmulator::TellSize()
 
 void ctlEmulator::SendBytes(std::string_view bytes)
 {
-    if (!Connected() || !line_ || bytes.empty())
+    if (!IsLineUp() || !line_ || bytes.empty())
         return;
     bytesOut_ += bytes.size();
     line_->Send(bytes);
@@ -524,7 +530,7 @@ void ctlEmulator::SetLockKeyboard(bool on)
 bool ctlEmulator::MayType()
 {
     const bool local = settings_.Integer(Setting("Duplex")) == 2;
-    if (!shutDown_ && !LockKeyboard() && !stream_->RefusesTyping() && (Connected() || local))
+    if (!shutDown_ && !LockKeyboard() && !stream_->RefusesTyping() && (IsLineUp() || local))
         return true;
     ports_.ask.Beep();
     emit InputRefused();
@@ -600,7 +606,7 @@ void ctlEmulator::TypeText(const QString& text)
 
 bool ctlEmulator::SendMouse(const emu::MouseAction& action)
 {
-    if (!settings_.Boolean(Setting("MouseEnable")) || !Connected())
+    if (!settings_.Boolean(Setting("MouseEnable")) || !IsLineUp())
         return false;
     const std::string bytes = terminal_->MouseBytes(action);
     SendBytes(bytes);
@@ -611,7 +617,7 @@ void ctlEmulator::SendFocus(bool gained) { SendBytes(terminal_->FocusBytes(gaine
 
 void ctlEmulator::WriteText(const QString& text)
 {
-    if (!Connected())
+    if (!IsLineUp())
         throw Failure(ErrorNumber::DeviceUnavailable, tr("There is no connection to write to."), kSource);
     SendBytes(terminal_->EncodeText(text.toStdString()));
 }

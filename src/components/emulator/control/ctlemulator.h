@@ -40,6 +40,7 @@ class HostCapture;
 class HostText;
 class Media;
 class PasteQueue;
+class PhoneCall;
 class Resumption;
 class SlavePrinter;
 class StandingQuestion;
@@ -106,16 +107,21 @@ public:
     bool OnLine() const; // a line is open or being opened
     // true opens the line that Settings describes; the outcome comes by events. false closes it.
     void SetOnLine(bool on);
-    bool Connected() const { return lineState_ == LineState::Connected; }
+    bool Connected() const; // over a modem: a call stands
     LineState State() const { return lineState_; }
     bool HasChildren() const; // a program besides the shell itself runs at the far end
-    int DialStatus() const { return 0; }
-    qint32 BytesIn() const; // since the line was last opened; stays at the largest number
+    int DialStatus() const;   // enum DialStatus (ports/line.h)
+    qint32 BytesIn() const;   // since the line was last opened; stays at the largest number
     qint32 BytesOut() const;
     void Break();
     void Abort(); // ends a paste that is still going out, and a call that waits for the host
-    void Dial(const QString& phoneNumber, int wait = 0);
-    void HangUp(int wait = 0); // closes the line
+    // Over a modem, which is opened when it is not. -1: the modem dials, or will when it is ready; with wait, once the
+    // call stands (with a live window; the control may be gone after it). 0: it cannot, or the call was not made; see
+    // DialStatus. Raises Failure when the session is not over a modem.
+    int Dial(const QString& phoneNumber, int wait = 0);
+    // Ends the call, or the try to make one; on other devices closes the line. With wait, returns when it has ended.
+    // 0: there was nothing to end, or the modem would not.
+    int HangUp(int wait = 0);
     // ResetMode. The three about a host key answer the question that CommError has put; nothing happens without one.
     void Reset(int mode = 0);
     // Answers SecretsWanted; nothing happens when that question no longer stands.
@@ -386,6 +392,10 @@ private:
     void RunFunction(const QString& text, int code);
     void BreakKey(); // what the setting BreakKeyAction says
     void PasteText(const QString& text, Cause cause);
+    bool IsLineUp() const { return lineState_ == LineState::Connected; }
+    void DialWanted();
+    void AbortDialing();
+    void CallChanged(enum DialStatus status);
     void PumpPaste();
     void CopyArea(const SelectionArea& area);
     void TakeOfferedClipboard();
@@ -430,6 +440,7 @@ private:
     std::unique_ptr<StandingQuestion> question_;
     std::unique_ptr<Resumption> resumption_;
     std::unique_ptr<Clock::Timer> resumeTimer_;
+    std::unique_ptr<PhoneCall> call_;
     bool replaying_ = false; // the host has had the answers to what the screen now takes again
     LineState lineState_ = LineState::Closed;
     bool closing_ = false; // we asked for the end of the line

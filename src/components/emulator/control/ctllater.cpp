@@ -23,7 +23,6 @@ struct LaterMember
 
 constexpr std::array kLater{
     LaterMember{"ScrMode", QT_TRANSLATE_NOOP("Later", "extended screen mode")},
-    LaterMember{"Dial", QT_TRANSLATE_NOOP("Later", "dialer")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
 };
 
@@ -46,7 +45,6 @@ consteval const char* FeatureOf(std::string_view member)
 } // namespace
 
 void ctlEmulator::RefuseExtendedScreen() { RaiseNotBuilt(FeatureOf("ScrMode")); }
-void ctlEmulator::Dial(const QString&, int) { RaiseNotBuilt(FeatureOf("Dial")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 

@@ -212,6 +212,9 @@ inline constexpr auto SettingsTable = [] {
         T("ProxyHost"),
         T("ProxyPort"),
         T("ProxyUser"), // its password is asked for and stands nowhere
+        T("SSHJump"), // user@host:port, ...; none; empty: as the user's SSH configuration says
+        T("SSHForwards"), // L8080:host:80, R2222:host:22, D1080
+        B("SSHForwardAgent"),
         B("HostSetsClipboard"), // what the host offers for the clipboard (OSC 52) is put there
         B("CopyPlainText"),     // copies have no formatted form
     };
