@@ -140,6 +140,9 @@ struct LineOptions
         int breakCharacter = 0; // sent for a break; 0: the channel request of RFC 4335
         HostKeyValidation hostKeyValidation = HostKeyValidation::Ask;
         QString hostKeyFingerprint; // "SHA256:..."; not empty: this key and no other
+        QString jump;               // "user@host:port, ..."; empty: what the user's configuration says; "none"
+        QString forwards;           // "L8080:host:80, R2222:host:22, D1080": comm/sshforwardlist.h
+        bool forwardAgent = false;  // the host's programs may use the user's agent
     } ssh;
 
     struct Resume
@@ -227,6 +230,9 @@ struct LineQuestion
     // What it is about, in the user's words. What a host has said in it is marked as such and cleared of controls.
     QString text;
     std::vector<Field> fields{}; // of secrets, may be empty
+    // What the answer is for, the same at each connection: "password ann@host:22". Empty: nothing that could be kept.
+    QString place{};
+    bool again = false; // the last answer was not accepted
 };
 
 struct LineAnswer

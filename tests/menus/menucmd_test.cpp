@@ -97,7 +97,7 @@ TEST_F(MenuCmdTest, SessionCommands)
 TEST_F(MenuCmdTest, CaptureAndPrinterAreTurnedOnAndOff)
 {
     const auto session = Open();
-    MissingCommandPieces pieces(bench_.ask, [](const QString&) {});
+    MissingCommandPieces pieces(bench_.ask, {}, {});
     const QString file = bench_.Home(u"capture.txt"_s);
     bench_.ask.files = {std::nullopt, file};
     pieces.ShowCaptureStart(*session);
@@ -152,7 +152,7 @@ TEST_F(MenuCmdTest, SaveOfAFileThatCannotBeWrittenLeadsToSaveAs)
 TEST_F(MenuCmdTest, RecentFilesAndWindowsFillTheirMenus)
 {
     taMenuBar& bars = bench_.Frame().menu;
-    QObject::connect(&bars, &taMenuBar::BandOpen, &bars, [&](MenuTool& tool) { menu_.BandOpen(tool, nullptr); });
+    QObject::connect(&bars, &taMenuBar::BandOpen, &bars, [&](MenuTool& tool) { menu_.BandOpen(bars, tool, nullptr); });
     application_.AddRecent(u"/x/b&c.orcf"_s);
     application_.AddRecent(bench_.Home(u"a.orcf"_s));
     const auto first = Open(u"one.orcf"_s);

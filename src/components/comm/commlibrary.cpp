@@ -8,6 +8,7 @@
 #include <comm/modemcatalog.h>
 #include <comm/modemline.h>
 #include <comm/serialline.h>
+#include <comm/sshkeys.h>
 #include <platform/fipspolicy.h>
 #include <platform/serialport.h>
 
@@ -136,6 +137,37 @@ int CommLibrary::ORTranslateNumber(const QString& canonical, int, QString& diala
     dialable.clear();
     displayed.clear();
     return 0;
+}
+
+int CommLibrary::ORSSHKeyGen(const QString& type, int bits, const QString& comment, const Secret& passphrase,
+                             const QString& file, QString& why) const
+{
+    auto result = comm::MakeSshKey({type, bits, comment, passphrase.Copy()}, file);
+    why = result.error;
+    return result.text.isEmpty() ? 0 : 1;
+}
+
+int CommLibrary::ORSSHPubKey(const QString& file, const Secret& passphrase, QString& line, QString& why) const
+{
+    const auto result = comm::PublicSshKey(file, passphrase);
+    why = result.error;
+    line = QString::fromUtf8(result.text);
+    return static_cast<int>(line.size());
+}
+
+int CommLibrary::ORSSHFingerprint(const QString& file, int kind, QString& text, QString& why) const
+{
+    const auto result =
+        comm::SshKeyFingerprint(file, kind == 1 ? comm::SshFingerprintKind::Md5 : comm::SshFingerprintKind::Sha256);
+    why = result.error;
+    text = QString::fromUtf8(result.text);
+    return static_cast<int>(text.size());
+}
+
+int CommLibrary::ORSSHGetRandom(int count, QByteArray& bytes) const
+{
+    bytes = comm::SshRandom(count);
+    return count > 0 && bytes.size() == count ? 1 : 0;
 }
 
 // Asked of the library that TLS would load, so that a program that never uses TLS does not load it at its start.

@@ -13,7 +13,9 @@
 
 #include <ports/clock.h>
 #include <ports/line.h>
+#include <ports/secret.h>
 
+#include <QByteArray>
 #include <QString>
 
 #include <memory>
@@ -53,6 +55,19 @@ public:
     // success; zero when nothing to dial is left or a text would not fit into length characters.
     int ORTranslateNumber(const QString& canonical, int options, QString& dialable, QString& displayed,
                           int length) const;
+    // Makes a key pair for SSH logins: type "ed25519", "ecdsa" or "rsa", bits 0 for the usual number; the private half
+    // into the file, the public one beside it as file.pub; neither may stand there already. An ed25519 key is written
+    // in OpenSSH's own form, the others as PKCS#8, encrypted when there is a passphrase. Non-zero on success; else why
+    // says what was wrong.
+    int ORSSHKeyGen(const QString& type, int bits, const QString& comment, const Secret& passphrase,
+                    const QString& file, QString& why) const;
+    // The public half of a key file, as one line for a host's list of keys. Result: its length, 0 with a reason.
+    int ORSSHPubKey(const QString& file, const Secret& passphrase, QString& line, QString& why) const;
+    // The fingerprint of a key file's public half: kind 0 "SHA256:...", 1 "MD5:...". Result: its length, 0 with a
+    // reason.
+    int ORSSHFingerprint(const QString& file, int kind, QString& text, QString& why) const;
+    // Bytes for keys and tokens. Non-zero on success; then there are count of them.
+    int ORSSHGetRandom(int count, QByteArray& bytes) const;
     // Whether the cryptographic library that the program would use runs in its FIPS mode.
     bool GetFipsMode() const;
     // Whether the system's administrator asks for that mode. The program follows the library, not this.

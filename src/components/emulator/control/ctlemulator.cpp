@@ -7,7 +7,6 @@
 #include "hostcapture.h"
 #include "hosttext.h"
 #include "latintext.h"
-#include "pasteadvice.h"
 #include "pastequeue.h"
 #include "phonecall.h"
 #include "replybudget.h"
@@ -67,6 +66,10 @@ public:
     void ScreenSizeChanged(emu::Size) override { sizeChanged = true; }
     void PrinterStateChanged(int state) override { c_.hostPrints_ = state != 0; }
     void PrinterData(std::string_view bytes) override { c_.HostPrints(bytes); }
+    void ClipboardOffered(std::string_view utf8) override
+    {
+        c_.offered_ = QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
+    }
     void HistoryAdded(int rows) override
     {
         if (c_.scrollback_ > 0)
@@ -96,11 +99,7 @@ public:
     void LineResumed(bool sameSession) override { c_.Resumed(sameSession); }
     void LineAsks(const LineQuestion& question) override { c_.LineAsked(question); }
     void LineDialStatus(enum DialStatus status, const QString&) override { c_.CallChanged(status); }
-    void LineDrained() override
-    {
-        if (c_.line_)
-            c_.bytesOut_ += c_.paste_->Pump(*c_.line_);
-    }
+    void LineDrained() override { c_.PumpPaste(); }
 
     bool sizeChanged = false;
 
@@ -111,8 +110,9 @@ private:
 
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
-      paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
-      stream_(std::make_unique<DataStream>(ports.clock)), extension_(std::make_unique<ExtensionFilter>()),
+      paste_(std::make_unique<PasteQueue>(ports.clock, [this] { PumpPaste(); })),
+      hostText_(std::make_unique<HostText>()), stream_(std::make_unique<DataStream>(ports.clock)),
+      extension_(std::make_unique<ExtensionFilter>()),
       printer_(std::make_unique<SlavePrinter>(ports.printing, ports.clock, TellOutcome())),
       selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>()),
       resumption_(std::make_unique<Resumption>()), call_(std::make_unique<PhoneCall>())
@@ -150,8 +150,13 @@ void ctlEmulator::OnSettingChanged(SettingId id)
     static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),       Setting("NoAutoWrap"),
                                        Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"), Setting("BkspSendsDel"),
                                        Setting("AnswerBack"),    Setting("CursorType"),    Setting("LockFKeys")};
-    static constexpr std::array look{Setting("FontName"), Setting("FontSize"), Setting("BoldFont"),
-                                     Setting("LegibleFont")};
+    static constexpr std::array look{Setting("FontName"),
+                                     Setting("FontSize"),
+                                     Setting("BoldFont"),
+                                     Setting("LegibleFont"),
+                                     Setting("BackgroundPictureFile"),
+                                     Setting("BackgroundPictureMode"),
+                                     Setting("BackgroundTransparency")};
     const auto isOneOf = [id](const auto& ids) { return std::find(ids.begin(), ids.end(), id) != ids.end(); };
 
     if (id == Setting("TermType")) {
@@ -207,7 +212,7 @@ void ctlEmulator::OpenLine(std::shared_ptr<LineResume> from)
     LineOptions options = LineOptionsOf(settings_, terminal_->CurrentPersonality(), size_);
     options.resume.from = std::move(from);
     bytesIn_ = bytesOut_ = told_.bytesIn = 0;
-    closing_ = reopen_ = wasConnected_ = false;
+    closing_ = reopen_ = wasConnected_ = toldOfOffer_ = false;
     endText_.clear();
     paste_->Abort(nullptr);
     // RFC 854: until a host offers to echo, a network virtual terminal does it itself.
@@ -333,6 +338,7 @@ void ctlEmulator::Reset(int mode)
     case ResetMode::Default:
     case ResetMode::Terminal:
         terminal_->Reset();
+        UnloadImage();
         ScrollTo(0);
         AfterChange();
         return;
@@ -505,7 +511,9 @@ void ctlEmulator::RunEvents()
     if (hostTitle_)
         TellTitle();
     if (std::exchange(bell_, false))
-        emit Bell();
+        Ring();
+    if (offered_)
+        TakeOfferedClipboard();
     RunStreamEvents();
 }
 
@@ -612,42 +620,6 @@ void ctlEmulator::WriteText(const QString& text)
     if (!IsLineUp())
         throw Failure(ErrorNumber::DeviceUnavailable, tr("There is no connection to write to."), kSource);
     SendBytes(terminal_->EncodeText(text.toStdString()));
-}
-
-// --- paste
-
-bool ctlEmulator::CanPaste() const { return ports_.clipboard.HasText(Clipboard::Kind::Standard); }
-
-void ctlEmulator::Paste(const QString& fileName, Cause cause)
-{
-    PasteText(fileName.isEmpty() ? ports_.clipboard.Text(Clipboard::Kind::Standard) : ports_.texts.ReadText(fileName),
-              cause);
-}
-
-void ctlEmulator::PastePrimary() { PasteText(ports_.clipboard.Text(Clipboard::Kind::Primary), Cause::User); }
-
-void ctlEmulator::PasteText(const QString& text, Cause cause)
-{
-    if (text.isEmpty() || !MayType())
-        return;
-    if (const QString question = cause == Cause::User ? PasteQuestion(text) : QString(); !question.isEmpty()) {
-        const QPointer self(this);
-        const int answer = ports_.ask.MsgBox(
-            {.text = question, .flags = MsgFlag::OkCancel + MsgFlag::Question, .title = {}, .owner = hwnd_});
-        // While the box was up the line, or the session, may have gone.
-        if (!self || answer != MsgResult::Ok || !MayType())
-            return;
-    }
-    if (!lockHistory_)
-        ScrollTo(0);
-    if (!line_) { // local duplex
-        Typed(terminal_->EncodeText(text.toStdString()), text, 0);
-        return;
-    }
-    paste_->Start(terminal_->PasteBytes(text.toStdString()), terminal_->Modes().bracketedPaste);
-    bytesOut_ += paste_->Pump(*line_);
-    if (recordingKeys_)
-        emit RecordKey(text, 0);
 }
 
 void ctlEmulator::SetTitle(const QString& title) { title_ = title; }

@@ -24,9 +24,6 @@ struct LaterMember
 constexpr std::array kLater{
     LaterMember{"ScrMode", QT_TRANSLATE_NOOP("Later", "extended screen mode")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
-    LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
-    LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
-    LaterMember{"PlayWave", QT_TRANSLATE_NOOP("Later", "playing of sounds")},
 };
 
 consteval const char* FeatureOf(std::string_view member)
@@ -50,11 +47,5 @@ consteval const char* FeatureOf(std::string_view member)
 void ctlEmulator::RefuseExtendedScreen() { RaiseNotBuilt(FeatureOf("ScrMode")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
-Variant ctlEmulator::GetBlock(int, int, int, int, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
-void ctlEmulator::SetBlock(const Variant&, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
-void ctlEmulator::LoadImage(const QString&, int, int, int, int, bool, int) { RaiseNotBuilt(FeatureOf("LoadImage")); }
-void ctlEmulator::UnloadImage(const QString&) { RaiseNotBuilt(FeatureOf("LoadImage")); }
-void ctlEmulator::PlayMIDI(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
-void ctlEmulator::PlayWave(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
 
 } // namespace kestrune

@@ -117,6 +117,9 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.ssh.breakCharacter = settings.Integer(Setting("SSHBreakCharacter"));
     options.ssh.hostKeyValidation = HostKeyValidation(settings.Integer(Setting("HostKeyValidation")));
     options.ssh.hostKeyFingerprint = settings.Text(Setting("HostKeyFingerprint"));
+    options.ssh.jump = settings.Text(Setting("SSHJump"));
+    options.ssh.forwards = settings.Text(Setting("SSHForwards"));
+    options.ssh.forwardAgent = settings.Boolean(Setting("SSHForwardAgent"));
     options.resume.enabled = settings.Integer(Setting("ResumeAfterDisconnect")) >= 0;
     if (const int kilobytes = settings.Integer(Setting("ResumeBufferSize")); kilobytes > 0)
         options.resume.bufferBytes = std::min(kilobytes, kMostResumeBuffer) * 1024;

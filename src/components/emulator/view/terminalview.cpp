@@ -100,6 +100,7 @@ TerminalView::TerminalView(ctlEmulator& emulator, QWidget* parent) : QWidget(par
         parts_->StyleBar();
         ApplyGrid();
     });
+    connect(&emulator, &ctlEmulator::PicturesChanged, this, [this] { parts_->canvas.PicturesChanged(); });
     connect(&emulator, &ctlEmulator::Bell, this, [this] {
         if (!parts_->sinceBell.isValid() || parts_->sinceBell.elapsed() > kQuietBell)
             parts_->canvas.Flash();
