@@ -102,7 +102,7 @@ TEST_F(ModemLineTest, DialsTalksAndHangsUpByEscape)
     ASSERT_TRUE(rig->line->Dial(u"555-0100"_s));
     EXPECT_EQ(rig->stateText, u"Dialing 9, 5550100"_s);
     ASSERT_TRUE(Until(*rig, [&] { return rig->dials.back() == DialStatus::Connected; }));
-    EXPECT_EQ(rig->stateText, u"Call connected CONNECT 4800"_s);
+    EXPECT_EQ(rig->stateText, u"In a call CONNECT 4800"_s);
     EXPECT_EQ(modem.cable.Speed(), 4800U) << "the port follows what CONNECT says";
 
     rig->Type("hello");

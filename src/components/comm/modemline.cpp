@@ -21,7 +21,7 @@ struct CallWords
 
 constexpr std::array CallTexts{
     CallWords{ModemCall::Dialing, QT_TRANSLATE_NOOP("kestrune::comm::ModemLine", "Dialing %1 %2")},
-    CallWords{ModemCall::Connected, QT_TRANSLATE_NOOP("kestrune::comm::ModemLine", "Call connected %2")},
+    CallWords{ModemCall::Connected, QT_TRANSLATE_NOOP("kestrune::comm::ModemLine", "In a call %2")},
     CallWords{ModemCall::Busy, QT_TRANSLATE_NOOP("kestrune::comm::ModemLine", "%1 is busy")},
     CallWords{ModemCall::NoCarrier, QT_TRANSLATE_NOOP("kestrune::comm::ModemLine", "No carrier")},
     CallWords{ModemCall::NoDialTone, QT_TRANSLATE_NOOP("kestrune::comm::ModemLine", "No dial tone")},
