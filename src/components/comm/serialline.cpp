@@ -103,7 +103,7 @@ void SerialLine::Begin()
         Fail(NumberOf(systemError), tr("Unable to open %1: %2").arg(path_, WhyNot(systemError)));
         return;
     }
-    BecomeOpen(tr("Connected to %1").arg(path_));
+    BecomeOpen(tr("Connected to %1").arg(path_.section(u'/', -1)));
 }
 
 bool SerialLine::OpenPort(int& systemError)
@@ -178,7 +178,7 @@ void SerialLine::WaitForReturn()
     return_ = Time().After(ReturnInterval, [this] {
         int systemError = 0;
         if (OpenPort(systemError))
-            EnterState(LineState::Connected, tr("Connected to %1").arg(path_));
+            EnterState(LineState::Connected, tr("Connected to %1").arg(path_.section(u'/', -1)));
         else
             WaitForReturn();
     });
