@@ -24,7 +24,8 @@ public:
         EXPECT_TRUE(holder_.waitForStarted());
         const auto space = [](const QString& task) { // "net:[4026531840]"
             std::error_code none;
-            return std::filesystem::read_symlink("/proc/" + task.toStdString() + "/ns/net", none).string();
+            return std::filesystem::read_symlink(QStringLiteral("/proc/%1/ns/net").arg(task).toStdString(), none)
+                .string();
         };
         EXPECT_TRUE(WaitUntil([&] {
             const std::string other = space(Holder());
