@@ -1,17 +1,19 @@
-"""Copies as other programs get them, pastes as the host gets them, and a picture behind the text."""
+"""Copies as other programs get them, pastes as the host gets them, a picture behind the text, and the bell."""
 
 import subprocess
+import wave
 
 import desktop
 from desktop import until
 
 
-class ClipboardAndPicture(desktop.Journey):
-    def shell(self, **keys):
+class ClipboardPictureAndBell(desktop.Journey):
+    def shell(self, extra_env=None, **keys):
         """A shell at its prompt."""
         mark, start = self.home / "mark", self.home / "start"
         start.write_text(f"PS1='$ '; clear; touch {mark}\n")
-        program = self.start(self.session_file("any.orcf", HostName=f"/bin/bash --rcfile {start}", **keys))
+        program = self.start(self.session_file("any.orcf", HostName=f"/bin/bash --rcfile {start}", **keys),
+                             extra_env=extra_env)
         program.window()
         until(mark.exists, "the prompt")
         return program
@@ -73,6 +75,24 @@ class ClipboardAndPicture(desktop.Journey):
         below = colour_at(0.85)
         self.assertGreater(below[0], above[0])
         self.assertLess(below[1], above[1])
+
+    def test_a_bell_that_cannot_sound_is_in_the_log_once(self):
+        ding = self.home / "ding.wav"
+        with wave.open(str(ding), "wb") as file:
+            file.setnchannels(1)
+            file.setsampwidth(2)
+            file.setframerate(8000)
+            file.writeframes(b"\0\1" * 800)
+        program = self.shell(Sound=ding, extra_env={"ALSA_CONFIG_PATH": "/dev/null"})
+        log = self.home / "data" / "kestrune" / "kestrune.log"
+
+        def lines():
+            return [line for line in log.read_text().split("\n") if "Sounds" in line] if log.exists() else []
+        for word in ("first", "second"):
+            program.type(f"printf '\\a'; echo {word[:2]}''{word[2:]}\n")
+            program.shows(word)
+            until(lines, "the line in the log")
+        self.assertEqual(len(lines()), 1)
 
 
 if __name__ == "__main__":
