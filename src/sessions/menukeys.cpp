@@ -1,5 +1,6 @@
 #include "menukeys.h"
 
+#include <menubar/shortcuts.h>
 #include <menubar/tamenubar.h>
 
 #include <QKeyEvent>
@@ -13,7 +14,7 @@ bool MenusTake(const taMenuBar& menu, const QKeyEvent& key)
         return false;
     const QKeySequence pressed(QKeyCombination(key.modifiers() & ~Qt::KeypadModifier, Qt::Key(key.key())));
     return menu.AccessKeys() || menu.FindTool([&](const MenuTool& tool) {
-        return tool.enabled && tool.visible && !tool.shortcut.isEmpty() && QKeySequence(tool.shortcut) == pressed;
+        return tool.enabled && tool.visible && !tool.shortcut.isEmpty() && KeysOfShortcut(tool.shortcut) == pressed;
     }) != nullptr;
 }
 

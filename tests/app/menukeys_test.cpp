@@ -138,6 +138,7 @@ TEST(MenuKeys, AKeyThatAMenuFileGivesIsTaken)
           "\x1b"
           "f"}},
         {"Alt+P", {Qt::Key_P, Qt::AltModifier, "\x1bp"}, false}, // greyed: the host's
+        {"Alt+Bksp", {Qt::Key_Backspace, Qt::AltModifier, "hello"}},
         {"nonsense", {Qt::Key_P, Qt::AltModifier, "\x1bp"}},
     };
     for (const Row& row : rows) {

@@ -101,7 +101,13 @@ QString Pieces(BarBench& b) { return b.pieces.TakeLog().join(u"; "_s); }
 QString ShellLog(BarBench& b) { return b.log.join(u"; "_s); }
 QString Sessions(BarBench& b) { return QString::number(b.Count()); }
 QString Sent(BarBench& b) { return QString::fromStdString(b.lines.Current().TakeSent()); }
-QString Notice(BarBench& b) { return b.window->statusBar()->currentMessage().section(u' ', 0, 1); }
+QString Notice(BarBench& b)
+{
+    for (const QWidget* panel : b.window->statusBar()->findChildren<QWidget*>())
+        if (panel->isVisible() && panel->accessibleName().contains(u"is not installed"_s))
+            return u"not installed"_s;
+    return {};
+}
 QString Line(BarBench& b) { return b.lines.Current().closing ? u"closing"_s : u"open"_s; } // and then opened again
 QString Selected(BarBench& b) { return b.Selected(); }
 QString State(BarBench& b) { return QString::number(b.first->WindowState()); }
@@ -217,10 +223,10 @@ const BarCase kBarCases[] = {
     {403, kMenu, {}, Pieces, "help 1", "on"},
     {404, kMenu, {}, Pieces, "help 1", "on"},
     {405, kMenu, {}, About, "About Kestrune", "on"},
-    {411, kMenu, {}, Notice, "The document", "on"},
-    {412, kMenu, {}, Notice, "The document", "on"},
-    {414, kMenu, {}, Notice, "The document", "on"},
-    {415, kMenu, {}, Notice, "The document", "on"},
+    {411, kMenu, {}, Notice, "not installed", "on"},
+    {412, kMenu, {}, Notice, "not installed", "on"},
+    {414, kMenu, {}, Notice, "not installed", "on"},
+    {415, kMenu, {}, Notice, "not installed", "on"},
     {501, kMenu, TwoWindows, Arranged, "over each other", "on"},
     {502, kMenu, TwoWindows, Arranged, "stacked", "on"},
     {503, kMenu, TwoWindows, Arranged, "beside each other", "on"},

@@ -158,7 +158,7 @@ public:
     FakeFrame* frame = nullptr;         // of the application, while there is one
     FakeScriptEngine* engine = nullptr; // likewise, once somebody asked for it
 
-    FakeCommandPieces pieces;                                         // what commands opened
+    FakeCommandPieces pieces; // what commands opened
 
     WizardResult wizardResult = WizardResult::Cancelled;
     WelcomeChoice welcomeChoice = WelcomeChoice::Cancelled;

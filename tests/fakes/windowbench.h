@@ -70,6 +70,12 @@ public:
     {
         for (int turn = 0; turn < 3; ++turn) {
             clock.RunPosted();
+            RunEvents();
+        }
+    }
+    static void RunEvents()
+    {
+        for (int turn = 0; turn < 3; ++turn) {
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             QCoreApplication::processEvents();
         }
@@ -104,7 +110,7 @@ public:
         const MenuTool* tool = Menu().Tool(QStringLiteral("Toolbar"), id);
         for (QAction* action : bar->actions())
             if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(action));
-                button != nullptr && tool != nullptr && action->text() == tool->caption && action->isEnabled()) {
+                button != nullptr && tool != nullptr && CaptionOf(*action) == tool->caption && action->isEnabled()) {
                 QTest::mouseClick(button, Qt::LeftButton);
                 Settle();
                 return true;
@@ -155,7 +161,7 @@ private:
             if (!isIt && !inside)
                 continue;
             for (QAction* action : actions) {
-                if (action->text() != tool.caption || !action->isVisible())
+                if (CaptionOf(*action) != tool.caption || !action->isVisible())
                     continue;
                 if (isIt)
                     return action;
@@ -170,6 +176,10 @@ private:
         }
         return nullptr;
     }
+    static QString CaptionOf(const QAction& action)
+    {
+        return action.text().section(u'\t', 0, 0);
+    } // its key stands behind
     // Items of these lists are made when their menu opens, behind a tool that stands for them.
     static int PlaceholderOf(int id)
     {
@@ -202,6 +212,7 @@ private:
             QTest::keyClick(menu, Qt::Key_Return);
         }
         CloseMenus();
+        RunEvents(); // the window is active again before the command runs
         Settle();
         return can;
     }

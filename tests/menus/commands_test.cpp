@@ -173,7 +173,7 @@ TEST(Commands, DialogsThatAreAnswered)
         {352, {}, u"host tool 352/1"_s},
         {704, dial(DialResult::Cancelled), u"dial 1"_s, 4},
         {704, dial(DialResult::HangUp), u"dial 1; record 704 1 555 2"_s, 4},
-        {704, dial(DialResult::Dial), u"dial 1; box"_s, 4}, // no dialer yet: the user is told, nothing is recorded
+        {704, dial(DialResult::Dial), u"dial 1; record 704 1 555 1"_s, 4},
     };
     for (const Row& row : rows) {
         CommandBench bench(row.device);

@@ -1,6 +1,6 @@
 #include "shortcutkeys.h"
 
-#include "shortcuts.h"
+#include <menubar/shortcuts.h>
 
 #include <QShortcut>
 #include <QWidget>

@@ -1,4 +1,4 @@
-#include "shortcuts.h"
+#include <menubar/shortcuts.h>
 
 #include <QStringList>
 
