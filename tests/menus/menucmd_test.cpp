@@ -212,8 +212,10 @@ TEST_F(MenuCmdTest, ClickOnTheTabPopupMeansItsOwnSession)
 TEST_F(MenuCmdTest, FailuresOfAClickAreToldInTheStatusLineOrAsMissing)
 {
     const auto session = Open();
+    session->Settings().SetValue(Setting("Device"), 4); // the dialer is not there yet
+    bench_.pieces.dialResult = DialResult::Dial;
     taMenuBar bars;
-    menu_.ToolClick(bars, {}, ToolOf(506, u"[#506]"_s), session.get());
+    menu_.ToolClick(bars, {}, ToolOf(704, u"[#704]"_s), session.get());
     ASSERT_EQ(bench_.ask.boxes.size(), 1u);
     EXPECT_EQ(bench_.ask.boxes[0].flags, MsgFlag::Information);
 }
