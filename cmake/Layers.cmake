@@ -16,6 +16,8 @@ house_layer(dispatch ${_qt_core})
 house_layer(ports dispatch ${_qt_core})
 house_layer(platform dispatch ports ${_qt_core}) # raises Failure, gives the event loop's Clock
 house_layer(printing ports dispatch platform ${_qt_core} Qt6::Gui Qt6::PrintSupport)
+house_layer(secrets ports ${_qt_core} Qt6::DBus)
+house_layer(media ports dispatch ${_qt_core} Qt6::Gui)
 house_layer(support_core ports dispatch platform ${_qt_core})
 house_layer(support_ui support_core ports dispatch platform ${_qt_ui})
 
@@ -30,6 +32,10 @@ house_layer(comm comm_core comm_rebind ports dispatch platform ${_qt_core} Qt6::
 house_layer(textfile platform dispatch ${_qt_core})
 house_layer(menubar_core ports dispatch ${_qt_core})
 house_layer(menubar_ui menubar_core ports dispatch ${_qt_ui})
+
+# --- the help pages and their window
+house_layer(help_core ${_qt_core})
+house_layer(help_ui help_core ${_qt_ui})
 
 # --- the shell
 set(_below ports dispatch platform support_core textfile ${_qt_core})

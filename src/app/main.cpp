@@ -11,11 +11,15 @@
 #include <comm/commlibrary.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
+#include <help/helpkey.h>
+#include <help/helpviewer.h>
+#include <media/systemmedia.h>
 #include <platform/backgroundfiles.h>
 #include <platform/endrequests.h>
 #include <platform/eventclock.h>
 #include <platform/eventwaiter.h>
 #include <platform/hive.h>
+#include <platform/keyboardlocks.h>
 #include <platform/nativefiles.h>
 #include <platform/processors.h>
 #include <platform/system.h>
@@ -23,7 +27,10 @@
 #include <ports/recorder.h>
 #include <ports/textfiles.h>
 #include <printing/systemprinting.h>
+#include <secrets/desktopsecrets.h>
 #include <settings/layer.h>
+#include <support/errors.h>
+#include <support/log.h>
 #include <support/qtquestions.h>
 #include <textfile/textfiles.h>
 
@@ -99,11 +106,15 @@ public:
           lines_(
               clock_,
               layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {}, InstallationIniFile(layer_.folders)),
-              system_.ConfigFolder()),
+              system_.ConfigFolder(), layer_.folders.ProgramDir),
           printing_(clock_, layer_.folders.DocumentsDir), splash_(SplashChoice()),
           wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
-          commandPieces_(ask_, [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); }),
+          commandPieces_(
+              ask_, [](const QString& path) { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); },
+              [this](HelpPage page) {
+                  Help().Open(page == HelpPage::Index ? HelpViewer::Side::Index : HelpViewer::Side::Contents);
+              }),
           main_({layer_, ask_, wizard_, welcome_, settingsDialog_, migration_, running_, splash_, KeepToOneProcessor,
                  [] { return QGuiApplication::primaryScreen()->depth(); },
                  [] {}, // nothing can be asked for the class until other programs can reach it
@@ -135,9 +146,22 @@ private:
         return isWord ? choice : layer_.spec.ExpandPath(choice, layer_.folders.ProgramDir, {});
     }
 
+    HelpViewer& Help()
+    {
+        if (help_ == nullptr) {
+            const QString name = GlobalSettingOf(GlobalId::HelpPlace).key.toString();
+            help_ = std::make_unique<HelpViewer>(HelpViewer::Memory{
+                [this, name] { return layer_.store.StoreGetString(StoreKey::Settings, name, {}); },
+                [this, name](const QString& place) {
+                    Silently([&] { layer_.store.StoreSetString(StoreKey::Settings, name, place, {}); });
+                }});
+        }
+        return *help_;
+    }
+
     std::unique_ptr<Kestrune> MakeApplication(Ormain& host, const StartMode& mode)
     {
-        Kestrune::Parts parts{layer_, clock_, ask_, recorder_, running_, {}, {}, {}, {}, {}, {}};
+        Kestrune::Parts parts{layer_, clock_, ask_, recorder_, running_, {}, {}, {}, {}, {}, {}, &secrets_};
         parts.makeFrame = [this](Kestrune& application) { return MakeFrame(application); };
         parts.makeCommands = [this, &host](Kestrune& application) {
             return std::make_unique<MenuCmd>(application, host, commandPieces_);
@@ -149,6 +173,8 @@ private:
             const WindowPlace place = PosFormGet(values, frame);
             frame.Move(place.left, place.top, place.width, place.height);
             frame.SetState(place.state);
+            if (auto* window = dynamic_cast<frmMdiParent*>(&frame))
+                window->RestoreBars(values.Text(GlobalId::BarPlaces));
         };
         parts.keepPlace = [](GlobalValues& values, const FrameWindow& frame) { PosFormSave(values, frame); };
         return std::make_unique<Kestrune>(parts, mode);
@@ -156,8 +182,9 @@ private:
 
     std::unique_ptr<FrameWindow> MakeFrame(Kestrune& application)
     {
-        auto frame = std::make_unique<frmMdiParent>(
-            application, frmMdiParent::Parts{[this] { return MakeEmulator(); }, [this] { shutdown_.Shutdown(); }});
+        auto frame = std::make_unique<frmMdiParent>(application, frmMdiParent::Parts{[this] { return MakeEmulator(); },
+                                                                                     [this] { shutdown_.Shutdown(); },
+                                                                                     KeyboardLockReader()});
         main_.SetExit([logic = &frame->Logic()] { logic->EndFrame(CloseCode::Code); });
         endFrame_ = [logic = &frame->Logic()] { logic->EndFrame(CloseCode::TaskManager); };
         return frame;
@@ -165,8 +192,8 @@ private:
 
     std::unique_ptr<ctlEmulator> MakeEmulator()
     {
-        return std::make_unique<ctlEmulator>(
-            EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_, waiter_, outputs_, printing_});
+        return std::make_unique<ctlEmulator>(EmulatorPorts{lines_, clock_, layer_.keyFiles, ask_, clipboard_, texts_,
+                                                           waiter_, outputs_, printing_, media_});
     }
 
     static bool UnloadForms()
@@ -208,11 +235,15 @@ private:
     EventWaiter waiter_;
     BackgroundFiles outputs_{clock_};
     SystemPrinting printing_;
+    DesktopSecrets secrets_;
+    SystemMedia media_{clock_, WriteLog};
     RecorderPort recorder_;
     frmSplash splash_;
     MissingWizard wizard_;
     MissingWelcome welcome_;
     MissingSettingsDialog settingsDialog_;
+    std::unique_ptr<HelpViewer> help_;
+    HelpKey helpKey_{[this](const QString& page) { Help().Open({page, {}}); }};
     MissingCommandPieces commandPieces_;
     MissingMigration migration_;
     MissingSingleInstance running_;

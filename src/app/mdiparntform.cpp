@@ -1,29 +1,29 @@
 #include <app/mdiparntform.h>
 
 #include <app/emptypage.h>
+#include <app/menusbykey.h>
 #include <app/programicon.h>
 #include <automation/kestrune.h>
 #include <emulator/control/ctlemulator.h>
 #include <menubar/menubarview.h>
-#include <menubar/sessionbar.h>
 #include <sessions/mdichild.h>
 #include <sessions/session.h>
 #include <sessions/sessionarea.h>
+#include <sessions/sessionmark.h>
 #include <sessions/sessions.h>
+
+#include "sessiontabs.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QFontDatabase>
 #include <QGridLayout>
-#include <QLineEdit>
 #include <QMdiArea>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
 #include <QSessionManager>
-#include <QStatusBar>
-#include <QToolBar>
 
 namespace kestrune {
 
@@ -32,6 +32,16 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::chrono::seconds kNoticeTime{10};
+
+struct BarBand
+{
+    Bar bar;
+    const char16_t* band;
+    GlobalId setting;
+};
+constexpr BarBand kBarBands[] = {{Bar::ToolBar, u"Toolbar", GlobalId::ToolbarVisible},
+                                 {Bar::StatusLine, u"StatusBar", GlobalId::StatusLineVisible},
+                                 {Bar::SessionBar, u"SessionBar", GlobalId::SessionBarVisible}};
 
 ScreenArea AreaOf(const QRect& rect) { return {rect.left(), rect.top(), rect.width(), rect.height()}; }
 
@@ -52,8 +62,9 @@ void Tile(const QList<frmMdiChild*>& windows, QSize room, bool stacked)
 
 frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     : application_(application), parts_(std::move(parts)),
-      logic_(std::make_unique<MdiParent>(application, *this, parts_.shutDown)), bars_(new MenuBarView(*this)),
-      emptyPage_(new EmptyPage), area_(new SessionArea), sessionBar_(new SessionBar)
+      logic_(std::make_unique<MdiParent>(application, *this, parts_.shutDown)),
+      bars_(new MenuBarView(*this, {.locks = parts_.keyboardLocks})), emptyPage_(new EmptyPage), area_(new SessionArea),
+      tabs_(new SessionTabs(application, *this))
 {
     setWindowIcon(ProgramIcon());
     setContextMenuPolicy(Qt::NoContextMenu);
@@ -68,6 +79,7 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     cell->addWidget(emptyPage_, 0, 0);
     setCentralWidget(inside);
     BuildSessionBar();
+    BuildBars();
 
     connect(area_, &QMdiArea::subWindowActivated, this, &frmMdiParent::ActiveWindowChanged);
     connect(emptyPage_, &EmptyPage::CommandWanted, this, &frmMdiParent::RunCommand);
@@ -78,10 +90,7 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
         if (!logic_->DesktopSessionEnds())
             desktop.cancel();
     });
-    connect(&menu_, &taMenuBar::CommandStateChanged, this, [this](int key) {
-        if (key == ToolId::FileExit)
-            logic_->CheckState();
-    });
+    OpenMenusByKey(*this);
     ConnectMenu(menu_, nullptr);
     bars_->Show(&menu_);
 }
@@ -93,47 +102,87 @@ frmMdiParent::~frmMdiParent()
     disconnect(qApp, nullptr, this, nullptr);
 }
 
+// --- bars
+
+void frmMdiParent::BuildBars()
+{
+    connect(bars_, &MenuBarView::BarsMoved, this, &frmMdiParent::BarsMoved);
+    connect(bars_, &MenuBarView::BandVisibleWanted, this, &frmMdiParent::BandVisibleWanted);
+    connect(bars_, &MenuBarView::LargeIconsWanted, this,
+            [this](bool on) { application_.SetBoolean(GlobalId::LargeIcons, on); });
+}
+
+void frmMdiParent::RestoreBars(const QString& places)
+{
+    bars_->RestoreBarPlaces(QByteArray::fromBase64(places.toLatin1()));
+}
+
+void frmMdiParent::BarsMoved()
+{
+    if (logic_->IsClosing())
+        return;
+    application_.SetText(GlobalId::BarPlaces, QString::fromLatin1(bars_->BarPlaces().toBase64()));
+    bars_->WriteDocks(menu_);
+    for (const frmMdiChild* window : Windows())
+        bars_->WriteDocks(window->Menu());
+}
+
+// The three that have a setting are shown by it, any other for as long as its menu lives.
+void frmMdiParent::BandVisibleWanted(const QString& band, bool on)
+{
+    for (const BarBand& row : kBarBands)
+        if (SameBandKey(band, QString::fromUtf16(row.band))) {
+            application_.SetBoolean(row.setting, on);
+            return;
+        }
+    application_.Menu().SetBandProperty(band, {}, BandProperty::Visible, on);
+}
+
 void frmMdiParent::BuildSessionBar()
 {
-    auto* bar = new QToolBar(tr("Session list"));
-    bar->setObjectName(u"SessionBar"_s);
-    bar->setMovable(false);
-    bar->setContextMenuPolicy(Qt::PreventContextMenu);
-    bar->setStyleSheet(u"QToolBar { border: none; padding: 0; margin: 0; spacing: 0; }"_s);
-    sessionBar_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    bar->addWidget(sessionBar_);
-    bar->hide();
-    addToolBarBreak();
-    addToolBar(bar);
-    connect(sessionBar_, &SessionBar::TabChosen, this, [this](quintptr window) {
-        if (const auto session = application_.Menu().SessionOfWindow(window))
-            session->Activate();
-    });
-    connect(sessionBar_, &SessionBar::SessionTabClose, this,
-            [this](quintptr window) { logic_->SessionTabClose(window); });
-    connect(sessionBar_, &SessionBar::ToolRightClick, this, [this](quintptr window, const QPoint& at) {
+    connect(tabs_, &SessionTabs::CloseWanted, this, [this](quintptr window) { logic_->SessionTabClose(window); });
+    connect(tabs_, &SessionTabs::MenuWanted, this, [this](quintptr window, const QPoint& at) {
         if (logic_->ToolRightClick(window))
             bars_->Popup(menu_, u"TabCtx"_s, at);
     });
+    connect(tabs_, &SessionTabs::Changed, this, [this] {
+        RefreshSessionBar();
+        logic_->RefreshCaption();
+    });
+    connect(tabs_, &SessionTabs::KeyboardFree, this, [this] { FocusActiveChild(); });
 }
 
 // child: the window whose menu it is; null for the frame's own.
 void frmMdiParent::ConnectMenu(taMenuBar& menu, frmMdiChild* child)
 {
     const QPointer<frmMdiChild> window(child);
-    connect(&menu, &taMenuBar::BandOpen, this, [this, window](MenuTool& tool) {
+    connect(&menu, &taMenuBar::BandOpen, this, [this, &menu, window](MenuTool& tool) {
         const auto session = window ? application_.Sessions().Find(window->Tag()) : nullptr;
-        application_.Menu().BandOpen(tool, session.get());
+        application_.Menu().BandOpen(menu, tool, session.get());
     });
+    connect(&menu, &taMenuBar::BandDocked, bars_, &MenuBarView::MoveBar);
+    connect(&menu, &taMenuBar::CommandStateChanged, this,
+            [this](int key) { application_.Menu().ToolStateWritten(key); });
+    // Commands run from the event loop: they may run events and make the menus anew, and the menu that was clicked is
+    // still at work.
     connect(&menu, &taMenuBar::ToolClick, this,
-            [this, &menu, child, window](const QString& band, const MenuTool& tool) {
-                if (child == nullptr) {
-                    logic_->ToolClick(band, tool);
-                } else if (window && !logic_->IsClosing()) {
-                    const auto session = application_.Sessions().Find(window->Tag());
-                    application_.Menu().ToolClick(menu, band, tool, session.get());
-                }
+            [this, isOwn = child == nullptr, window](const QString& band, const MenuTool& tool) {
+                application_.Time().Post([self = QPointer(this), isOwn, window, band, tool] {
+                    if (self && (isOwn || window))
+                        self->RunTool(window, band, tool);
+                });
             });
+}
+
+// child: null for a tool of the frame's own menu.
+void frmMdiParent::RunTool(const frmMdiChild* child, const QString& band, const MenuTool& tool)
+{
+    if (child == nullptr) {
+        logic_->ToolClick(band, tool);
+    } else if (!logic_->IsClosing()) {
+        const auto session = application_.Sessions().Find(child->Tag());
+        application_.Menu().ToolClick(child->Menu(), band, tool, session.get());
+    }
 }
 
 // --- session windows
@@ -157,6 +206,7 @@ SessionWindow* frmMdiParent::NewSessionWindow(clsSession&)
         ShowRightPage();
         RefreshSessionBar();
     });
+    connect(&child->Mark(), &SessionMark::Changed, this, &frmMdiParent::RefreshSessionBar);
     area_->addSubWindow(child);
     child->hide();
     return child;
@@ -182,10 +232,15 @@ QList<frmMdiChild*> frmMdiParent::Windows() const
 void frmMdiParent::ActiveWindowChanged()
 {
     frmMdiChild* window = ActiveWindow();
+    for (frmMdiChild* other : Windows())
+        other->Mark().SetWatched(other == window);
     bars_->Show(window != nullptr ? &window->Menu() : &menu_);
     logic_->RefreshCaption();
     ShowRightPage();
-    RefreshSessionBar();
+    if (window != nullptr)
+        FillSessionBar(); // at once: the tab changes in the same paint as the bars
+    else
+        RefreshSessionBar();
 }
 
 void frmMdiParent::UpdateNoActiveSession() { ActiveWindowChanged(); }
@@ -214,14 +269,7 @@ void frmMdiParent::FillSessionBar()
     frmMdiChild* active = ActiveWindow();
     bars_->Show(active != nullptr ? &active->Menu() : &menu_);
     ShowRightPage();
-    QList<SessionBar::Tab> tabs;
-    for (const auto& session : application_.Sessions().All())
-        if (const auto* window = dynamic_cast<frmMdiChild*>(session->frmSession());
-            window != nullptr && !window->isHidden())
-            tabs.append({window->Handle(), window->Title(), session->FileName(), window->windowIcon()});
-    sessionBar_->SetTabs(tabs, active != nullptr ? active->Handle() : 0);
-    if (QWidget* bar = sessionBar_->parentWidget())
-        bar->setVisible(!tabs.isEmpty() && application_.Boolean(GlobalId::SessionBarVisible));
+    tabs_->Fill(active, bars_->Shown()->Band(u"SessionBar"_s));
 }
 
 bool frmMdiParent::QueryUnloadChildren()
@@ -268,14 +316,7 @@ void frmMdiParent::ShowPopup(const QString& band) { bars_->Popup(menu_, band, QC
 
 void frmMdiParent::ApplyBar(Bar bar, bool visible)
 {
-    struct BarBand
-    {
-        Bar bar;
-        const char16_t* band;
-    };
-    constexpr BarBand bands[] = {
-        {Bar::ToolBar, u"Toolbar"}, {Bar::StatusLine, u"StatusBar"}, {Bar::SessionBar, u"SessionBar"}};
-    for (const BarBand& row : bands)
+    for (const BarBand& row : kBarBands)
         if (row.bar == bar) {
             const QString band = QString::fromUtf16(row.band);
             application_.Menu().SetBandProperty(band, {}, BandProperty::Visible, visible);
@@ -288,40 +329,9 @@ void frmMdiParent::ApplyLargeIcons(bool on)
     application_.Menu().SetBandProperty({}, BandType::ToolBar, BandProperty::LargeIcons, on);
 }
 
-void frmMdiParent::ShowNotice(const QString& line)
-{
-    // A notice that is still being read is not pushed away by the next one.
-    const QString before = statusBar()->currentMessage();
-    const QString both = before.isEmpty() || before.endsWith(line) ? line : before + u"  "_s + line;
-    statusBar()->showMessage(both, static_cast<int>(std::chrono::milliseconds(kNoticeTime).count()));
-}
+void frmMdiParent::ShowNotice(const QString& line) { bars_->ShowNotice(line, kNoticeTime); }
 
-bool frmMdiParent::RenameTab(clsSession& session)
-{
-    const SessionWindow* window = session.frmSession();
-    if (window == nullptr)
-        return false;
-    const QRect tab = sessionBar_->TabPlace(window->Handle());
-    if (tab.isEmpty())
-        return false;
-    auto* frmRename = new QLineEdit(window->Title(), sessionBar_);
-    frmRename->setFrame(false);
-    frmRename->setGeometry(QRect(tab.topLeft(), QSize(qMax(tab.width(), 134), tab.height())));
-    frmRename->selectAll();
-    frmRename->show();
-    frmRename->setFocus();
-    connect(frmRename, &QLineEdit::returnPressed, this, [this, frmRename, tag = window->Tag()] {
-        const auto renamed = application_.Sessions().Find(tag);
-        if (renamed != nullptr && renamed->frmSession() != nullptr) {
-            renamed->frmSession()->ChangeCaption(frmRename->text());
-            RefreshSessionBar();
-            logic_->RefreshCaption();
-        }
-        frmRename->clearFocus();
-    });
-    connect(frmRename, &QLineEdit::editingFinished, frmRename, &QObject::deleteLater); // also when the focus goes
-    return true;
-}
+bool frmMdiParent::RenameTab(clsSession& session) { return tabs_->Rename(session); }
 
 void frmMdiParent::ShowAbout()
 {

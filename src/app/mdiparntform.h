@@ -5,6 +5,7 @@
 
 #include <app/mdiparnt.h>
 #include <menubar/tamenubar.h>
+#include <ports/keyboardlocks.h>
 
 #include <QMainWindow>
 #include <QPointer>
@@ -20,7 +21,7 @@ class EmptyPage;
 class frmMdiChild;
 class Kestrune;
 class MenuBarView;
-class SessionBar;
+class SessionTabs;
 
 class frmMdiParent : public QMainWindow, public FrameWindow
 {
@@ -31,12 +32,14 @@ public:
     {
         std::function<std::unique_ptr<ctlEmulator>()> makeEmulator; // a control for a new session
         std::function<void()> shutDown;                             // when the frame has gone
+        ReadKeyboardLocks keyboardLocks;                            // for panels of the status line
     };
 
     frmMdiParent(Kestrune& application, Parts parts);
     ~frmMdiParent() override;
 
     MdiParent& Logic() { return *logic_; }
+    void RestoreBars(const QString& places); // as GlobalId::BarPlaces keeps them
 
     // --- MainWindow
     SessionWindow* NewSessionWindow(clsSession& session) override;
@@ -89,8 +92,12 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void BuildBars();
+    void BarsMoved();
+    void BandVisibleWanted(const QString& band, bool on);
     void BuildSessionBar();
     void ConnectMenu(taMenuBar& menu, frmMdiChild* child);
+    void RunTool(const frmMdiChild* child, const QString& band, const MenuTool& tool);
     frmMdiChild* ActiveWindow() const;
     QList<frmMdiChild*> Windows() const; // in the order of the sessions
     void ActiveWindowChanged();
@@ -105,7 +112,7 @@ private:
     MenuBarView* bars_; // these are child objects of the window
     EmptyPage* emptyPage_;
     QMdiArea* area_;
-    SessionBar* sessionBar_;
+    SessionTabs* tabs_;
     bool closeEnabled_ = true;
     bool barPending_ = false; // the tabs are filled again at the end of the turn
 };

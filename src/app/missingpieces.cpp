@@ -84,7 +84,6 @@ void MissingCommandPieces::OpenScriptEditor(const QString&, const QString&)
 }
 void MissingCommandPieces::RunMacro(const QString&, clsSession*) { NotImplemented(ask_, u"Macro player"_s); }
 void MissingCommandPieces::InvokeMVService(int, const QString&) { NotImplemented(ask_, u"MultiValue host tools"_s); }
-void MissingCommandPieces::ShowHelp(HelpPage) { NotImplemented(ask_, u"Help viewer"_s); }
 
 DialResult MissingCommandPieces::ShowDial(clsSession&, QString&)
 {

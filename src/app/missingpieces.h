@@ -51,12 +51,13 @@ private:
     Questions& ask_;
 };
 
-// Each command says that its piece is not there yet. Documents are opened.
+// Each command says that its piece is not there yet. Documents and help are opened.
 class MissingCommandPieces : public CommandPieces
 {
 public:
-    MissingCommandPieces(Questions& ask, std::function<void(const QString&)> openDocument)
-        : ask_(ask), openDocument_(std::move(openDocument))
+    MissingCommandPieces(Questions& ask, std::function<void(const QString&)> openDocument,
+                         std::function<void(HelpPage)> showHelp)
+        : ask_(ask), openDocument_(std::move(openDocument)), showHelp_(std::move(showHelp))
     {}
     void ShowUpload(clsSession& session) override;
     void ShowDownload(clsSession& session) override;
@@ -69,12 +70,13 @@ public:
     void RunMacro(const QString& name, clsSession* session) override;
     bool HasHostTool(int) const override { return false; }
     void InvokeMVService(int id, const QString& sessionId) override;
-    void ShowHelp(HelpPage page) override;
+    void ShowHelp(HelpPage page) override { showHelp_(page); }
     void OpenDocument(const QString& path) override { openDocument_(path); }
 
 private:
     Questions& ask_;
     std::function<void(const QString&)> openDocument_;
+    std::function<void(HelpPage)> showHelp_;
 };
 
 class MissingMigration : public MigrationPort

@@ -337,6 +337,10 @@ bool Ormain::BarVisible(Bar bar) const { return Kestrune::Application() != nullp
 void Ormain::SetBarVisible(Bar bar, bool on) { App().SetBoolean(SettingOf(bar), on); }
 
 bool Ormain::LargeIcons() const { return Kestrune::Application() != nullptr && App().Boolean(GlobalId::LargeIcons); }
+bool Ormain::MenuAccessKeys() const
+{
+    return Kestrune::Application() != nullptr && App().Boolean(GlobalId::MenuAccessKeys);
+}
 
 QStringList Ormain::RecentFiles() const
 {

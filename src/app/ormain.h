@@ -70,6 +70,7 @@ public:
     bool BarVisible(Bar bar) const override;
     void SetBarVisible(Bar bar, bool on) override;
     bool LargeIcons() const override;
+    bool MenuAccessKeys() const override;
     QStringList RecentFiles() const override;
     bool IsRecordingMacro() const override;
 

@@ -9,6 +9,26 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// Given once; scripts and programs made since bind to them.
+constexpr ClassIdentity kMenuIdentity = {
+    "clsMenu",
+    "Orlin71.clsMenu",
+    QUuid(0xee334eb8, 0x95f0, 0x4dd0, 0xa7, 0x46, 0xf5, 0x14, 0x28, 0x39, 0x34, 0x24),
+    {{{"_clsMenu", QUuid(0x4e5fea22, 0xb8dc, 0x45b7, 0x8d, 0xc5, 0x34, 0xc5, 0x20, 0x3a, 0xe3, 0x1d)},
+      {"Menu", QUuid(0x2d67c370, 0xa5f6, 0x42f6, 0x83, 0x9c, 0x33, 0xe3, 0x10, 0x25, 0xdf, 0x36)}}}};
+constexpr ClassIdentity kMnuBandIdentity = {
+    "clsMnuBand",
+    "Orlin71.clsMnuBand",
+    QUuid(0xa9e1e94a, 0x6b80, 0x4092, 0xb6, 0xfd, 0xa3, 0x16, 0x1f, 0xf9, 0xab, 0xd6),
+    {{{"_clsMnuBand", QUuid(0x76794520, 0x85e4, 0x45ff, 0xa3, 0x7a, 0x86, 0xf9, 0xb9, 0x5d, 0x47, 0x5f)},
+      {"MnuBand", QUuid(0x72bb18a2, 0x027d, 0x4682, 0xaa, 0x22, 0x28, 0xfa, 0xf8, 0x75, 0x80, 0x72)}}}};
+constexpr ClassIdentity kMnuToolIdentity = {
+    "clsMnuTool",
+    "Orlin71.clsMnuTool",
+    QUuid(0x321403cc, 0x0295, 0x4754, 0xbe, 0xdf, 0x69, 0x02, 0x74, 0x5f, 0xaa, 0xb8),
+    {{{"_clsMnuTool", QUuid(0xbf41e43e, 0x044c, 0x4db2, 0xa8, 0xd3, 0xfa, 0xed, 0x3f, 0x15, 0xc8, 0x48)},
+      {"MnuTool", QUuid(0x3bce4d23, 0xfd46, 0x4971, 0xbe, 0xa8, 0xd6, 0x65, 0xc2, 0x1b, 0x5d, 0x7f)}}}};
+
 constexpr quint8 kGetLet = InvokeKind::Get | InvokeKind::Let;
 constexpr quint8 kMethod = InvokeKind::Method;
 
@@ -113,7 +133,7 @@ constexpr int kDockCount = 5; // top to floating are 1 to 5, and bits of a numbe
 
 const MemberTable& clsMnuTool::Table() const
 {
-    static const MemberTable table("clsMnuTool", kToolRows);
+    static const MemberTable table(kMnuToolIdentity, kToolRows);
     return table;
 }
 
@@ -138,7 +158,7 @@ void clsMnuTool::Set(ToolProperty property, const QVariant& value)
 
 const MemberTable& clsMnuBand::Table() const
 {
-    static const MemberTable table("clsMnuBand", kBandRows);
+    static const MemberTable table(kMnuBandIdentity, kBandRows);
     return table;
 }
 
@@ -227,7 +247,7 @@ Ref<Enumerator> clsMnuBand::NewEnum() { return EnumeratorOver(Tools()); }
 
 const MemberTable& clsMenu::Table() const
 {
-    static const MemberTable table("clsMenu", kMenuRows);
+    static const MemberTable table(kMenuIdentity, kMenuRows);
     return table;
 }
 

@@ -68,6 +68,7 @@ constexpr Effect kEffects[] = {
     {GlobalId::FuncBarVisible, ApplyFuncBars}, // a bar of each terminal, not of the frame
     {GlobalId::FuncBarPos, ApplyFuncBars},
     {GlobalId::FuncBarStyle, ApplyFuncBars},
+    {GlobalId::MenuAccessKeys, [](Kestrune& a) { a.Menu().ReloadMenus(); }},
     {GlobalId::CustomTitle,
      [](Kestrune& a) {
          if (FrameWindow* frame = a.MainWindow())
@@ -88,7 +89,6 @@ Kestrune::Kestrune(const Parts& parts, StartMode mode)
     : parts_(parts), mode_(std::move(mode)), iniPath_(InstallationIniFile(parts.layer.folders)),
       stored_(parts.layer.spec, parts.layer.folders, parts.layer.store, parts.layer.profile, iniPath_)
 {
-    static_assert(std::tuple_size_v<decltype(held_)> == static_cast<std::size_t>(GlobalId::TelnetHostsFile) + 1);
     if (theApplication != nullptr)
         return; // secondary: a client reaches the first one through the registration
     primary_ = true;

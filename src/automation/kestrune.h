@@ -51,6 +51,7 @@ public:
         std::function<void(GlobalValues&, FrameWindow&)> placeFrame;
         std::function<void(GlobalValues&, FrameWindow&)> keepPlace;
         std::function<void(const QString&)> setSplash; // the splash choice, as stored
+        SecretKeeper* keeper = nullptr;                // of passwords; null: none are kept
     };
 
     static constexpr int NoValue = -2147483647; // "not given" in Move
@@ -130,6 +131,7 @@ public:
     kestrune::MainWindow* Frame() override { return frame_.get(); }
     SettingsLayer& Layer() override { return parts_.layer; }
     Clock& Time() override { return parts_.clock; }
+    SecretKeeper* Keeper() override { return parts_.keeper; }
 
     int TitleFormat() const override { return Number(GlobalId::TitleFormat); }
     bool AutoClose() const override { return Boolean(GlobalId::AutoClose); }
@@ -184,7 +186,7 @@ private:
     bool primary_ = false;
     QString iniPath_;
     GlobalValues stored_;
-    std::array<QString, 33> held_; // memory form of each setting, by GlobalId
+    std::array<QString, kGlobalCount> held_; // memory form of each setting, by GlobalId
     bool loading_ = false;
 
     clsRecentList recent_;

@@ -179,6 +179,13 @@ Variant MemberTable::Invoke(Object& self, MemberId id, quint8 kinds, const CallA
     }
 }
 
+bool TableObject::Answers(const QUuid& interfaceId) const
+{
+    const ClassIdentity* identity = Table().Identity();
+    return identity != nullptr && std::any_of(identity->interfaces.begin(), identity->interfaces.end(),
+                                              [&](const InterfaceIdentity& each) { return each.id == interfaceId; });
+}
+
 std::optional<int> TableObject::IndexOfArgument(MemberId member, const QString& name) const
 {
     const MemberTable::Member* found = Table().Find(member);

@@ -14,6 +14,7 @@
 // A function of another class is served by what the object's Served(Other*) gives for it.
 
 #include <dispatch/conversion.h>
+#include <dispatch/identity.h>
 
 #include <QHash>
 
@@ -70,6 +71,10 @@ class MemberTable
 {
 public:
     MemberTable(const char* className, std::span<const MemberRow> rows);
+    MemberTable(const ClassIdentity& identity, std::span<const MemberRow> rows) : MemberTable(identity.name, rows)
+    {
+        identity_ = &identity;
+    }
 
     struct Member
     {
@@ -78,6 +83,7 @@ public:
     };
 
     QString ClassName() const { return className_; }
+    const ClassIdentity* Identity() const { return identity_; } // null: a class that nobody binds to
     const std::vector<Member>& All() const { return members_; } // in the order of the rows
     const Member* Find(MemberId id) const;
     const Member* FindName(const QString& name) const;
@@ -86,6 +92,7 @@ public:
 
 private:
     QString className_;
+    const ClassIdentity* identity_ = nullptr;
     std::vector<Member> members_;
     std::vector<std::pair<MemberId, std::size_t>> byId_;
     QHash<QString, std::size_t> byName_; // lower case
@@ -97,6 +104,7 @@ class TableObject : public Object
 public:
     virtual const MemberTable& Table() const = 0;
     QString ClassName() const override { return Table().ClassName(); }
+    bool Answers(const QUuid& interfaceId) const; // as this interface, by the same members
     std::optional<int> IndexOfArgument(MemberId member, const QString& name) const override;
     using Object::Invoke;
     Variant Invoke(MemberId member, quint8 kinds, const CallArguments& arguments) override

@@ -2,8 +2,6 @@
 
 #include "object.h"
 
-#include <QRegularExpression>
-
 #include <cmath>
 #include <limits>
 
@@ -19,13 +17,35 @@ struct Overloaded : Ts...
 template <typename... Ts>
 Overloaded(Ts...) -> Overloaded<Ts...>;
 
-double NumberAtStart(const QString& text)
+// Past the digits that stand at `at`.
+qsizetype PastDigits(QStringView text, qsizetype at)
 {
-    static const QRegularExpression number(QStringLiteral(R"(^\s*[+-]?(\d+\.?\d*|\.\d+)([eEdD][+-]?\d+)?)"));
-    const auto match = number.match(text);
-    if (!match.hasMatch())
+    while (at < text.size() && text[at] >= u'0' && text[at] <= u'9')
+        ++at;
+    return at;
+}
+
+bool IsOneOf(QStringView text, qsizetype at, QStringView characters)
+{
+    return at < text.size() && characters.contains(text[at]);
+}
+
+// Sign, digits with one decimal point, exponent by E or D; 0 when there is no number.
+double NumberAtStart(QStringView text)
+{
+    text = text.trimmed();
+    const qsizetype first = IsOneOf(text, 0, u"+-") ? 1 : 0;
+    const qsizetype point = PastDigits(text, first);
+    const bool hasPoint = IsOneOf(text, point, u".");
+    qsizetype end = hasPoint ? PastDigits(text, point + 1) : point;
+    if (end - first <= (hasPoint ? 1 : 0))
         return 0;
-    return match.captured().trimmed().toLower().replace(u'd', u'e').toDouble();
+    if (IsOneOf(text, end, u"eEdD")) {
+        const qsizetype exponent = end + (IsOneOf(text, end + 1, u"+-") ? 2 : 1);
+        if (const qsizetype past = PastDigits(text, exponent); past > exponent)
+            end = past;
+    }
+    return text.left(end).toString().toLower().replace(u'd', u'e').toDouble();
 }
 
 constexpr double kDayOfEpoch = 25569.0; // 1970-01-01 counted from 1899-12-30

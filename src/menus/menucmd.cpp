@@ -107,6 +107,18 @@ void MenuCmd::UpdateTool(MenuTools& tools, int id, clsSession* session)
     }
 }
 
+void MenuCmd::ToolStateWritten(int id)
+{
+    if (id != ToolId::FileClose && id != ToolId::FileExit)
+        return;
+    MainWindow* frame = application_.Frame();
+    if (frame == nullptr)
+        return;
+    frame->CheckState();
+    if (SessionWindow* active = frame->ActiveChild())
+        active->RefreshMenu();
+}
+
 void MenuCmd::UpdateState(clsSession* session)
 {
     if (session != nullptr && session->frmSession() != nullptr)
@@ -124,7 +136,13 @@ bool MenuCmd::HostToolsOn() const
 int MenuCmd::LoadSessionMenu(clsSession& /*session*/, MenuTools& tools)
 {
     taMenuBar* menu = BarsOf(tools);
-    return menu != nullptr ? static_cast<int>(LoadMenu(*menu, application_.Layer())) : 0;
+    if (menu == nullptr)
+        return 0;
+    const MenuSource source = LoadMenu(*menu, application_.Layer());
+    menu->SetAccessKeys(host_.MenuAccessKeys());
+    if (source == MenuSource::BuiltIn && !host_.MenuAccessKeys())
+        menu->EachTool(LeaveKeyToHost);
+    return static_cast<int>(source);
 }
 
 void MenuCmd::InitSessionMenu(clsSession& /*session*/, MenuTools& tools)
@@ -226,7 +244,7 @@ void MenuCmd::ToolClick(const taMenuBar& menu, const QString& band, const MenuTo
     }
 }
 
-void MenuCmd::BandOpen(MenuTool& tool, clsSession* session)
+void MenuCmd::BandOpen(taMenuBar& menu, MenuTool& tool, clsSession* session)
 {
     std::vector<MenuTool>& tools = tool.tools;
     std::erase_if(tools, IsGeneratedItem);
@@ -236,9 +254,7 @@ void MenuCmd::BandOpen(MenuTool& tool, clsSession* session)
             InsertRecentFiles(tools, i);
         } else if (id == ToolId::WindowFirst) {
             InsertWindows(tools, i);
-        } else if (id == ToolId::WindowMaximize) {
-            tools[i].enabled = session != nullptr;
-            tools[i].checked = session != nullptr && session->WindowState() == 2;
+            UpdateTool(menu, ToolId::WindowMaximize, session);
         } else if (id >= ToolId::ViewToolbar && id <= ToolId::ViewFuncBar) {
             tools[i].checked = host_.BarVisible(static_cast<Bar>(id - ToolId::ViewToolbar));
         }

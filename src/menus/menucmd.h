@@ -45,7 +45,9 @@ public:
     // here; of a piece that is not there yet the user is told.
     void ToolClick(const taMenuBar& menu, const QString& band, const MenuTool& tool, clsSession* session);
     // A sub-menu is about to open: recent files, windows and check marks as they are now.
-    void BandOpen(MenuTool& tool, clsSession* session);
+    void BandOpen(taMenuBar& menu, MenuTool& tool, clsSession* session);
+    // The enabled or visible state of a tool was written on some menu: two of them decide what may be closed.
+    void ToolStateWritten(int id);
     // Loads the main window's own menu, in the state for no session.
     void LoadFrameMenu(taMenuBar& menu);
     // State after a load: bars by the settings, and what a window without a session or with one may offer.

@@ -1,9 +1,10 @@
 #include <menus/menufile.h>
 
 #include <dispatch/conversion.h>
-#include <dispatch/propertybag.h>
 #include <settings/profile.h>
 #include <support/errors.h>
+
+#include <QHash>
 
 #include <algorithm>
 #include <optional>
@@ -21,8 +22,10 @@ constexpr int kDeepestTool = 64;
 
 [[noreturn]] void RaiseInvalid() { throw Failure(ErrorNumber::InvalidMenuFile, u"Invalid menu file!"_s); }
 
+using Bag = QHash<QString, QString>; // values by their names in lower case
+
 // One line of the section into the bag. The name stands as it is, blanks and all; a value in quotes loses one pair.
-void TakeLine(QStringView line, PropertyBag& bag)
+void TakeLine(QStringView line, Bag& bag)
 {
     const qsizetype equals = line.indexOf(u'=');
     if (line.startsWith(u';') || equals < 1)
@@ -30,13 +33,13 @@ void TakeLine(QStringView line, PropertyBag& bag)
     QStringView value = line.mid(equals + 1);
     if (value.size() >= 2 && value.startsWith(u'"') && value.endsWith(u'"'))
         value = value.mid(1, value.size() - 2);
-    bag.WriteProperty(line.left(equals).toString(), value.toString());
+    bag.insert(line.left(equals).toString().toLower(), value.toString());
 }
 
 // Lines end in CRLF. A line feed alone is taken too: that is what editors on Unix write.
-PropertyBag ReadBag(const QString& text)
+Bag ReadBag(const QString& text)
 {
-    PropertyBag bag;
+    Bag bag;
     const auto header = "[Menu]"_L1;
     qsizetype at =
         text.startsWith(header, Qt::CaseInsensitive) ? 0 : text.indexOf("\n[Menu]"_L1, 0, Qt::CaseInsensitive);
@@ -58,18 +61,18 @@ PropertyBag ReadBag(const QString& text)
     return bag;
 }
 
-// The values of the element with one running number.
+// The values of the element with one running number; names are asked for in lower case.
 class Element
 {
 public:
-    Element(const PropertyBag& bag, int number) : bag_(bag), suffix_(u'_' + QString::number(number)) {}
+    Element(const Bag& bag, int number) : bag_(bag), suffix_(u'_' + QString::number(number)) {}
 
-    QString Text(QLatin1StringView name) const { return Value(name).ToText(); }
+    QString Text(QLatin1StringView name) const { return bag_.value(name + suffix_); }
     // A number in front counts, the rest of the text does not.
     int Number(QLatin1StringView name, int fallback = 0) const
     {
-        const Variant value = Value(name);
-        return value.IsEmpty() ? fallback : value.ToInteger();
+        const auto at = bag_.find(name + suffix_);
+        return at == bag_.end() ? fallback : Variant(*at).ToInteger();
     }
     qint16 Short(QLatin1StringView name, int fallback = 0) const
     {
@@ -77,14 +80,12 @@ public:
     }
     bool Boolean(QLatin1StringView name) const
     {
-        const Variant value = Value(name);
-        return !value.IsEmpty() && BooleanOf(value);
+        const auto at = bag_.find(name + suffix_);
+        return at != bag_.end() && BooleanOf(Variant(*at));
     }
 
 private:
-    Variant Value(QLatin1StringView name) const { return bag_.ReadProperty(name + suffix_); }
-
-    const PropertyBag& bag_;
+    const Bag& bag_;
     QString suffix_;
 };
 
@@ -131,7 +132,7 @@ MenuTool ReadTool(const Element& element)
 }
 
 // counter: the running number; that of the band or tool whose tools these are on entry, that of the last on return.
-void LoadMenuTools(int& counter, std::vector<MenuTool>& tools, const PropertyBag& bag, int depth)
+void LoadMenuTools(int& counter, std::vector<MenuTool>& tools, const Bag& bag, int depth)
 {
     if (depth > kDeepestTool)
         RaiseInvalid();
@@ -148,8 +149,8 @@ std::optional<MenuBand> ReadBand(const Element& element, const std::vector<MenuB
 {
     MenuBand band;
     band.key = element.Text("key"_L1);
+    band.type = static_cast<BandType>(element.Short("type"_L1)); // what cannot be this fails the whole file
     try {
-        band.type = static_cast<BandType>(element.Short("type"_L1));
         band.style = element.Short("style"_L1);
         band.title = element.Text("title"_L1);
         band.dock = static_cast<BandDock>(element.Short("dock"_L1, kDefaultDock));
@@ -233,13 +234,13 @@ void WriteTools(Lines& lines, int& counter, const std::vector<MenuTool>& tools)
 
 std::vector<MenuBand> LoadMenuBag(const QString& text)
 {
-    const PropertyBag bag = ReadBag(text);
-    const Variant count = bag.ReadProperty(u"BandCount"_s, qint32(-1));
-    if (count.ToInteger() < 0)
+    const Bag bag = ReadBag(text);
+    const int count = Variant(bag.value(u"bandcount"_s, u"-1"_s)).ToInteger();
+    if (count < 0)
         RaiseInvalid();
     std::vector<MenuBand> bands;
     int counter = 0;
-    for (int i = 0; i < std::min(count.ToInteger(), kMostBands); ++i) {
+    for (int i = 0; i < std::min(count, kMostBands); ++i) {
         ++counter;
         // Deliberately the number does not move past the tools of a band that is left out.
         if (auto band = ReadBand(Element(bag, counter), bands)) {

@@ -41,6 +41,7 @@ public:
     virtual bool BarVisible(Bar bar) const = 0;
     virtual void SetBarVisible(Bar bar, bool on) = 0;
     virtual bool LargeIcons() const = 0;
+    virtual bool MenuAccessKeys() const = 0;     // in sessions too
     virtual QStringList RecentFiles() const = 0; // as shown to people, the latest first; an empty one is skipped
     virtual bool IsRecordingMacro() const = 0;   // layouts then open without their script
 };

@@ -79,6 +79,17 @@ void ToSessionState(MenuTool& tool, bool hostTools)
     }
 }
 
+// Control and Shift with a character send nothing of their own, nor does a key with Meta: these are the keys that
+// terminals keep for themselves. All others mean something to some host.
+void LeaveKeyToHost(MenuTool& tool)
+{
+    const QStringList parts = tool.shortcut.split(u'+');
+    const auto has = [&](const char* name) { return parts.contains(QLatin1String(name), Qt::CaseInsensitive); };
+    const bool ownKey = has("Meta") || (has("Ctrl") && has("Shift") && !has("Alt") && parts.last().size() == 1);
+    if (!ownKey)
+        tool.shortcut.clear();
+}
+
 bool IsGeneratedItem(const MenuTool& tool)
 {
     const int id = CommandId(tool.action);

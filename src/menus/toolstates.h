@@ -17,6 +17,9 @@ void ToFrameState(MenuTool& tool, bool hostTools);
 // In a session's window the file's states stay, but for the host tools.
 void ToSessionState(MenuTool& tool, bool hostTools);
 
+// Takes a shortcut away that a terminal has a use for. What a person has written into a menu file is never treated so.
+void LeaveKeyToHost(MenuTool& tool);
+
 struct ListedItem
 {
     int key = 0;

@@ -16,6 +16,7 @@ class CommandPort;
 class Questions;
 class Clock;
 class MainWindow;
+class SecretKeeper;
 class SessionMenus;
 struct SettingsLayer;
 
@@ -37,6 +38,7 @@ public:
     // --- the world, as its parts see it
     virtual SettingsLayer& Layer() = 0; // settings/layer.h; its SessionDir follows the file loaded last
     virtual Clock& Time() = 0;
+    virtual SecretKeeper* Keeper() { return nullptr; } // of passwords; null: nothing keeps any
 
     // --- global settings
     virtual int TitleFormat() const = 0;

@@ -73,6 +73,21 @@ enum class CertificateValidation : qint32
     None = 3,      // every certificate is good: for laboratories
 };
 
+// What has become of a call over a modem. The numbers are those of the control's DialStatus.
+enum class DialStatus : qint16
+{
+    NoCall = 0,
+    Dialing = 1, // or waiting for the next try
+    Connected = 2,
+    Busy = 3,
+    NoCarrier = 4, // not connected, or the call was cut off
+    NoDialTone = 5,
+    NoAnswer = 6,
+    Failed = 7, // the modem refuses
+    Answering = 8,
+    Ringing = 9
+};
+
 // A copy of what the settings say at the moment of connecting. Each device reads its own part.
 struct LineOptions
 {
@@ -125,6 +140,9 @@ struct LineOptions
         int breakCharacter = 0; // sent for a break; 0: the channel request of RFC 4335
         HostKeyValidation hostKeyValidation = HostKeyValidation::Ask;
         QString hostKeyFingerprint; // "SHA256:..."; not empty: this key and no other
+        QString jump;               // "user@host:port, ..."; empty: what the user's configuration says; "none"
+        QString forwards;           // "L8080:host:80, R2222:host:22, D1080": comm/sshforwardlist.h
+        bool forwardAgent = false;  // the host's programs may use the user's agent
     } ssh;
 
     struct Resume
@@ -143,6 +161,15 @@ struct LineOptions
         int parity = 0;    // 0 none, 1 odd, 2 even, 3 mark, 4 space
         int handshake = 0; // 0 none, 1 XON/XOFF, 2 RTS/CTS, 3 DTR/DSR, 4 XON/BI
     } serial;
+
+    struct Modem // hostName is its name, or the path of the port where a standard one is
+    {
+        bool autoAnswer = false;
+        bool lockBaudRate = false;   // the port keeps its speed, whatever CONNECT says
+        bool overrideConfig = false; // serial counts, not what the modem's definition says about the port
+        QString programFolder;       // filled in by the library, as userFolder: where modems are defined
+        QString userFolder;
+    } modem;
 };
 
 // Connection status as the status line and the dialer see it.
@@ -203,6 +230,9 @@ struct LineQuestion
     // What it is about, in the user's words. What a host has said in it is marked as such and cleared of controls.
     QString text;
     std::vector<Field> fields{}; // of secrets, may be empty
+    // What the answer is for, the same at each connection: "password ann@host:22". Empty: nothing that could be kept.
+    QString place{};
+    bool again = false; // the last answer was not accepted
 };
 
 struct LineAnswer
@@ -240,6 +270,8 @@ public:
     virtual void LineResumed(bool sameSession) { (void)sameSession; }
     // Answered by Line::Answer, now or later. At most one question of a line stands at a time.
     virtual void LineAsks(const LineQuestion& question) = 0;
+    // A modem's call; said: its own words for it, empty when it has said nothing.
+    virtual void LineDialStatus(DialStatus status, const QString& said) { (void)status, (void)said; }
     // What Send() had to leave in the queue has gone: Unsent() is 0 again. For a paste that paces itself.
     virtual void LineDrained() {}
 };
@@ -264,6 +296,15 @@ public:
     virtual void Answer(LineAnswer) {}
     // Inside LineClosed, after a LineError with LineErrorCanResume: what the next line needs to go on. Else null.
     virtual std::shared_ptr<LineResume> TakeResume() { return {}; }
+    // Of a modem: the outcome comes as LineDialStatus. False: this line cannot, there is a call (Dial) or none
+    // (HangUp), or nothing of the number can be dialled. The number is translated by the place where the telephone
+    // stands.
+    virtual bool Dial(const QString& number)
+    {
+        (void)number;
+        return false;
+    }
+    virtual bool HangUp() { return false; }
     virtual bool HasChildren() const { return false; } // a program besides the shell itself is running there
 };
 

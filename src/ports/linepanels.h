@@ -38,7 +38,8 @@ public:
     // Each takes the place of whatever is up.
     virtual void ShowReconnect(const QString& text) = 0;
     virtual void ShowConfirm(const QString& text) = 0;
-    virtual void ShowSecrets(const LineQuestion& question) = 0;
+    // mayKeep: the user is offered to have what they type kept for the next time.
+    virtual void ShowSecrets(const LineQuestion& question, bool mayKeep) = 0;
     // Which of the two buttons the reconnect panel has, now and when it is shown next.
     virtual void SetCanResume(bool on) = 0;
     virtual void Hide() = 0;

@@ -38,7 +38,7 @@ bool OnNetworkDevice(const clsSession& session)
 } // namespace
 
 LineTrouble::LineTrouble(ApplicationPort& application, SessionWindow& window)
-    : application_(application), window_(window)
+    : application_(application), window_(window), kept_(application.Keeper())
 {
     ctlEmulator& emulator = window.Emulator();
     connect(&emulator, &ctlEmulator::CommError, this,
@@ -47,10 +47,10 @@ LineTrouble::LineTrouble(ApplicationPort& application, SessionWindow& window)
     connect(&emulator, &ctlEmulator::ConnectionStatus, this, [this](qint16 status) { StatusChanged(status); });
     connect(&emulator, &ctlEmulator::SecretsWanted, this, [this](const LineQuestion& question, bool* taken) {
         *taken = true;
-        window_.Panels().ShowSecrets(question);
-        AttractUser();
+        AskForSecrets(question);
     });
     connect(&emulator, &ctlEmulator::QuestionWithdrawn, this, [this] {
+        kept_.Withdraw();
         if (const LinePanel shown = window_.Panels().Shown();
             shown == LinePanel::Confirm || shown == LinePanel::Secrets)
             HidePanel();
@@ -103,8 +103,23 @@ void LineTrouble::ConfirmHostKey(QString text)
     AttractUser();
 }
 
+void LineTrouble::AskForSecrets(const LineQuestion& question)
+{
+    kept_.Look(question, [this, question](std::optional<Secret> secret, bool mayKeep) {
+        if (secret) {
+            std::vector<Secret> values;
+            values.push_back(std::move(*secret));
+            window_.Emulator().AnswerSecrets(LineAnswer::Choice::Continue, std::move(values));
+            return;
+        }
+        window_.Panels().ShowSecrets(question, mayKeep);
+        AttractUser();
+    });
+}
+
 void LineTrouble::Disconnected()
 {
+    kept_.Withdraw();
     const auto session = LiveSession(application_, window_);
     if (!session)
         return;
@@ -131,6 +146,7 @@ void LineTrouble::StatusChanged(qint16 status)
     if (status != qint16(LineState::Connected))
         return;
     lastError_ = 0;
+    kept_.LetIn();
     if (window_.Panels().Shown() == LinePanel::Reconnect)
         HidePanel();
 }
@@ -219,6 +235,7 @@ void LineTrouble::Pressed(LineButton button)
 void LineTrouble::SecretsTyped(std::vector<Secret> values, bool remember)
 {
     HidePanel();
+    kept_.Typed(values, remember);
     window_.Emulator().AnswerSecrets(remember ? LineAnswer::Choice::Update : LineAnswer::Choice::Continue,
                                      std::move(values));
 }

@@ -3,6 +3,8 @@
 // What a session window does when its line fails, ends or asks: which panel comes up, with which words, and what the
 // panels' buttons do. Messages that no panel fits are boxes.
 
+#include "keptsecrets.h"
+
 #include <ports/linepanels.h>
 
 #include <QObject>
@@ -29,6 +31,7 @@ public:
 private:
     void CommError(quint32& word, const QString& description, bool fatal);
     void ConfirmHostKey(QString text);
+    void AskForSecrets(const LineQuestion& question);
     void Disconnected();
     void StatusChanged(qint16 status);
     void ShowReconnect(const QString& text);
@@ -40,6 +43,7 @@ private:
 
     ApplicationPort& application_;
     SessionWindow& window_;
+    KeptSecrets kept_;
     quint32 lastError_ = 0; // the word of the last CommError, with its flags; 0: dealt with
 };
 

@@ -6,8 +6,10 @@
 #include <ports/application.h>
 #include <ports/questions.h>
 #include <sessions/childlogic.h>
+#include <sessions/sessionmark.h>
 #include <sessions/tools.h>
 
+#include "menukeys.h"
 #include "sessionpanels.h"
 
 #include <QAction>
@@ -63,7 +65,7 @@ frmMdiChild::frmMdiChild(ApplicationPort& application, std::unique_ptr<ctlEmulat
                          std::unique_ptr<taMenuBar> menu)
     : application_(application), emulator_(std::move(emulator)), menu_(std::move(menu)),
       pane_(new TerminalPane(*emulator_)), view_(&pane_->View()),
-      logic_(std::make_unique<ChildLogic>(application, *this))
+      logic_(std::make_unique<ChildLogic>(application, *this)), mark_(std::make_unique<SessionMark>(*emulator_))
 {
     setWidget(pane_);
     panels_ = new SessionPanels(*this, *view_); // a new child is an event for this window
@@ -84,6 +86,7 @@ frmMdiChild::~frmMdiChild()
     disconnect(this, nullptr, this, nullptr); // the base class still reports states while it goes
     view_->removeEventFilter(this);
     logic_.reset();
+    mark_.reset();
     delete panels_; // before the terminal that it watches
     delete pane_;
 }
@@ -264,6 +267,10 @@ bool frmMdiChild::event(QEvent* event)
 bool frmMdiChild::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == view_ && !unloaded_) {
+        if (event->type() == QEvent::ShortcutOverride && MenusTake(*menu_, *static_cast<QKeyEvent*>(event))) {
+            event->ignore(); // the terminal must not claim it
+            return true;
+        }
         if (event->type() == QEvent::KeyPress) {
             const PlatformKey key = FromKeyEvent(*static_cast<QKeyEvent*>(event));
             if (key.key != 0 && logic_->KeyDown(key.key, key.shift))

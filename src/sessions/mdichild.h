@@ -17,6 +17,7 @@ namespace kestrune {
 
 class ApplicationPort;
 class ChildLogic;
+class SessionMark;
 class SessionPanels;
 class taMenuBar;
 class TerminalPane;
@@ -35,6 +36,7 @@ public:
 
     TerminalView& View() const { return *view_; }
     taMenuBar& Menu() const { return *menu_; }
+    SessionMark& Mark() const { return *mark_; }
     // Asked before the main window closes, with the mode of its close query; false: this session stays.
     bool QueryUnload(int mode);
 
@@ -98,6 +100,7 @@ private:
     TerminalView* view_ = nullptr;    // in the pane
     SessionPanels* panels_ = nullptr; // a child too
     std::unique_ptr<ChildLogic> logic_;
+    std::unique_ptr<SessionMark> mark_;
     QPointer<QAction> closeAction_; // of the system menu
     QString tag_;
     QString title_;

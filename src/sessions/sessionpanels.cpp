@@ -92,7 +92,7 @@ void SessionPanels::BuildSecrets()
     fields_ = new QFormLayout;
     fields_->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     column->insertLayout(2, fields_);
-    remember_ = new QCheckBox(tr("Re&member"), secrets_.frame);
+    remember_ = new QCheckBox(tr("Keep it in the &desktop's password store"), secrets_.frame);
     remember_->setObjectName(u"chkRemember"_s);
     remember_->hide();
     column->insertWidget(3, remember_);
@@ -118,13 +118,14 @@ void SessionPanels::ShowConfirm(const QString& text)
     Show(LinePanel::Confirm);
 }
 
-void SessionPanels::ShowSecrets(const LineQuestion& question)
+void SessionPanels::ShowSecrets(const LineQuestion& question, bool mayKeep)
 {
     ClearSecrets();
     secretsTitle_->setText(question.title);
     secrets_.text->setText(question.text);
     secrets_.text->setVisible(!question.text.isEmpty());
     remember_->setChecked(false);
+    remember_->setVisible(mayKeep);
     for (const LineQuestion::Field& field : question.fields) {
         auto* edit = new QLineEdit(secrets_.frame);
         edit->setEchoMode(field.echo ? QLineEdit::Normal : QLineEdit::Password);

@@ -32,7 +32,7 @@ public:
     LinePanel Shown() const override { return shown_; }
     void ShowReconnect(const QString& text) override;
     void ShowConfirm(const QString& text) override;
-    void ShowSecrets(const LineQuestion& question) override;
+    void ShowSecrets(const LineQuestion& question, bool mayKeep) override;
     void SetCanResume(bool on) override;
     void Hide() override;
     void TakeFocus() override;

@@ -138,6 +138,17 @@ void clsSessions::RemoveSession(const std::shared_ptr<clsSession>& session)
         frame->UpdateNoActiveSession();
 }
 
+void clsSessions::MoveBefore(const QString& key, const QString& before)
+{
+    const auto session = Find(key);
+    if (session == nullptr || key == before)
+        return;
+    std::erase(sessions_, session);
+    const auto place = std::find(sessions_.begin(), sessions_.end(), Find(before));
+    sessions_.insert(place, session);
+    RefreshTitles(); // those of one file are numbered in this order
+}
+
 void clsSessions::clsAdd(const std::shared_ptr<clsSession>& session)
 {
     Guarded(application_.Ask(), u"clsAdd"_s, u"clsSessions"_s, [&] {

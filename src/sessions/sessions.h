@@ -43,6 +43,9 @@ public:
     void Remove(int position);
     void Remove(const QString& key);
 
+    // The order in which lists and tabs show them. before: an Id; unknown or empty: to the end. Unknown key: nothing.
+    void MoveBefore(const QString& key, const QString& before);
+
     void clsAdd(const std::shared_ptr<clsSession>& session); // the session's creation calls it
     void RefreshTitles();                                    // when they show numbers that depend on the others
 

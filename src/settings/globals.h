@@ -58,6 +58,7 @@ enum class GlobalId
     LargeIcons,
     TitleFormat,
     TrackKeyboardState,
+    MenuAccessKeys,
     InitChildWindowState,
     DialedNumber,
     DialedName,
@@ -68,12 +69,15 @@ enum class GlobalId
     MainWidth,
     MainHeight,
     MainWindowState,
+    HelpPlace, // of the window with the help pages, and the page that it shows
+    BarPlaces,
     CustomMouseTable,
     CustomIcon,
     CustomTitle,
     Splash,
     TelnetHostsFile
 };
+inline constexpr std::size_t kGlobalCount = static_cast<std::size_t>(GlobalId::TelnetHostsFile) + 1; // the last
 
 struct GlobalSetting
 {

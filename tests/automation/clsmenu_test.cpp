@@ -141,6 +141,41 @@ TEST_F(ClsMenuTest, SurfaceIsAsReleased)
         u"101"_s); // the default member
 }
 
+// Ids by which programs made long ago find the classes and their interfaces.
+TEST_F(ClsMenuTest, IdsAreThoseOfTheFirstRelease)
+{
+    struct Row
+    {
+        ObjectRef object;
+        const char* progId;
+        const char* ids; // of the class and its interfaces
+    };
+    const Row rows[] = {
+        {ObjectRef(menu_), "Orlin71.clsMenu",
+         "ee334eb8-95f0-4dd0-a746-f51428393424 _clsMenu 4e5fea22-b8dc-45b7-8dc5-34c5203ae31d Menu "
+         "2d67c370-a5f6-42f6-839c-33e31025df36"},
+        {Band(u"Menu"_s), "Orlin71.clsMnuBand",
+         "a9e1e94a-6b80-4092-b6fd-a3161ff9abd6 _clsMnuBand 76794520-85e4-45ff-a37a-86f9b95d475f MnuBand "
+         "72bb18a2-027d-4682-aa22-28faf8758072"},
+        {Tool(101), "Orlin71.clsMnuTool",
+         "321403cc-0295-4754-bedf-6902745faab8 _clsMnuTool bf41e43e-044c-4db2-a8d3-faed3f15c848 MnuTool "
+         "3bce4d23-fd46-4971-bea8-d665c21b5d7f"},
+    };
+    for (const Row& row : rows) {
+        const auto& object = dynamic_cast<const TableObject&>(*row.object);
+        const ClassIdentity* identity = object.Table().Identity();
+        ASSERT_NE(identity, nullptr) << row.progId;
+        EXPECT_STREQ(identity->progId, row.progId);
+        QStringList ids{identity->id.toString(QUuid::WithoutBraces)};
+        for (const InterfaceIdentity& each : identity->interfaces) {
+            ids << QString::fromLatin1(each.name) << each.id.toString(QUuid::WithoutBraces);
+            EXPECT_TRUE(object.Answers(each.id));
+        }
+        EXPECT_EQ(ids.join(u' '), QLatin1String(row.ids));
+        EXPECT_FALSE(object.Answers(identity->id)) << "a class is no interface";
+    }
+}
+
 TEST_F(ClsMenuTest, TheObjectStaysUntilMenuFilesAreLoadedAgain)
 {
     Kestrune& application = bench_.Application();

@@ -1,6 +1,10 @@
 #include "linerig.h"
 
 #include <fakes/fakeclock.h>
+#include <platform/serialport.h>
+
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -22,8 +26,8 @@ TEST(CommLibrary, KnowsWhichDevicesAreHere)
         if (without.ORCommExist(device))
             presentWithout.push_back(device);
     }
-    EXPECT_EQ(present, (std::vector<int>{2, 3, 5, 6, 7}));
-    EXPECT_EQ(presentWithout, (std::vector<int>{2, 3, 5, 7}));
+    EXPECT_EQ(present, (std::vector<int>{1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(presentWithout, (std::vector<int>{1, 2, 3, 4, 5, 7}));
 }
 
 TEST(CommLibrary, NamesDevicesIntoABufferOfGivenLength)
@@ -47,11 +51,60 @@ TEST(CommLibrary, NamesDevicesIntoABufferOfGivenLength)
 
 TEST(CommLibrary, MakesNoLineForADeviceThatIsNotHere)
 {
-    for (const Device device : {Device::None, Device::Modem, Device::SerialPort}) {
+    for (const Device device : {Device::None, static_cast<Device>(99)}) {
         LineOptions options;
         options.device = device;
         EXPECT_EQ(LineRig(options).line, nullptr);
     }
+}
+
+TEST(CommLibrary, ListsSerialPortsByNumber)
+{
+    FakeClock clock;
+    const CommLibrary library(clock, {});
+    QString list;
+    const int count = library.ORCommList(1, 9, list);
+    EXPECT_TRUE(list.endsWith(QString(2, QChar(0))));
+    const QStringList names = list.split(QChar(0), Qt::SkipEmptyParts);
+    EXPECT_EQ(names.size(), count);
+    for (const QString& name : names) {
+        EXPECT_TRUE(name.startsWith(u"Port "_s)) << name.toStdString();
+        const int number = name.section(u' ', 1, 1).chopped(1).toInt();
+        EXPECT_TRUE(name.endsWith(QString::fromStdString(SerialPortPath(number)).section(u'/', -1)));
+    }
+    EXPECT_EQ(library.ORCommList(4, 9, list), 1);
+    EXPECT_EQ(list, u"Standard modem"_s + QString(2, QChar(0)));
+    EXPECT_EQ(library.ORCommList(3, 9, list), 0);
+    EXPECT_EQ(list, QString(2, QChar(0)));
+
+    EXPECT_EQ(SerialPortPath(1), "/dev/ttyS0");
+    EXPECT_EQ(SerialPortPath(33), "/dev/ttyUSB0");
+    EXPECT_EQ(SerialPortPath(96), "/dev/ttyACM31");
+    EXPECT_EQ(SerialPortPath(127), "/dev/ttyAMA30");
+    for (const int none : {-1, 0, 128})
+        EXPECT_EQ(SerialPortPath(none), "");
+}
+
+TEST(CommLibrary, TranslatesNumbersByTheUsersLocation)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"dialing.ini"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[Location]\nCountryCode=1\nAreaCode=212\nOutsideLine=\"9,\"\nLongDistance=1\n");
+    file.close();
+    FakeClock clock;
+    const CommLibrary library(clock, {}, folder.path());
+    QString text;
+    EXPECT_EQ(library.ORDialLocationInfo(0, text, 256), 1);
+    EXPECT_EQ(text, u"1"_s);
+    EXPECT_EQ(library.ORDialLocationInfo(1, text, 256), 3);
+    EXPECT_EQ(text, u"212"_s);
+    EXPECT_EQ(library.ORDialLocationInfo(1, text, 3), 2) << "room for the NUL";
+    EXPECT_EQ(library.ORDialLocationInfo(2, text, 256), 0);
+    QString dialable, displayed;
+    EXPECT_EQ(library.ORTranslateNumber(u"+1 (212) 5550100"_s, 0, dialable, displayed, 128), 1);
+    EXPECT_EQ(dialable, u"9,5550100"_s);
+    EXPECT_EQ(displayed, u"9, 5550100"_s);
 }
 
 TEST(CommLibrary, TranslatesNumbersWithoutALocation)

@@ -110,6 +110,12 @@ public:
             line->Answer(onQuestion(question));
     }
     void LineDrained() override { ++drained; }
+    void LineDialStatus(DialStatus status, const QString&) override
+    {
+        dials.push_back(status);
+        if (onDial)
+            onDial(status);
+    }
 
     QByteArray received;
     qint64 receivedBytes = 0, receivedAtEnd = -1;
@@ -124,6 +130,8 @@ public:
     bool anyFatal = false;
     int closed = 0, programEnds = 0, exitCode = -1, signalNumber = -1, drained = 0;
     std::optional<bool> remoteEcho;
+    std::vector<DialStatus> dials;
+    std::function<void(DialStatus)> onDial;
     std::vector<LineQuestion> questions;
     std::function<LineAnswer(const LineQuestion&)> onQuestion; // null: the test answers later
 

@@ -42,7 +42,8 @@ TEST(SshFaults, AHostThatSaysNothingIsGivenUpInTime)
     OddHost host;
     FakeClock clock;
     LineRig rig(host.Options(), clock);
-    ASSERT_TRUE(rig.Opened().Until([&] { return host.caller && !rig.states.empty(); }));
+    ASSERT_TRUE(rig.Opened().Until(
+        [&] { return host.caller && !rig.states.empty() && rig.states.back() == LineState::Authenticating; }));
     clock.Advance(std::chrono::seconds(9));
     EXPECT_EQ(rig.closed, 0);
     host.caller->write("S"); // one byte now and then is no answer

@@ -1,14 +1,12 @@
 // The SSH device against real servers: OpenSSH and dropbear, with users, keys and configuration of their own.
 
-#include "partnerserver.h"
+#include "sshd.h"
 
 #include <comm/sshknownhosts.h>
 
 #include <QTimer>
 
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 namespace kestrune {
 
@@ -17,47 +15,6 @@ namespace {
 using namespace Qt::StringLiterals;
 using Choice = LineAnswer::Choice;
 using Kind = LineQuestion::Kind;
-
-constexpr auto SshdScript = KESTRUNE_TESTS "/partners/sshd.sh";
-
-class Sshd : public PartnerServer
-{
-public:
-    explicit Sshd(const OwnHome& home, const QStringList& configuration = {})
-        : PartnerServer(QString::fromLatin1(SshdScript), QStringList{home.Path(u"sshd"_s), u"%1"_s} + configuration),
-          home_(home)
-    {}
-
-    // Logs in by the key that needs no passphrase, to a host that may be trusted.
-    LineOptions Options() const
-    {
-        LineOptions options;
-        options.device = Device::Ssh;
-        options.hostName = u"localhost"_s;
-        options.hostPort = QString::number(Port());
-        options.userName = ::getuid() == 0 ? "tkey" : qgetenv("USER");
-        options.terminalName = u"vt220"_s;
-        options.size = {.cols = 100, .rows = 30};
-        options.ssh.keyFile = Key(u"user_ed25519"_s);
-        options.ssh.hostKeyValidation = HostKeyValidation::None;
-        return options;
-    }
-    QString Key(const QString& name) const { return home_.Path(u"sshd/keys/"_s + name); }
-
-private:
-    const OwnHome& home_;
-};
-
-// One question is answered, once each: with the values given, or with the choice alone.
-std::function<LineAnswer(const LineQuestion&)> Answering(std::vector<QString> texts, Choice choice = Choice::Continue)
-{
-    return [=](const LineQuestion& question) {
-        LineAnswer answer{.question = question.id, .choice = choice};
-        for (const QString& text : texts)
-            answer.values.push_back(Secret::From(text));
-        return answer;
-    };
-}
 
 TEST(SshPartner, RunsAShellOnItsTerminal)
 {
@@ -71,16 +28,33 @@ TEST(SshPartner, RunsAShellOnItsTerminal)
     rig.Type("stty -echo; echo TERM=$TERM $(stty size)\n");
     EXPECT_TRUE(rig.UntilReceived("TERM=vt220 30 100")) << rig.received.data();
     rig.line->Resize({.cols = 132, .rows = 50});
-    QTimer again; // the shell may drop what is typed before its prompt stands
-    QObject::connect(&again, &QTimer::timeout, [&] { rig.Type("stty size\n"); });
-    again.start(200);
+    rig.Type("stty size\n");
     EXPECT_TRUE(rig.UntilReceived("50 132\r\n")) << rig.received.data();
-    QObject::connect(&again, &QTimer::timeout, [&] { rig.Type("echo gr\xc3\xbc\xc3\x9f dich; exit 7\n"); });
+    rig.Type("echo gr\xc3\xbc\xc3\x9f dich; exit 7\n");
     ASSERT_TRUE(rig.UntilClosed());
     EXPECT_TRUE(rig.received.contains("gr\xc3\xbc\xc3\x9f dich"));
     EXPECT_EQ(rig.programEnds, 1);
     EXPECT_EQ(rig.exitCode, 7);
     EXPECT_EQ(rig.errors, QStringList());
+}
+
+// Each key is typed the moment the one before has come back: it once was overlooked then, until the next one.
+TEST(SshPartner, TakesEveryKeyAtOnce)
+{
+    const OwnHome home;
+    Sshd server(home);
+    ASSERT_TRUE(server.Answers());
+    LineRig rig(server.Options());
+    ASSERT_TRUE(rig.Opened().UntilOpen());
+    rig.Type("stty raw -echo; echo begin; exec cat\n");
+    ASSERT_TRUE(rig.UntilReceived("begin\n"));
+    int echoed = 0;
+    for (bool comes = true; comes && echoed < 500; echoed += comes ? 1 : 0) {
+        rig.received.clear();
+        rig.Type(QByteArray(1, static_cast<char>('a' + echoed % 26)));
+        comes = rig.Until([&] { return !rig.received.isEmpty(); });
+    }
+    EXPECT_EQ(echoed, 500);
 }
 
 struct WayIn
@@ -309,28 +283,6 @@ TEST(SshPartner, HoldsAFloodBackWhileNobodyReceives)
     rig.keep = true;
     rig.Type("echo through\n");
     EXPECT_TRUE(rig.UntilReceived("through"));
-}
-
-TEST(SshPartner, AgreesWithDropbearAsFarAsItsPassword)
-{
-    const OwnHome home;
-    ASSERT_EQ(QProcess::execute(u"dropbearkey"_s, {u"-t"_s, u"ed25519"_s, u"-f"_s, home.Path(u"hostkey"_s)}), 0);
-    ASSERT_EQ(QProcess::execute(u"ssh-keygen"_s,
-                                {u"-q"_s, u"-t"_s, u"ed25519"_s, u"-N"_s, u""_s, u"-f"_s, home.Path(u"key"_s)}),
-              0);
-    home.Write(u".ssh/authorized_keys"_s, home.Read(u"key.pub"_s));
-    PartnerServer server(u"dropbear"_s, {u"-F"_s, u"-E"_s, u"-r"_s, home.Path(u"hostkey"_s), u"-p"_s, u"127.0.0.1:%1"_s,
-                                         u"-P"_s, QString()});
-    ASSERT_TRUE(server.Answers());
-    LineOptions options;
-    options.device = Device::Ssh;
-    options.hostName = u"nobody-of-this-name@localhost:%1"_s.arg(server.Port());
-    options.ssh.hostKeyValidation = HostKeyValidation::None;
-    LineRig rig(options);
-    rig.onQuestion = Answering({}, Choice::Cancel);
-    ASSERT_TRUE(rig.Opened().UntilClosed());
-    ASSERT_EQ(rig.questions.size(), 1U) << rig.errors.join(u'|').toStdString() << server.Log().data();
-    EXPECT_EQ(rig.questions[0].title, u"SSH login to nobody-of-this-name@localhost:%1"_s.arg(server.Port()));
 }
 
 } // namespace

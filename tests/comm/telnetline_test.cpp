@@ -97,7 +97,7 @@ TEST(TelnetLine, SaysWhyItCouldNotConnect)
          u"Unable to connect: \"%1\" is not a host name or address."_s.arg(QString(80, u'a'))},
         {TelnetTo(u"bücher.example"_s), 0x32726,
          u"Unable to connect to bücher.example: international host names are switched off for this session."_s},
-        {TelnetTo(u"h"_s, u"0"_s), 0x32726, u"Unable to connect to h: \"0\" is not a port number or a service name."_s},
+        {TelnetTo(u"h"_s, u"0"_s, Device::PicLan), 0x22726, u"Unable to connect to h: the session names no port."_s},
         {TelnetTo(u"h"_s, u"65536"_s), 0x32726,
          u"Unable to connect to h: \"65536\" is not a port number or a service name."_s},
         {TelnetTo(u"h"_s, u"-1"_s), 0x32726,

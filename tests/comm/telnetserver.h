@@ -16,7 +16,10 @@ namespace kestrune {
 class TelnetServer
 {
 public:
-    explicit TelnetServer(const char* script)
+    // prefix: a command that runs another one where the server is to be, which has the address there.
+    explicit TelnetServer(const char* script, const QStringList& prefix = {},
+                          const QString& address = QStringLiteral("127.0.0.1"))
+        : address_(address)
     {
         QFile login(folder_.filePath(QStringLiteral("login")));
         EXPECT_TRUE(login.open(QIODevice::WriteOnly));
@@ -26,11 +29,13 @@ public:
         free.listen(QHostAddress::LocalHost);
         port_ = free.serverPort();
         free.close();
-        process_.start(QStringLiteral("timeout"),
-                       {QStringLiteral("-k"), QStringLiteral("1"), QStringLiteral("90"), QStringLiteral("socat"),
-                        QStringLiteral("TCP-LISTEN:%1,bind=127.0.0.1,reuseaddr,fork").arg(port_),
-                        QStringLiteral("EXEC:/usr/sbin/telnetd -h --accept-env=USER --exec-login=%1,nofork")
-                            .arg(login.fileName())});
+        QStringList command = prefix;
+        command << QStringLiteral("timeout") << QStringLiteral("-k") << QStringLiteral("1") << QStringLiteral("90")
+                << QStringLiteral("socat")
+                << QStringLiteral("TCP-LISTEN:%1,bind=%2,reuseaddr,fork").arg(port_).arg(address)
+                << QStringLiteral("EXEC:/usr/sbin/telnetd -h --accept-env=USER --exec-login=%1,nofork")
+                       .arg(login.fileName());
+        process_.start(command.takeFirst(), command);
     }
     ~TelnetServer() { Kill(); }
     void Kill()
@@ -42,7 +47,7 @@ public:
     {
         return WaitUntil([this] {
             QTcpSocket caller;
-            caller.connectToHost(QHostAddress::LocalHost, port_);
+            caller.connectToHost(address_, port_);
             return caller.waitForConnected(200);
         });
     }
@@ -50,7 +55,7 @@ public:
     {
         LineOptions options;
         options.device = Device::Telnet;
-        options.hostName = QStringLiteral("localhost");
+        options.hostName = address_ == QStringLiteral("127.0.0.1") ? QStringLiteral("localhost") : address_;
         options.hostPort = QString::number(port_);
         options.terminalName = QStringLiteral("vt220");
         options.userName = "ann";
@@ -61,6 +66,7 @@ public:
 private:
     QTemporaryDir folder_;
     QProcess process_;
+    QString address_;
     quint16 port_ = 0;
 };
 

@@ -6,6 +6,7 @@
 #include <fakes/fakeclipboard.h>
 #include <fakes/fakeclock.h>
 #include <fakes/fakeline.h>
+#include <fakes/fakemedia.h>
 #include <fakes/fakequestions.h>
 #include <fakes/fakewaiter.h>
 #include <fakes/memorykeyfile.h>
@@ -59,9 +60,10 @@ struct EmulatorBench
     FakeWaiter waiter{clock};
     MemoryOutputFiles outputs{clock};
     MemoryPrinting printing{clock};
+    FakeMedia media;
     EmulatorPorts Ports(Questions& asked)
     {
-        return {lines, clock, files, asked, clipboard, texts, waiter, outputs, printing};
+        return {lines, clock, files, asked, clipboard, texts, waiter, outputs, printing, media};
     }
     ctlEmulator control{Ports(ask)};
 };

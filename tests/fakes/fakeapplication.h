@@ -15,9 +15,11 @@
 
 #include "fakeclock.h"
 #include "fakemainwindow.h"
+#include "fakemedia.h"
 #include "fakequestions.h"
 #include "fakesystem.h"
 #include "fakewaiter.h"
+#include "memorykeeper.h"
 #include "memoryoutput.h"
 #include "memoryprinting.h"
 
@@ -118,7 +120,10 @@ struct FakeSurroundings
           layer(PathStyle::Native(), files, system, user, machine)
     {}
 
-    EmulatorPorts Ports() { return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs, printing}; }
+    EmulatorPorts Ports()
+    {
+        return {lines, clock, layer.keyFiles, ask, clipboard, texts, waiter, outputs, printing, media};
+    }
 
     QTemporaryDir folder;
     FakeSystem system;
@@ -127,6 +132,7 @@ struct FakeSurroundings
     FileHive machine;
     SettingsLayer layer;
     FakeClock clock;
+    MemoryKeeper keeper{clock};
     FakeQuestions ask;
     FakeClipboard clipboard;
     FakeLineFactory lines;
@@ -134,6 +140,7 @@ struct FakeSurroundings
     FakeWaiter waiter{clock};
     MemoryOutputFiles outputs{clock};
     MemoryPrinting printing{clock};
+    FakeMedia media;
     FakeRecorder recorder;
 
 private:
@@ -169,6 +176,7 @@ public:
     MainWindow* Frame() override { return &frame; }
     SettingsLayer& Layer() override { return layer; }
     Clock& Time() override { return clock; }
+    SecretKeeper* Keeper() override { return &keeper; }
 
     int TitleFormat() const override { return titleFormat; }
     bool AutoClose() const override { return autoClose; }

@@ -17,9 +17,18 @@ class FakeClipboard : public Clipboard
 public:
     bool HasText(Kind kind) const override { return !Text(kind).isEmpty(); }
     QString Text(Kind kind) const override { return kind == Kind::Standard ? standard : primary; }
-    void SetText(Kind kind, const QString& text) override { (kind == Kind::Standard ? standard : primary) = text; }
+    void Put(Kind kind, const ClipboardText& content) override
+    {
+        (kind == Kind::Standard ? standard : primary) = content.text;
+        if (kind == Kind::Standard) {
+            html = content.html;
+            rtf = content.rtf;
+        }
+    }
 
     QString standard;
+    QString html; // of the standard one
+    QByteArray rtf;
     QString primary;
 };
 

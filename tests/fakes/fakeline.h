@@ -64,6 +64,19 @@ public:
     void Answer(LineAnswer answer) override { answers.push_back(std::move(answer)); }
     std::shared_ptr<LineResume> TakeResume() override { return std::move(resume); }
     bool HasChildren() const override { return hasChildren; }
+    bool Dial(const QString& number) override
+    {
+        if (!dials)
+            return false;
+        dialled.push_back(number);
+        listener_.LineDialStatus(DialStatus::Dialing, {});
+        return true;
+    }
+    bool HangUp() override
+    {
+        ++hangUps;
+        return dials;
+    }
 
     // --- what the far side does
     void Connect()
@@ -93,6 +106,7 @@ public:
         listener_.LineStateChanged(LineState::Closed, QString());
         listener_.LineClosed();
     }
+    void Call(DialStatus status) { listener_.LineDialStatus(status, {}); }
     void Drain()
     {
         unsent = 0;
@@ -116,6 +130,9 @@ public:
     qsizetype unsent = 0;
     std::vector<LineAnswer> answers;
     std::shared_ptr<LineResume> resume; // what a lost line leaves behind
+    bool dials = true; // as a modem that is ready
+    std::vector<QString> dialled;
+    int hangUps = 0;
     int breaks = 0;
     int resizes = 0;
 };

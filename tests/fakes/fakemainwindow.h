@@ -41,7 +41,11 @@ public:
     LinePanel Shown() const override { return shown; }
     void ShowReconnect(const QString& what) override { Show(LinePanel::Reconnect, what); }
     void ShowConfirm(const QString& what) override { Show(LinePanel::Confirm, what); }
-    void ShowSecrets(const LineQuestion& question) override { Show(LinePanel::Secrets, question.text); }
+    void ShowSecrets(const LineQuestion& question, bool mayKeep) override
+    {
+        Show(LinePanel::Secrets, question.text);
+        offersKeeping = mayKeep;
+    }
     void SetCanResume(bool on) override { canResume = on; }
     void Hide() override { shown = LinePanel::None; }
     void TakeFocus() override { ++focused; }
@@ -50,6 +54,7 @@ public:
     LinePanel shown = LinePanel::None;
     QString text, help;
     bool canResume = false;
+    bool offersKeeping = false;
     int focused = 0;
 
 private:

@@ -123,16 +123,20 @@ public:
     void Log(const QByteArray& what) { log.append(QString::fromUtf8(what)); }
     bool Logged(const QString& what) const { return log.contains(what); }
 
+protected:
+    virtual std::unique_ptr<FrameWindow> MakeFrame(Kestrune& application)
+    {
+        auto made = std::make_unique<FakeFrame>(application, Ports());
+        frame = made.get();
+        return made;
+    }
+
 private:
     std::unique_ptr<Kestrune> Make(Ormain& host, const StartMode& mode)
     {
         Log(mode.settingsRun ? "application for settings" : "application");
         Kestrune::Parts parts{layer, clock, ask, recorder, *this, {}, {}, {}, {}, {}, {}};
-        parts.makeFrame = [this](Kestrune& application) {
-            auto made = std::make_unique<FakeFrame>(application, Ports());
-            frame = made.get();
-            return made;
-        };
+        parts.makeFrame = [this](Kestrune& application) { return MakeFrame(application); };
         parts.makeCommands = [this, &host](Kestrune& application) {
             return std::make_unique<MenuCmd>(application, host, pieces);
         };
@@ -154,7 +158,7 @@ public:
     FakeFrame* frame = nullptr;         // of the application, while there is one
     FakeScriptEngine* engine = nullptr; // likewise, once somebody asked for it
 
-    FakeCommandPieces pieces; // what commands opened
+    FakeCommandPieces pieces;                                         // what commands opened
 
     WizardResult wizardResult = WizardResult::Cancelled;
     WelcomeChoice welcomeChoice = WelcomeChoice::Cancelled;

@@ -1,4 +1,5 @@
 #include <app/missingpieces.h>
+#include <dispatch/failure.h>
 #include <fakes/print.h>
 #include <fakes/shellbench.h>
 #include <menus/loadmenu.h>
@@ -97,7 +98,7 @@ TEST_F(MenuCmdTest, SessionCommands)
 TEST_F(MenuCmdTest, CaptureAndPrinterAreTurnedOnAndOff)
 {
     const auto session = Open();
-    MissingCommandPieces pieces(bench_.ask, [](const QString&) {});
+    MissingCommandPieces pieces(bench_.ask, {}, {});
     const QString file = bench_.Home(u"capture.txt"_s);
     bench_.ask.files = {std::nullopt, file};
     pieces.ShowCaptureStart(*session);
@@ -152,7 +153,7 @@ TEST_F(MenuCmdTest, SaveOfAFileThatCannotBeWrittenLeadsToSaveAs)
 TEST_F(MenuCmdTest, RecentFilesAndWindowsFillTheirMenus)
 {
     taMenuBar& bars = bench_.Frame().menu;
-    QObject::connect(&bars, &taMenuBar::BandOpen, &bars, [&](MenuTool& tool) { menu_.BandOpen(tool, nullptr); });
+    QObject::connect(&bars, &taMenuBar::BandOpen, &bars, [&](MenuTool& tool) { menu_.BandOpen(bars, tool, nullptr); });
     application_.AddRecent(u"/x/b&c.orcf"_s);
     application_.AddRecent(bench_.Home(u"a.orcf"_s));
     const auto first = Open(u"one.orcf"_s);
@@ -212,10 +213,9 @@ TEST_F(MenuCmdTest, ClickOnTheTabPopupMeansItsOwnSession)
 TEST_F(MenuCmdTest, FailuresOfAClickAreToldInTheStatusLineOrAsMissing)
 {
     const auto session = Open();
-    session->Settings().SetValue(Setting("Device"), 4); // the dialer is not there yet
-    bench_.pieces.dialResult = DialResult::Dial;
+    bench_.pieces.duringDesigner = [] { throw Failure(ErrorNumber::NotImplemented, u"Not built."_s, u"test"_s); };
     taMenuBar bars;
-    menu_.ToolClick(bars, {}, ToolOf(704, u"[#704]"_s), session.get());
+    menu_.ToolClick(bars, {}, ToolOf(711, u"[#711]"_s), session.get());
     ASSERT_EQ(bench_.ask.boxes.size(), 1u);
     EXPECT_EQ(bench_.ask.boxes[0].flags, MsgFlag::Information);
 }

@@ -200,5 +200,88 @@ TEST(LineTrouble, SecretsGoToTheLineAndThePanelGoesWithIt)
     EXPECT_EQ(bench.Panels().shown, LinePanel::Reconnect);
 }
 
+struct KeepingBench : TroubleBench
+{
+    KeepingBench() : TroubleBench(Device::Ssh) {}
+
+    LineQuestion Question(quint32 id, bool again = false, const QString& place = u"password ssh ann@host"_s) const
+    {
+        return {.id = id,
+                .kind = LineQuestion::Kind::Secrets,
+                .title = u"SSH login to ann@host"_s,
+                .text = u"Say"_s,
+                .fields = {{.label = u"Password:"_s, .mayBeRemembered = true}},
+                .place = place,
+                .again = again};
+    }
+    void HostAsks(const LineQuestion& question)
+    {
+        lines.Current().Ask(question);
+        clock.RunPosted();
+    }
+    void Type(const char* text, bool keep)
+    {
+        std::vector<Secret> values;
+        values.emplace_back(text);
+        window->logic->SecretsTyped(std::move(values), keep);
+    }
+    std::string Answered() { return std::string(lines.Current().answers.back().values.at(0).Utf8()); }
+};
+
+TEST(KeptSecrets, AreOfferedOnlyWhereTheyCanBeKept)
+{
+    KeepingBench bench;
+    bench.HostAsks(bench.Question(1));
+    EXPECT_EQ(bench.Panels().shown, LinePanel::Secrets);
+    EXPECT_FALSE(bench.Panels().offersKeeping);
+    bench.Type("pw", false);
+    bench.keeper.isThere = true;
+    bench.HostAsks(bench.Question(2));
+    EXPECT_TRUE(bench.Panels().offersKeeping);
+    bench.Type("pw", false);
+    bench.HostAsks(bench.Question(3, false, {})); // a code of the moment
+    EXPECT_FALSE(bench.Panels().offersKeeping);
+}
+
+TEST(KeptSecrets, AreKeptWhenTheHostHasTakenThemAndAnswerTheNextTime)
+{
+    KeepingBench bench;
+    bench.keeper.isThere = true;
+    bench.HostAsks(bench.Question(1));
+    bench.Type("wrong", true);
+    bench.HostAsks(bench.Question(2, true));
+    bench.Type("right", true);
+    EXPECT_TRUE(bench.keeper.kept.empty()) << "nobody knows yet whether it is right";
+    bench.lines.Current().Connect();
+    EXPECT_EQ(bench.keeper.kept, (std::map<QString, std::string>{{u"password ssh ann@host"_s, "right"}}));
+    EXPECT_EQ(bench.keeper.lastLabel, u"SSH login to ann@host"_s);
+
+    KeepingBench next;
+    next.keeper.isThere = true;
+    next.keeper.kept = bench.keeper.kept;
+    next.HostAsks(next.Question(1));
+    EXPECT_EQ(next.Panels().shown, LinePanel::None);
+    EXPECT_EQ(next.Answered(), "right");
+    next.HostAsks(next.Question(2, true)); // it is another one now
+    EXPECT_EQ(next.Panels().shown, LinePanel::Secrets);
+    EXPECT_TRUE(next.keeper.kept.empty()) << "it would be refused every time";
+    next.Type("new", false);
+    next.lines.Current().Connect();
+    EXPECT_TRUE(next.keeper.kept.empty()) << "the user did not want it";
+}
+
+TEST(KeptSecrets, OfALostLineAreNotKeptAndDoNotAnswer)
+{
+    KeepingBench bench;
+    bench.keeper.isThere = true;
+    bench.HostAsks(bench.Question(1));
+    bench.Type("pw", true);
+    bench.lines.Current().Ask(bench.Question(2, true));
+    bench.lines.Current().Drop();
+    bench.clock.RunPosted();
+    EXPECT_EQ(bench.Panels().shown, LinePanel::Reconnect) << "an answer that came too late shows nothing";
+    EXPECT_TRUE(bench.keeper.kept.empty());
+}
+
 } // namespace
 } // namespace kestrune

@@ -54,6 +54,31 @@ TEST(Sessions, ItemCountsFromZeroOrTakesAnId)
     EXPECT_NO_THROW(bench.sessions.Remove(u"99"_s));
 }
 
+TEST(Sessions, MoveKeepsAllAndNumbersThemAnew)
+{
+    SessionBench bench;
+    const QString file = bench.SessionFile(u"a.orcf"_s);
+    for (int i = 0; i < 3; ++i)
+        bench.sessions.Add(file);
+    const auto order = [&] {
+        QStringList ids;
+        for (const auto& session : bench.sessions.All())
+            ids.append(session->Id() + u' ' + session->frmSession()->Title());
+        return ids;
+    };
+    const std::pair<std::pair<QString, QString>, QStringList> rows[] = {
+        {{u"3"_s, u"1"_s}, {u"3 a (1)"_s, u"1 a (2)"_s, u"2 a (3)"_s}},
+        {{u"3"_s, {}}, {u"1 a (1)"_s, u"2 a (2)"_s, u"3 a (3)"_s}},
+        {{u"1"_s, u"99"_s}, {u"2 a (1)"_s, u"3 a (2)"_s, u"1 a (3)"_s}},
+        {{u"2"_s, u"2"_s}, {u"2 a (1)"_s, u"3 a (2)"_s, u"1 a (3)"_s}},
+        {{u"99"_s, u"2"_s}, {u"2 a (1)"_s, u"3 a (2)"_s, u"1 a (3)"_s}},
+    };
+    for (const auto& [move, ids] : rows) {
+        bench.sessions.MoveBefore(move.first, move.second);
+        EXPECT_EQ(order(), ids) << move.first.toStdString() << " before " << move.second.toStdString();
+    }
+}
+
 TEST(Sessions, LastOneGoneEndsTheProgramOrEmptiesTheWindow)
 {
     for (const bool autoClose : {true, false}) {

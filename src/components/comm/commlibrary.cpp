@@ -5,6 +5,13 @@
 #include "sshline.h"
 #include "telnetline.h"
 
+#include <comm/modemcatalog.h>
+#include <comm/modemline.h>
+#include <comm/serialline.h>
+#include <comm/sshkeys.h>
+#include <platform/fipspolicy.h>
+#include <platform/serialport.h>
+
 #include <QCoreApplication>
 #include <QLibrary>
 
@@ -32,10 +39,10 @@ struct DeviceRow
 };
 
 constexpr std::array DeviceRows{
-    DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), nullptr},
+    DeviceRow{Device::SerialPort, QT_TRANSLATE_NOOP("CommLibrary", "Serial Port"), &MakeLine<comm::SerialLine>},
     DeviceRow{Device::PicLan, QT_TRANSLATE_NOOP("CommLibrary", "PicLan"), &MakeLine<comm::TelnetLine>},
     DeviceRow{Device::Telnet, QT_TRANSLATE_NOOP("CommLibrary", "Telnet"), &MakeLine<comm::TelnetLine>},
-    DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), nullptr},
+    DeviceRow{Device::Modem, QT_TRANSLATE_NOOP("CommLibrary", "Modem"), &MakeLine<comm::ModemLine>},
     DeviceRow{Device::Ssh, QT_TRANSLATE_NOOP("CommLibrary", "SSH"), &MakeLine<comm::SshLine>},
     DeviceRow{Device::Extension, QT_TRANSLATE_NOOP("CommLibrary", "Local Shell"), &MakeLine<comm::LocalShell>},
     DeviceRow{Device::SslTelnet, QT_TRANSLATE_NOOP("CommLibrary", "SSL/Telnet"), &MakeLine<comm::TelnetLine>},
@@ -49,8 +56,9 @@ const DeviceRow* RowOf(Device device)
 
 } // namespace
 
-CommLibrary::CommLibrary(Clock& clock, const QString& extensionName, QString trustFolder)
-    : clock_(clock), hasExtension_(!extensionName.trimmed().isEmpty()), trustFolder_(std::move(trustFolder))
+CommLibrary::CommLibrary(Clock& clock, const QString& extensionName, QString userFolder, QString programFolder)
+    : clock_(clock), hasExtension_(!extensionName.trimmed().isEmpty()), userFolder_(std::move(userFolder)),
+      programFolder_(std::move(programFolder))
 {}
 
 bool CommLibrary::Exists(Device device) const
@@ -70,7 +78,9 @@ std::unique_ptr<Line> CommLibrary::Make(const LineOptions& options, LineListener
     if (!Exists(options.device))
         return nullptr;
     LineOptions own = options;
-    own.tls.trustFolder = trustFolder_;
+    own.tls.trustFolder = userFolder_;
+    own.modem.userFolder = userFolder_;
+    own.modem.programFolder = programFolder_;
     const LineMaker make = RowOf(options.device)->make;
     if (comm::ResumableLine::IsWanted(own))
         return std::make_unique<comm::ResumableLine>(own, listener, clock_, make);
@@ -85,16 +95,32 @@ void CommLibrary::ORCommID(int device, int& length, QString& text) const
     length = static_cast<int>(text.size());
 }
 
-int CommLibrary::ORCommList(int, int, QString& list) const
+int CommLibrary::ORCommList(int kind, int, QString& list) const
 {
-    list = QString(2, QChar(0));
-    return 0;
+    using namespace Qt::StringLiterals;
+    list.clear();
+    int count = 0;
+    if (static_cast<Device>(kind) == Device::SerialPort)
+        for (const int number : SerialPortNumbers()) {
+            const QString device = QString::fromStdString(SerialPortPath(number)).section(u'/', -1);
+            list += QCoreApplication::translate("CommLibrary", "Port %1: %2").arg(number).arg(device) + QChar(0);
+            ++count;
+        }
+    if (static_cast<Device>(kind) == Device::Modem)
+        for (const QString& name : comm::ModemCatalog(programFolder_, userFolder_).Names()) {
+            list += name + QChar(0);
+            ++count;
+        }
+    list += QString(count == 0 ? 2 : 1, QChar(0));
+    return count;
 }
 
-int CommLibrary::ORDialLocationInfo(int, QString& text, int) const
+int CommLibrary::ORDialLocationInfo(int what, QString& text, int length) const
 {
-    text.clear();
-    return 0;
+    const comm::DialLocation location = comm::ModemCatalog(programFolder_, userFolder_).Location();
+    text = QString::fromStdString(what == 0 ? location.country : what == 1 ? location.area : std::string());
+    text.truncate(std::max(length - 1, 0));
+    return static_cast<int>(text.size());
 }
 
 bool CommLibrary::ORDialingProperties(quintptr) const { return false; }
@@ -102,18 +128,46 @@ bool CommLibrary::ORDialingProperties(quintptr) const { return false; }
 int CommLibrary::ORTranslateNumber(const QString& canonical, int, QString& dialable, QString& displayed,
                                    int length) const
 {
-    using namespace Qt::StringLiterals;
-    // ITU-T V.250 6.3.1: digits, tone letters, pauses and other dial modifiers; the rest is for the eye.
-    const auto cannotBeDialled = [](QChar c) { return !u"0123456789*#ABCDabcd,W@!TPtpw"_s.contains(c); };
-    displayed = canonical.trimmed();
-    dialable = displayed;
-    dialable.removeIf(cannotBeDialled);
-    const bool fits = dialable.size() < length && displayed.size() < length;
-    if (!dialable.isEmpty() && fits)
+    const auto translated =
+        comm::TranslateNumber(canonical.toStdString(), comm::ModemCatalog(programFolder_, userFolder_).Location());
+    dialable = translated ? QString::fromStdString(translated->dialable) : QString();
+    displayed = translated ? QString::fromStdString(translated->displayed) : QString();
+    if (!dialable.isEmpty() && dialable.size() < length && displayed.size() < length)
         return 1;
     dialable.clear();
     displayed.clear();
     return 0;
+}
+
+int CommLibrary::ORSSHKeyGen(const QString& type, int bits, const QString& comment, const Secret& passphrase,
+                             const QString& file, QString& why) const
+{
+    auto result = comm::MakeSshKey({type, bits, comment, passphrase.Copy()}, file);
+    why = result.error;
+    return result.text.isEmpty() ? 0 : 1;
+}
+
+int CommLibrary::ORSSHPubKey(const QString& file, const Secret& passphrase, QString& line, QString& why) const
+{
+    const auto result = comm::PublicSshKey(file, passphrase);
+    why = result.error;
+    line = QString::fromUtf8(result.text);
+    return static_cast<int>(line.size());
+}
+
+int CommLibrary::ORSSHFingerprint(const QString& file, int kind, QString& text, QString& why) const
+{
+    const auto result =
+        comm::SshKeyFingerprint(file, kind == 1 ? comm::SshFingerprintKind::Md5 : comm::SshFingerprintKind::Sha256);
+    why = result.error;
+    text = QString::fromUtf8(result.text);
+    return static_cast<int>(text.size());
+}
+
+int CommLibrary::ORSSHGetRandom(int count, QByteArray& bytes) const
+{
+    bytes = comm::SshRandom(count);
+    return count > 0 && bytes.size() == count ? 1 : 0;
 }
 
 // Asked of the library that TLS would load, so that a program that never uses TLS does not load it at its start.
@@ -125,5 +179,7 @@ bool CommLibrary::GetFipsMode() const
     const auto ask = reinterpret_cast<Question>(crypto.resolve("EVP_default_properties_is_fips_enabled"));
     return ask && ask(nullptr) == 1;
 }
+
+bool CommLibrary::GetFipsPolicy() const { return SystemWantsFips(); }
 
 } // namespace kestrune

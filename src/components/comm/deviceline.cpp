@@ -1,4 +1,6 @@
-#include "deviceline.h"
+#include <comm/deviceline.h>
+
+#include "proxylogin.h"
 
 #include <utility>
 
@@ -76,6 +78,29 @@ void DeviceLine::Ask(LineQuestion question, std::function<void(LineAnswer)> then
     question.id = ++questions_;
     answered_ = std::move(then);
     listener_.LineAsks(question);
+}
+
+void DeviceLine::AskProxyLogin(const QString& proxy, const QString& host, bool again,
+                               std::function<void(const QString& user, Secret password)> retry)
+{
+    if (proxyLogins_++ == MostProxyLogins) {
+        Fail(LineErrorNumber::AccessDenied,
+             tr("Unable to connect to %1: the proxy %2 refuses this name and password.").arg(host, proxy));
+        return;
+    }
+    const QString& user = options_.proxy.user;
+    Ask(ProxyLoginQuestion(proxy, host, user, again),
+        [this, proxy, host, user, retry = std::move(retry)](LineAnswer answer) {
+            const bool nobody = answer.choice == LineAnswer::Choice::Nobody;
+            if (auto login = ProxyLoginFrom(std::move(answer), user))
+                retry(login->user, std::move(login->password));
+            else if (nobody)
+                Fail(LineErrorNumber::AccessDenied,
+                     tr("Unable to connect to %1: the proxy %2 wants a password, and there is nobody to ask for it.")
+                         .arg(host, proxy));
+            else
+                Close();
+        });
 }
 
 void DeviceLine::Answer(LineAnswer answer)

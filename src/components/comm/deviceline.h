@@ -22,7 +22,7 @@ public:
     void Open() final;
     void Close() final;
     bool IsOpen() const final { return phase_ == Phase::Open; }
-    void SetReceiving(bool on) final;
+    void SetReceiving(bool on) override;
     void Answer(LineAnswer answer) override;
 
 protected:
@@ -45,6 +45,10 @@ protected:
     // Asks the user; then gets the answer, unless the line ends first. The last thing that its caller does: the
     // answer may be there before Ask returns. One question at a time.
     void Ask(LineQuestion question, std::function<void(LineAnswer)> then);
+    // What is in front of the host wants to know who asks. Asks the user and tries again with what was typed; the line
+    // ends, and says so, when there is nobody to ask, or when it was refused too often.
+    void AskProxyLogin(const QString& proxy, const QString& host, bool again,
+                       std::function<void(const QString& user, Secret password)> retry);
     void Post(std::function<void()> run); // dropped when the line goes first
 
     bool HasEnded() const { return phase_ == Phase::Ended; }
@@ -72,6 +76,7 @@ private:
     bool receiving_ = true;
     bool overflowTold_ = false;
     quint32 questions_ = 0; // asked so far; the last one's id
+    int proxyLogins_ = 0;   // asked for so far
     std::function<void(LineAnswer)> answered_;
 };
 

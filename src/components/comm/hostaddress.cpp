@@ -51,7 +51,8 @@ HostAddress HostAddress::From(const QString& hostField, const QString& portField
     result.host = hostField.trimmed();
     if (result.host.startsWith(u'[') && result.host.endsWith(u']'))
         result.host = result.host.mid(1, result.host.size() - 2);
-    const QString port = portField.trimmed();
+    // 0 stands for the device's own port, as forms with a number in them write it.
+    const QString port = portField.trimmed() == u"0" ? QString() : portField.trimmed();
     const bool ascii = std::ranges::all_of(result.host, [](QChar c) { return c.unicode() < 128; });
 
     if (result.host.isEmpty())

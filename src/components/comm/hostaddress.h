@@ -18,7 +18,7 @@ public:
     quint16 port = 0;
     QString error; // not empty: the fields are not usable, in the user's words
 
-    // idn: names outside ASCII are allowed. An empty port means defaultPort; 0: there is none.
+    // idn: names outside ASCII are allowed. An empty port and "0" mean defaultPort; of 0 there is none.
     static HostAddress From(const QString& host, const QString& port, quint16 defaultPort, bool idn);
 };
 

@@ -4,7 +4,7 @@
 // comm/commandline.h; empty means the user's login shell, started as one, in the home folder. A command starts in
 // the current folder.
 
-#include "deviceline.h"
+#include <comm/deviceline.h>
 
 #include <platform/pseudoterminal.h>
 

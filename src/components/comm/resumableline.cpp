@@ -35,7 +35,9 @@ bool HasSevenBits(const LineOptions& options)
 
 bool ResumableLine::IsWanted(const LineOptions& options)
 {
-    return options.resume.enabled && options.device != Device::Extension && options.device != Device::None;
+    // Not over a serial cable or a modem, where seven bits or XON/XOFF may stand between the two ends.
+    constexpr std::array without{Device::None, Device::SerialPort, Device::Modem, Device::Extension};
+    return options.resume.enabled && std::ranges::find(without, options.device) == without.end();
 }
 
 ResumableLine::ResumableLine(const LineOptions& options, LineListener& listener, Clock& clock, const Maker& make)

@@ -4,6 +4,8 @@
 
 #include <platform/sockets.h>
 
+#include <libssh/server.h>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -32,12 +34,28 @@ QString HostWords(const char* text)
     return words.trimmed();
 }
 
+const char* KeyTypeName(ssh_key key)
+{
+    switch (ssh_key_type(key)) { // the library's own names leave the curve out
+    case SSH_KEYTYPE_ECDSA_P256:
+        return "ecdsa-sha2-nistp256";
+    case SSH_KEYTYPE_ECDSA_P384:
+        return "ecdsa-sha2-nistp384";
+    case SSH_KEYTYPE_ECDSA_P521:
+        return "ecdsa-sha2-nistp521";
+    default:
+        return ssh_key_type_to_char(ssh_key_type(key));
+    }
+}
+
 SshContact::SshContact(SshMailbox& mail, const LineOptions& options, const SshTarget& target)
-    : mail_(mail), options_(options), session_(ssh_new())
+    : mail_(mail), options_(options), session_(ssh_new()), given_(target.host)
 {
     if (!session_)
         Fail(LineErrorNumber::NoBufferSpace, Say("The system has no room for another connection."));
     ssh_set_blocking(session_.get(), 0);
+    ssh_set_counters(session_.get(), nullptr, &counter_);
+    DenyRequests();
     SetText(SSH_OPTIONS_SSH_DIR, QDir::homePath() + u"/.ssh"_s);
     SetText(SSH_OPTIONS_HOST, target.host);
     if (!target.user.isEmpty())
@@ -57,6 +75,12 @@ SshContact::SshContact(SshMailbox& mail, const LineOptions& options, const SshTa
     unsigned int port = 22;
     if (ssh_options_get_port(session_.get(), &port) == SSH_OK)
         port_ = static_cast<int>(port);
+}
+
+void SshContact::DenyRequests()
+{
+    ssh_set_message_callback(
+        session_.get(), [](ssh_session, ssh_message, void*) { return 1; }, nullptr);
 }
 
 SshContact::~SshContact()
@@ -80,6 +104,14 @@ QString SshContact::User() const
     if (ssh_options_get(session_.get(), SSH_OPTIONS_USER, &user) != SSH_OK)
         return {};
     return QString::fromUtf8(SshText(user).get());
+}
+
+QString SshContact::ProxyCommand() const
+{
+    char* command = nullptr;
+    if (ssh_options_get(session_.get(), SSH_OPTIONS_PROXYCOMMAND, &command) != SSH_OK)
+        return {};
+    return QString::fromUtf8(SshText(command).get());
 }
 
 QString SshContact::Address() const

@@ -47,8 +47,12 @@ public:
     ssh_session Session() const { return session_.get(); }
     const LineOptions& Options() const { return options_; }
     SshMailbox& Mail() { return mail_; }
+    // What the user's configuration puts between: a command whose standard input and output lead to the host (what
+    // ProxyJump says comes as one too); empty: nothing.
+    QString ProxyCommand() const;
     const QString& Host() const { return host_; } // as the configuration says: where the connection goes
     int Port() const { return port_; }
+    const QString& Given() const { return given_; } // before the configuration has had its say
     QString User() const;
     QString Address() const; // "user@host" for titles, with a port that is not the usual one
 
@@ -75,6 +79,12 @@ public:
     [[noreturn]] void Fail(quint16 number, const QString& text) const;
     QString Reason() const; // the library's words for what failed last
     bool IsLost() const;    // the host has gone
+    // What the host asks for on its own is denied at once; the library would keep it, however much comes.
+    void DenyRequests();
+    // Counts what the host has said. Any call of the library may take in more of it than it was asked for; only who
+    // sees the same count before and after all his work may sleep.
+    quint64 Heard() const { return counter_.in_packets; }
+    quint64 Said() const { return counter_.out_packets; }
     [[noreturn]] void FailAsLost() const;
 
 private:
@@ -82,14 +92,19 @@ private:
     [[noreturn]] void FailToAgree();
 
     SshMailbox& mail_;
-    const LineOptions& options_;
+    LineOptions options_;
+    ssh_counter_struct counter_{}; // the library's to write
     SshSessionHandle session_;
+    QString given_;
     QString host_;
     int port_ = 22;
     int socket_ = -1;    // ours
     int duplicate_ = -1; // the library's
     quint32 lastQuestion_ = 0;
 };
+
+// As the type of a key stands in front of it: "ssh-ed25519", "ecdsa-sha2-nistp256".
+const char* KeyTypeName(ssh_key key);
 
 // What a host says, fit for people: its control characters become blanks, line ends stay, and it has an end.
 QString HostWords(const char* text);

@@ -1,5 +1,6 @@
 #include "sshconversation.h"
 
+#include "sshapproach.h"
 #include "sshcontact.h"
 #include "sshlogin.h"
 #include "sshshell.h"
@@ -41,20 +42,10 @@ SshTarget TargetOf(const LineOptions& options)
     return target;
 }
 
-void State(SshContact& contact, LineState state, const QString& text)
+void State(SshContact& contact, const QString& text)
 {
-    contact.Mail().Tell([=](SshNotices& line) { line.SshState(state, text); });
-}
-
-int Dial(SshContact& contact)
-{
-    contact.Mail().Tell([host = contact.Host(), port = static_cast<quint16>(contact.Port())](SshNotices& line) {
-        line.SshDial(host, port);
-    });
-    const int socket = contact.Mail().AwaitSocket();
-    if (socket < 0)
-        throw SshFailure(SshEnding{});
-    return socket;
+    contact.Mail().Tell(
+        [text, host = contact.Host()](SshNotices& line) { line.SshState(LineState::Authenticating, text, host); });
 }
 
 // What the host wants to be read before the login (RFC 4252 5.4), without its controls.
@@ -67,19 +58,25 @@ void ShowBanner(SshContact& contact)
     }
 }
 
+// From the connected socket to the host's permission.
+void Enter(SshContact& contact, int socket)
+{
+    State(contact, ConversationText::tr("Agreeing with %1").arg(contact.Host()));
+    contact.Connect(socket);
+    CheckHostKey(contact);
+    State(contact, ConversationText::tr("Logging in to %1").arg(contact.Host()));
+    LogIn(contact);
+    ShowBanner(contact);
+}
+
 SshEnding Converse(const LineOptions& options, SshMailbox& mail)
 {
+    SshApproach approach(options, mail, &Enter); // goes after what is reached by it
     SshContact contact(mail, options, TargetOf(options));
     mail.Tell([text = ConversationText::tr("SSH %1").arg(contact.Address())](SshNotices& line) {
         line.SshDeviceStatus(text);
     });
-    const int socket = Dial(contact); // owned by contact from here on
-    State(contact, LineState::Authenticating, ConversationText::tr("Agreeing with %1").arg(contact.Host()));
-    contact.Connect(socket);
-    CheckHostKey(contact);
-    State(contact, LineState::Authenticating, ConversationText::tr("Logging in to %1").arg(contact.Host()));
-    LogIn(contact);
-    ShowBanner(contact);
+    Enter(contact, approach.To(contact));
     SshShell shell(contact);
     shell.Open();
     mail.Tell([text = ConversationText::tr("Connected to %1").arg(contact.Host())](SshNotices& line) {

@@ -1,13 +1,11 @@
 #include "sshline.h"
 
 #include "hostaddress.h"
-#include "socketreason.h"
 #include "sshconversation.h"
+#include <comm/sshforwardlist.h>
 #include <comm/sshtarget.h>
 
 #include <platform/sockets.h>
-
-#include <QNetworkProxy>
 
 #include <algorithm>
 #include <utility>
@@ -25,11 +23,7 @@ constexpr qsizetype SshReadPiece = qsizetype{64} * 1024;
 
 SshLine::SshLine(const LineOptions& options, LineListener& listener, Clock& clock)
     : DeviceLine(options, listener, clock)
-{
-    socket_.setProxy(QNetworkProxy::NoProxy);
-    connect(&socket_, &QAbstractSocket::connected, this, &SshLine::SocketConnected);
-    connect(&socket_, &QAbstractSocket::errorOccurred, this, &SshLine::SocketFailed);
-}
+{}
 
 SshLine::~SshLine() { SshLine::LetGo(); }
 
@@ -45,8 +39,14 @@ void SshLine::Begin()
                                      : address.error);
         return;
     }
+    if (const QString wrong = SshForwardList::From(Options().ssh.forwards).wrong; !wrong.isEmpty()) {
+        Fail(LineErrorNumber::InvalidArgument,
+             tr("Unable to connect: the session's forwarded port \"%1\" is not like L8080:host:80, R2222:host:22 or "
+                "D1080.")
+                 .arg(wrong));
+        return;
+    }
     mail_ = std::make_shared<SshMailbox>(*this, [this] { Knocked(); });
-    ArmConnectLimit();
     StartSshConversation(Options(), mail_);
 }
 
@@ -54,8 +54,8 @@ void SshLine::LetGo()
 {
     connectLimit_.reset();
     keepAlive_.reset();
-    socket_.disconnect(this); // it speaks once more while it goes
-    socket_.abort();
+    if (connector_)
+        connector_->Cancel();
     if (mail_)
         mail_->Cancel();
 }
@@ -75,36 +75,41 @@ void SshLine::Knocked()
 void SshLine::SshDial(const QString& host, quint16 port)
 {
     host_ = host;
-    port_ = port;
-    EnterState(LineState::Connecting, tr("Connecting to %1").arg(host_));
-    if (!HasEnded())
-        socket_.connectToHost(host_, port_);
+    connector_ = std::make_unique<TcpConnector>(
+        TcpTarget{.host = host_, .port = port, .limit = TimeLimit(), .proxy = Options().proxy},
+        static_cast<TcpConnectorEvents&>(*this), Time());
+    connector_->Start();
 }
 
-void SshLine::SocketConnected()
+void SshLine::TcpWantsProxyLogin(const QString& proxy, bool again)
 {
+    AskProxyLogin(proxy, host_, again,
+                  [this](const QString& user, Secret password) { connector_->Retry(user, std::move(password)); });
+}
+
+void SshLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
+{
+    const qintptr descriptor = socket->socketDescriptor();
     if (Options().tcpNoDelay || Options().ssh.noDelay)
-        socket_.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     if (Options().keepaliveInterval > 0)
-        SetTcpKeepalive(socket_.socketDescriptor(), Options().keepaliveInterval);
-    const int copy = DuplicateSocket(socket_.socketDescriptor());
-    socket_.disconnect(this);
-    socket_.abort(); // closes this descriptor only
+        SetTcpKeepalive(descriptor, Options().keepaliveInterval);
+    const int copy = DuplicateSocket(descriptor);
+    socket->abort(); // closes this descriptor only
+    ArmConnectLimit();
     if (copy < 0)
         Fail(LineErrorNumber::NoBufferSpace, tr("The system has no room for another connection."));
     else
         mail_->GiveSocket(copy);
 }
 
-void SshLine::SocketFailed(QAbstractSocket::SocketError error)
+// Each step on the way has the time that the session gives to a connection.
+void SshLine::SshState(LineState state, const QString& text, const QString& host)
 {
-    if (HasEnded())
-        return;
-    const SocketReason reason = SocketReason::Of(error, socket_.errorString());
-    Fail(reason.number, tr("Unable to connect to %1 port %2: %3").arg(host_).arg(port_).arg(reason.words));
+    host_ = host;
+    ArmConnectLimit();
+    EnterState(state, text);
 }
-
-void SshLine::SshState(LineState state, const QString& text) { EnterState(state, text); }
 
 void SshLine::SshDeviceStatus(const QString& text) { Listener().LineDeviceStatus(text); }
 
@@ -118,17 +123,10 @@ void SshLine::SshOpened(const QString& text)
 void SshLine::SshAsks(const LineQuestion& question)
 {
     connectLimit_.reset(); // the user may take any time
-    standingQuestion_ = question.id;
-    Listener().LineAsks(question);
-}
-
-void SshLine::Answer(LineAnswer answer)
-{
-    if (HasEnded() || standingQuestion_ == 0 || answer.question != standingQuestion_)
-        return;
-    standingQuestion_ = 0;
-    ArmConnectLimit();
-    mail_->GiveAnswer(std::move(answer));
+    Ask(question, [this](LineAnswer answer) {
+        ArmConnectLimit();
+        mail_->GiveAnswer(std::move(answer));
+    });
 }
 
 void SshLine::TakeWaiting()
@@ -166,14 +164,17 @@ void SshLine::TakeEnding()
 
 // --- time
 
+std::chrono::seconds SshLine::TimeLimit() const
+{
+    return std::chrono::seconds(Options().connectTimeout > 0 ? Options().connectTimeout : DefaultSshTimeout);
+}
+
 void SshLine::ArmConnectLimit()
 {
     if (IsOpen())
         return;
-    const int seconds = Options().connectTimeout > 0 ? Options().connectTimeout : DefaultSshTimeout;
-    connectLimit_ = Time().After(std::chrono::seconds(seconds), [this] {
-        const QString host = host_.isEmpty() ? SshTarget::From(Options().hostName).host : host_;
-        Fail(LineErrorNumber::TimedOut, tr("Unable to connect to %1: the host does not answer").arg(host));
+    connectLimit_ = Time().After(TimeLimit(), [this] {
+        Fail(LineErrorNumber::TimedOut, tr("Unable to connect to %1: the host does not answer").arg(host_));
     });
 }
 

@@ -13,6 +13,7 @@
 #include <array>
 #include <cstring>
 #include <exception>
+#include <utility>
 
 namespace kestrune::comm {
 
@@ -70,7 +71,11 @@ private:
     SshKeyHandle LoadKey(const QByteArray& file);
     Outcome OfferKey(const QByteArray& file);
     void AnswerRound(bool again);
-    std::vector<Secret> AskFor(const QString& text, std::vector<LineQuestion::Field> fields);
+    // place: LineQuestion's. again: the host, or the key, has not accepted the last one.
+    std::vector<Secret> AskFor(const QString& text, std::vector<LineQuestion::Field> fields, const QString& place,
+                               bool again);
+    QString PasswordPlace() const { return u"password ssh "_s + contact_.Address(); }
+    static QString KeyPlace(const QString& file) { return u"passphrase "_s + file; }
     [[noreturn]] void FailLogin();
 
     static int AskPassphrase(const char* prompt, char* buffer, size_t size, int echo, int verify, void* self);
@@ -78,6 +83,7 @@ private:
     SshContact& contact_;
     ssh_callbacks_struct callbacks_{};
     std::exception_ptr stopped_; // by the user, inside a callback of the library
+    QString askedFor_;           // the key whose passphrase the library wanted last
     QStringList notes_;          // why a way in was not gone
 };
 
@@ -99,13 +105,16 @@ Outcome Login::Check(int result)
     return OutcomeOf(result);
 }
 
-std::vector<Secret> Login::AskFor(const QString& text, std::vector<LineQuestion::Field> fields)
+std::vector<Secret> Login::AskFor(const QString& text, std::vector<LineQuestion::Field> fields, const QString& place,
+                                  bool again)
 {
     const std::size_t wanted = fields.size();
     LineAnswer answer = contact_.Ask({.kind = LineQuestion::Kind::Secrets,
                                       .title = LoginText::tr("SSH login to %1").arg(contact_.Address()),
                                       .text = text,
-                                      .fields = std::move(fields)});
+                                      .fields = std::move(fields),
+                                      .place = place,
+                                      .again = again});
     answer.values.resize(wanted);
     return std::move(answer.values);
 }
@@ -131,8 +140,10 @@ int Login::AskPassphrase(const char*, char* buffer, size_t size, int, int, void*
     if (ssh_userauth_publickey_auto_get_current_identity(login.Session(), &file) == SSH_OK)
         name = QFile::decodeName(SshText(file).get());
     try {
-        const auto values = login.AskFor(LoginText::tr("The key %1 is locked.").arg(name),
-                                         {{.label = LoginText::tr("Passphrase:"), .mayBeRemembered = true}});
+        const bool again = std::exchange(login.askedFor_, name) == name;
+        const auto values =
+            login.AskFor(LoginText::tr("The key %1 is locked.").arg(name),
+                         {{.label = LoginText::tr("Passphrase:"), .mayBeRemembered = true}}, KeyPlace(name), again);
         const std::string_view passphrase = values[0].Utf8();
         if (passphrase.size() >= size)
             return -1;
@@ -159,7 +170,8 @@ SshKeyHandle Login::LoadKey(const QByteArray& file)
         return SshKeyHandle(key);
     QString text = LoginText::tr("The key %1 is locked.").arg(name);
     for (int i = 0; i < Tries; ++i) {
-        const auto values = AskFor(text, {{.label = LoginText::tr("Passphrase:"), .mayBeRemembered = true}});
+        const auto values =
+            AskFor(text, {{.label = LoginText::tr("Passphrase:"), .mayBeRemembered = true}}, KeyPlace(name), i > 0);
         if (ssh_pki_import_privkey_file(file.constData(), values[0].CString(), nullptr, nullptr, &key) == SSH_OK)
             return SshKeyHandle(key);
         text = LoginText::tr("This passphrase does not open the key %1.").arg(name);
@@ -231,7 +243,9 @@ void Login::AnswerRound(bool again)
         contact_.Mail().Received(notice); // only said, nothing asked
         return;
     }
-    const auto values = AskFor(text.join(u'\n'), std::move(fields));
+    // One hidden answer is a password; several, or visible ones, are codes of the moment.
+    const bool isPassword = fields.size() == 1 && fields[0].mayBeRemembered;
+    const auto values = AskFor(text.join(u'\n'), std::move(fields), isPassword ? PasswordPlace() : QString(), again);
     for (unsigned i = 0; i < values.size(); ++i)
         ssh_userauth_kbdint_setanswer(Session(), i, values[i].CString());
 }
@@ -257,7 +271,8 @@ Outcome Login::ByPassword()
 {
     QString text;
     for (int i = 0; i < Tries; ++i) {
-        const auto values = AskFor(text, {{.label = LoginText::tr("Password:"), .mayBeRemembered = true}});
+        const auto values =
+            AskFor(text, {{.label = LoginText::tr("Password:"), .mayBeRemembered = true}}, PasswordPlace(), i > 0);
         const Outcome outcome =
             Check(contact_.Until([&] { return ssh_userauth_password(Session(), nullptr, values[0].CString()); }));
         if (outcome != Outcome::Refused)

@@ -34,7 +34,7 @@ class SshNotices
 public:
     virtual ~SshNotices() = default;
     virtual void SshDial(const QString& host, quint16 port) = 0; // a socket is needed: GiveSocket
-    virtual void SshState(LineState state, const QString& text) = 0;
+    virtual void SshState(LineState state, const QString& text, const QString& host) = 0; // host: who is waited for
     virtual void SshDeviceStatus(const QString& text) = 0;
     virtual void SshAsks(const LineQuestion& question) = 0; // GiveAnswer
     virtual void SshOpened(const QString& text) = 0;

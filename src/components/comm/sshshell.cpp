@@ -19,6 +19,7 @@ struct ShellText
     Q_DECLARE_TR_FUNCTIONS(SshLine)
 };
 
+constexpr int MostSilences = 3;
 constexpr qsizetype ShellReadPiece = qsizetype{32} * 1024;
 
 // RFC 4254 6.10 has names where other programs have numbers.
@@ -61,6 +62,7 @@ SshShell::SshShell(SshContact& contact)
 
 SshShell::~SshShell()
 {
+    forwards_.reset();
     ssh_event_remove_fd(event_.get(), contact_.Mail().Waker().Descriptor());
     ssh_event_remove_session(event_.get(), Session());
     ssh_remove_channel_callbacks(channel_.get(), &callbacks_);
@@ -95,6 +97,10 @@ void SshShell::Open()
     });
     if (terminalResult != SSH_OK)
         Refuse(ShellText::tr("a terminal"));
+    forwards_.emplace(contact_, event_.get());
+    forwards_->Open();
+    if (options.ssh.forwardAgent)
+        contact_.Until([this] { return ssh_channel_request_auth_agent(channel_.get()); });
     if (contact_.Until([this] { return ssh_channel_request_shell(channel_.get()); }) != SSH_OK)
         Refuse(ShellText::tr("a shell"));
 }
@@ -109,6 +115,21 @@ void SshShell::Obey()
     for (const int milliseconds : orders.breaks)
         ssh_channel_request_send_break(channel_.get(), static_cast<uint32_t>(milliseconds));
     if (orders.keepAlive)
+        KeepAlive();
+}
+
+// The host owes an answer to each, and when a network has swallowed the connection nothing else tells.
+void SshShell::KeepAlive()
+{
+    silences_ = contact_.Heard() == heardBefore_ ? silences_ + 1 : 0;
+    if (silences_ == MostSilences)
+        contact_.Fail(
+            LineErrorNumber::TimedOut,
+            ShellText::tr("The connection to %1 was lost: the host does not answer any more.").arg(contact_.Host()));
+    heardBefore_ = contact_.Heard();
+    const quint64 said = contact_.Said();
+    ssh_send_keepalive(Session());
+    if (contact_.Said() == said) // it has only taken the answer to the last one
         ssh_send_keepalive(Session());
 }
 
@@ -149,19 +170,19 @@ SshEnding SshShell::Run()
     SshMailbox& mail = contact_.Mail();
     ssh_event_add_session(event_.get(), Session());
     ssh_event_add_fd(
-        event_.get(), mail.Waker().Descriptor(), POLLIN,
-        [](socket_t, int, void* box) {
-            static_cast<SshMailbox*>(box)->Waker().Clear();
-            return SSH_OK;
-        },
-        &mail);
+        event_.get(), mail.Waker().Descriptor(), POLLIN, [](socket_t, int, void*) { return SSH_OK; }, nullptr);
     for (;;) {
+        // Here and not when the wake-up is seen: reading and writing look at all that the event waits for too, and
+        // what was typed since Send would lie there until the next key.
+        mail.Waker().Clear();
+        const quint64 heard = contact_.Heard();
         Obey();
         Send();
         while (Receive(false) || Receive(true)) {
         }
         if (mail.IsCancelled())
             throw SshFailure(SshEnding{});
+        const bool more = forwards_->Move();
         const bool allRead = mail.Room() > 0;
         if (allRead && ssh_channel_is_closed(channel_.get()))
             return {.number = 0,
@@ -170,7 +191,8 @@ SshEnding SshShell::Run()
                     .signalNumber = signalNumber_};
         if (allRead && contact_.IsLost())
             contact_.FailAsLost();
-        ssh_event_dopoll(event_.get(), -1);
+        if (!more && contact_.Heard() == heard)
+            ssh_event_dopoll(event_.get(), -1);
     }
 }
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "sshcontact.h"
-
-#include <libssh/callbacks.h>
+#include "sshforwards.h"
 
 #include <optional>
 
@@ -24,6 +22,7 @@ private:
     ssh_session Session() const { return contact_.Session(); }
     void SetEnvironment();
     void Obey();
+    void KeepAlive();
     void Send();
     bool Receive(bool fromErrors); // false: nothing was there, or there is no room
     [[noreturn]] void Refuse(const QString& what);
@@ -31,9 +30,12 @@ private:
     SshContact& contact_;
     SshEventHandle event_;
     SshChannelHandle channel_;
+    std::optional<SshForwards> forwards_;
     ssh_channel_callbacks_struct callbacks_{};
     QByteArray sending_;
-    qsizetype sent_ = 0; // of sending_
+    qsizetype sent_ = 0;      // of sending_
+    quint64 heardBefore_ = 0; // at the last sign of life
+    int silences_ = 0;        // signs of life in a row that the host has said nothing after
     std::optional<int> exitCode_;
     int signalNumber_ = 0;
 };

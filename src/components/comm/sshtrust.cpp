@@ -38,12 +38,7 @@ HostKey KeyOf(const SshContact& contact)
     char* base64 = nullptr;
     ssh_pki_export_pubkey_base64(key.get(), &base64);
     const SshText text(base64);
-    const char* type = ssh_key_type(key.get()) == SSH_KEYTYPE_ECDSA_P256   ? "ecdsa-sha2-nistp256"
-                       : ssh_key_type(key.get()) == SSH_KEYTYPE_ECDSA_P384 ? "ecdsa-sha2-nistp384"
-                       : ssh_key_type(key.get()) == SSH_KEYTYPE_ECDSA_P521
-                           ? "ecdsa-sha2-nistp521"
-                           : ssh_key_type_to_char(ssh_key_type(key.get()));
-    return {type, text.get()};
+    return {KeyTypeName(key.get()), text.get()};
 }
 
 QString KnownHostsPath(const SshContact& contact)

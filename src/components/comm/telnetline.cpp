@@ -14,7 +14,7 @@ namespace kestrune::comm {
 namespace {
 
 constexpr int DefaultConnectTimeout = 30; // seconds
-constexpr int MostProxyLogins = 3;
+constexpr int KeepalivesUnanswered = 5; // then the host is given up
 // What the socket may hold unread, and so what one wake-up takes at most: the engine parses it in about 3 ms,
 // and the window is drawn between wake-ups.
 constexpr qint64 ReadAhead = qint64{256} * 1024;
@@ -110,35 +110,8 @@ void TelnetLine::Begin()
 
 void TelnetLine::TcpWantsProxyLogin(const QString& proxy, bool again)
 {
-    if (proxyLogins_++ == MostProxyLogins) {
-        Fail(LineErrorNumber::AccessDenied,
-             tr("Unable to connect to %1: the proxy %2 refuses this name and password.").arg(host_, proxy));
-        return;
-    }
-    LineQuestion question;
-    question.kind = LineQuestion::Kind::Secrets;
-    question.title = tr("Login at the proxy %1").arg(proxy);
-    question.text = again ? tr("The proxy refused the name or the password.")
-                          : tr("The proxy %1 wants to know who asks for %2.").arg(proxy, host_);
-    question.fields = {{.label = tr("User name:"), .echo = true}, {.label = tr("Password:")}};
-    if (!Options().proxy.user.isEmpty())
-        question.fields.erase(question.fields.begin());
-    Ask(question, [this, proxy](LineAnswer answer) {
-        const bool given = answer.choice == LineAnswer::Choice::Continue || answer.choice == LineAnswer::Choice::Update;
-        if (given && !answer.values.empty()) {
-            const std::string_view typed = answer.values.front().Utf8();
-            const QString& known = Options().proxy.user;
-            const QString name =
-                known.isEmpty() ? QString::fromUtf8(typed.data(), static_cast<qsizetype>(typed.size())) : known;
-            connector_->Retry(name, std::move(answer.values.back()));
-        } else if (answer.choice == LineAnswer::Choice::Nobody) {
-            Fail(LineErrorNumber::AccessDenied,
-                 tr("Unable to connect to %1: the proxy %2 wants a password, and there is nobody to ask for it.")
-                     .arg(host_, proxy));
-        } else {
-            Close();
-        }
-    });
+    AskProxyLogin(proxy, host_, again,
+                  [this](const QString& user, Secret password) { connector_->Retry(user, std::move(password)); });
 }
 
 void TelnetLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
@@ -189,6 +162,7 @@ void TelnetLine::SetKeepalive()
 {
     if (Options().keepaliveInterval <= 0)
         return;
+    SetTcpPatience(socket_->socketDescriptor(), KeepalivesUnanswered * Options().keepaliveInterval);
     if (Options().telnet.keepaliveIsNop && !IsRaw())
         ArmKeepalive();
     else if (!SetTcpKeepalive(socket_->socketDescriptor(), Options().keepaliveInterval))

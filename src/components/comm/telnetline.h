@@ -5,8 +5,8 @@
 // latter: of what its servers say to each other nothing is public, so it is the bare bytes on the port that the
 // session names.
 
-#include "deviceline.h"
 #include "tlshandshake.h"
+#include <comm/deviceline.h>
 
 #include <comm/tcpconnector.h>
 #include <comm/telnet.h>
@@ -63,8 +63,7 @@ private:
     QString host_;
     quint16 port_ = 0;
     bool hostHasClosed_ = false;
-    int proxyLogins_ = 0; // asked for
-    QByteArray held_;     // decoded, but receiving was switched off in the middle
+    QByteArray held_; // decoded, but receiving was switched off in the middle
     std::unique_ptr<TcpConnector> connector_;
     std::unique_ptr<QTcpSocket> socket_;
     std::unique_ptr<TlsHandshake> tls_; // of socket_, which is a QSslSocket then

@@ -1,280 +1,52 @@
 #include <menubar/menubarview.h>
 
-#include <menubar/icons.h>
+#include "shortcutkeys.h"
+#include "statusline.h"
+#include "toolbars.h"
+#include "toollist.h"
 
 #include <QAction>
-#include <QLabel>
+#include <QActionGroup>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
-#include <QToolBar>
 
-#include <list>
+#include <algorithm>
 
 namespace kestrune {
 
 using namespace Qt::StringLiterals;
 
-// The actions made of one model's tools, in whatever menus and bars they stand.
-class MenuBarView::ToolActions : public QObject
+namespace {
+
+// The first one that may be seen.
+QString BandOf(const taMenuBar& model, BandType type)
 {
-public:
-    ToolActions(taMenuBar& model, QObject* parent) : QObject(parent), model_(model)
-    {
-        connect(&model, &taMenuBar::ToolChanged, this, &ToolActions::Refresh);
-    }
+    const auto at = std::find_if(model.Bands().begin(), model.Bands().end(),
+                                 [type](const MenuBand& band) { return band.type == type; });
+    return at != model.Bands().end() ? at->key : QString();
+}
 
-    void FillMenu(QMenu& menu, const QString& band, const std::vector<MenuTool>& tools)
-    {
-        const QList<QAction*> old = menu.actions();
-        for (const QAction* action : old)
-            if (QMenu* sub = action->menu())
-                sub->deleteLater(); // the menu's clear() leaves these behind
-        menu.clear();
-        for (const MenuTool& tool : tools) {
-            if (tool.beginGroup)
-                menu.addSeparator(); // a leading one is not drawn
-            Bind(*(tool.type == ToolType::SubMenu ? AddSubMenu(menu, band, tool)->menuAction()
-                                                  : menu.addAction(QString())),
-                 band, tool, false);
-        }
-    }
-
-    template <typename Parent>
-    QMenu* AddSubMenu(Parent& parent, const QString& band, const MenuTool& tool)
-    {
-        QMenu* sub = parent.addMenu(tool.caption);
-        FillMenu(*sub, band, tool.tools);
-        // Filled again when it opens, so that recent files and windows are as they are now.
-        connect(sub, &QMenu::aboutToShow, this, [this, sub, band, key = tool.key] {
-            if (const MenuTool* now = model_.OpenTool(band, key))
-                FillMenu(*sub, band, now->tools);
-        });
-        return sub;
-    }
-
-    void Bind(QAction& action, const QString& band, const MenuTool& tool, bool onToolBar)
-    {
-        std::erase_if(shown_, [](const Shown& s) { return s.action == nullptr; });
-        shown_.push_back({&action, tool.key, band, onToolBar});
-        RefreshAction(action, tool, shown_.back());
-        if (tool.type == ToolType::SubMenu)
-            return;
-        connect(&action, &QAction::triggered, this, [this, &action, band, key = tool.key] {
-            const MenuTool* now = model_.Tool(band, key);
-            if (now == nullptr)
-                return;
-            const MenuTool copy = *now;      // the command may change the menu
-            action.setChecked(copy.checked); // the model decides, not the click
-            emit model_.ToolClick(band, copy);
-        });
-    }
-
-private:
-    struct Shown
-    {
-        QPointer<QAction> action;
-        int key;
-        QString band;
-        bool onToolBar;
-    };
-
-    static void RefreshAction(QAction& action, const MenuTool& tool, const Shown& shown)
-    {
-        action.setText(tool.caption);
-        action.setToolTip(tool.toolTipText.isEmpty() ? QString(tool.caption).remove(u'&') : tool.toolTipText);
-        action.setEnabled(tool.enabled);
-        action.setVisible(tool.visible);
-        action.setCheckable(tool.type == ToolType::Toggle || tool.checked);
-        action.setChecked(tool.checked);
-        if (shown.onToolBar)
-            action.setIcon(ToolIcon(tool, tool.checked ? ToolState::Checked : ToolState::Normal));
-        else // the same command stands in several places; two with one key would be ambiguous
-            action.setShortcut(QKeySequence(tool.shortcut));
-    }
-
-    void Refresh(int key)
-    {
-        for (const Shown& shown : shown_)
-            if (const MenuTool* tool = model_.Tool(shown.band, shown.key);
-                tool != nullptr && shown.action && (tool->key == key || CommandId(tool->action) == key))
-                RefreshAction(*shown.action, *tool, shown);
-    }
-
-    taMenuBar& model_;
-    std::list<Shown> shown_;
-};
-
-// One rendering of one model in the window. It is made anew when the bands change; single tools are brought up to
-// date in place. Bars stay from one rendering to the next, so that the window's inside keeps its size.
-class MenuBarView::Drawing : public QObject
+bool IsVisible(const taMenuBar& model, const QString& key)
 {
-public:
-    Drawing(QMainWindow& window, taMenuBar& model) : window_(window), model_(model)
-    {
-        connect(&model, &taMenuBar::BandsChanged, this, &Drawing::RebuildSoon);
-        connect(&model, &taMenuBar::ToolChanged, this, &Drawing::RefreshPanels);
-        connect(window.statusBar(), &QStatusBar::messageChanged, this, [this] {
-            for (const Panel& panel : panels_)
-                RefreshPanels(panel.key);
-        });
-        Rebuild();
-    }
+    const MenuBand* band = model.Band(key);
+    return band != nullptr && band->visible;
+}
 
-    ~Drawing() override { Clear(); }
+} // namespace
 
-private:
-    struct Panel
-    {
-        QPointer<QLabel> label;
-        int key;
-    };
-
-    // Many tools change in one go; one rebuild at the end of the turn is enough.
-    void RebuildSoon()
-    {
-        if (!pending_)
-            QMetaObject::invokeMethod(this, &Drawing::Rebuild, Qt::QueuedConnection);
-        pending_ = true;
-    }
-
-    void Rebuild()
-    {
-        pending_ = false;
-        Clear();
-        actions_ = std::make_unique<ToolActions>(model_, nullptr);
-        for (const MenuBand& band : model_.Bands()) {
-            if (band.type == BandType::MainMenu)
-                BuildMenu(band);
-            else if (band.type == BandType::ToolBar)
-                BuildToolBar(band);
-            else if (band.type == BandType::StatusBar)
-                BuildStatusBar(band);
-        }
-    }
-
-    void BuildMenu(const MenuBand& band)
-    {
-        for (const MenuTool& tool : band.tools) {
-            QMenu* menu = actions_->AddSubMenu(*window_.menuBar(), band.key, tool);
-            menus_.emplace_back(menu);
-            actions_->Bind(*menu->menuAction(), band.key, tool, false);
-        }
-    }
-
-    QToolBar* BarFor(const MenuBand& band)
-    {
-        if (auto* standing = window_.findChild<QToolBar*>(band.key, Qt::FindDirectChildrenOnly))
-            return standing;
-        auto* bar = new QToolBar(QString(band.title).remove(u'&'));
-        bar->setObjectName(band.key);
-        bar->setMovable(false);
-        bar->setContextMenuPolicy(Qt::PreventContextMenu);
-        // The row of session tabs stays below.
-        if (auto* tabs = window_.findChild<QToolBar*>(u"SessionBar"_s, Qt::FindDirectChildrenOnly)) {
-            window_.insertToolBar(tabs, bar);
-            window_.insertToolBarBreak(tabs);
-        } else {
-            window_.addToolBar(bar);
-        }
-        return bar;
-    }
-
-    void BuildToolBar(const MenuBand& band)
-    {
-        QToolBar* bar = BarFor(band);
-        const QList<QAction*> old = bar->actions();
-        for (QAction* action : old)
-            action->deleteLater(); // clear() only takes them off; one may be the running command's
-        bar->clear();
-        const int side = band.icons == IconSize::Large ? 24 : 16;
-        bar->setIconSize(QSize(side, side));
-        for (const MenuTool& tool : band.tools) {
-            if (tool.beginGroup)
-                bar->addSeparator();
-            QAction* action = bar->addAction(QString());
-            actions_->Bind(*action, band.key, tool, true);
-            if (QWidget* button = bar->widgetForAction(action))
-                button->setFocusPolicy(Qt::NoFocus); // the keyboard stays with the session
-        }
-        bar->setVisible(band.visible);
-    }
-
-    void BuildStatusBar(const MenuBand& band)
-    {
-        QStatusBar* line = window_.statusBar();
-        line->setSizeGripEnabled(false);
-        line->setVisible(band.visible);
-        for (const MenuTool& tool : band.tools) {
-            auto* label = new QLabel;
-            label->setContentsMargins(6, 0, 6, 0);
-            constexpr int twipsPerPixel = 15;
-            label->setMinimumWidth(tool.width / twipsPerPixel);
-            panels_.push_back({label, tool.key});
-            if (!IsPicture(tool))
-                line->addWidget(label, (tool.style & ToolStyle::SizeMask) == ToolStyle::Spring ? 1 : 0);
-            else
-                line->addPermanentWidget(label); // stays beside a message
-            RefreshPanel(*label, tool);
-        }
-    }
-
-    void RefreshPanels(int key)
-    {
-        for (const Panel& panel : panels_)
-            if (const MenuTool* tool = model_.Tool(panel.key); panel.key == key && tool != nullptr && panel.label)
-                RefreshPanel(*panel.label, *tool);
-    }
-
-    static bool IsPicture(const MenuTool& tool) { return (tool.style & ToolStyle::ContentMask) == ToolStyle::IconOnly; }
-
-    void RefreshPanel(QLabel& label, const MenuTool& tool) const
-    {
-        if (IsPicture(tool)) {
-            const int side = label.fontMetrics().height();
-            const QIcon icon = ToolIcon(tool, tool.checked ? ToolState::Checked : ToolState::Normal);
-            label.setPixmap(icon.pixmap(side, side));
-            label.setAccessibleName(tool.toolTipText);
-        } else {
-            label.setText(tool.enabled ? tool.caption : QString()); // what it stands for is not known: no session
-        }
-        label.setEnabled(tool.enabled);
-        // Panels give way to a message, but for a picture, which stands at the far end.
-        const bool room = IsPicture(tool) || window_.statusBar()->currentMessage().isEmpty();
-        label.setVisible(tool.visible && room);
-        label.setToolTip(tool.toolTipText);
-    }
-
-    void Clear()
-    {
-        actions_.reset();
-        for (const QPointer<QMenu>& menu : menus_)
-            if (menu) {
-                window_.menuBar()->removeAction(menu->menuAction());
-                menu->deleteLater(); // may be the one whose command runs
-            }
-        for (const Panel& panel : panels_)
-            if (panel.label) {
-                window_.statusBar()->removeWidget(panel.label);
-                panel.label->deleteLater();
-            }
-        menus_.clear();
-        panels_.clear();
-    }
-
-    QMainWindow& window_;
-    taMenuBar& model_;
-    std::unique_ptr<ToolActions> actions_;
-    std::list<Panel> panels_;
-    std::list<QPointer<QMenu>> menus_;
-    bool pending_ = false;
-};
-
-MenuBarView::MenuBarView(QMainWindow& window) : QObject(&window), window_(window)
+MenuBarView::MenuBarView(QMainWindow& window, Surroundings surroundings)
+    // The menu bar is there from the first show on: maximised windows inside look for one.
+    : QObject(&window), window_(window), menu_(new ToolList(*window.menuBar(), ToolList::Look::MenuBar)),
+      bars_(new ToolBars(window)), status_(new StatusLine(std::move(surroundings.locks), std::move(surroundings.now))),
+      shortcuts_(new ShortcutKeys(window))
 {
-    window.menuBar(); // both are there from the first show on: maximised windows inside look for a menu bar
-    window.statusBar();
+    window.statusBar()->setSizeGripEnabled(false);
+    window.statusBar()->setContentsMargins(0, 0, 0, 0);
+    window.statusBar()->addWidget(status_, 1);
+    connect(bars_, &ToolBars::Moved, this, &MenuBarView::BarsMoved);
+    connect(bars_, &ToolBars::MenuWanted, this, &MenuBarView::ShowBarsMenu);
 }
 
 MenuBarView::~MenuBarView() = default;
@@ -283,12 +55,67 @@ void MenuBarView::Show(taMenuBar* model)
 {
     if (model == model_)
         return;
-    drawing_.reset();
+    if (model_)
+        disconnect(model_, nullptr, this, nullptr);
     model_ = model;
     if (model == nullptr)
         return;
-    drawing_ = std::make_unique<Drawing>(window_, *model);
-    connect(model, &QObject::destroyed, this, [this] { drawing_.reset(); });
+    connect(model, &taMenuBar::BandsChanged, this, &MenuBarView::WholeChanged);
+    connect(model, &taMenuBar::ToolChanged, this, &MenuBarView::ToolChanged);
+    Draw();
+}
+
+// --- catching up: many tools change in one go, and are drawn once, at the end of the turn
+
+void MenuBarView::WholeChanged()
+{
+    whole_ = true;
+    CatchUpSoon();
+}
+
+void MenuBarView::ToolChanged(int key)
+{
+    changed_.insert(key);
+    CatchUpSoon();
+}
+
+void MenuBarView::CatchUpSoon()
+{
+    if (!std::exchange(pending_, true))
+        QMetaObject::invokeMethod(this, &MenuBarView::CatchUp, Qt::QueuedConnection);
+}
+
+void MenuBarView::CatchUp()
+{
+    pending_ = false;
+    if (!model_)
+        return;
+    if (whole_) {
+        Draw();
+        return;
+    }
+    const QSet<int> keys = std::exchange(changed_, {});
+    menu_->Refresh(keys);
+    bars_->Refresh(keys);
+    status_->Refresh(keys);
+    shortcuts_->Refresh(keys);
+}
+
+void MenuBarView::Draw()
+{
+    whole_ = false;
+    changed_.clear();
+    // Bars that come or go would each be laid out and painted; so the window is, once.
+    const bool updates = window_.updatesEnabled();
+    window_.setUpdatesEnabled(false);
+    const QString menu = BandOf(*model_, BandType::MainMenu), status = BandOf(*model_, BandType::StatusBar);
+    menu_->Show(*model_, menu);
+    window_.menuBar()->setVisible(IsVisible(*model_, menu));
+    bars_->Show(*model_);
+    status_->Show(*model_, status);
+    window_.statusBar()->setVisible(IsVisible(*model_, status));
+    shortcuts_->Show(*model_);
+    window_.setUpdatesEnabled(updates);
 }
 
 taMenuBar* MenuBarView::Shown() const { return model_; }
@@ -301,8 +128,56 @@ void MenuBarView::Popup(taMenuBar& model, const QString& band, const QPoint& at)
     auto* menu = new QMenu(&window_);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(&model, &QObject::destroyed, menu, &QMenu::close); // its session may end while it is open
-    auto* actions = new ToolActions(model, menu);
-    actions->FillMenu(*menu, popup->key, popup->tools);
+    auto* tools = new ToolList(*menu, ToolList::Look::Menu);
+    tools->Show(model, popup->key);
+    menu->popup(at);
+}
+
+void MenuBarView::ShowNotice(const QString& text, std::chrono::milliseconds time) { status_->ShowNotice(text, time); }
+
+// --- toolbars
+
+void MenuBarView::MoveBar(const QString& band, BandDock to) { bars_->Move(band, to); }
+
+void MenuBarView::WriteDocks(taMenuBar& model) const { bars_->WriteDocks(model); }
+
+QByteArray MenuBarView::BarPlaces() const { return bars_->Places(); }
+
+void MenuBarView::RestoreBarPlaces(const QByteArray& places) { bars_->RestorePlaces(places); }
+
+// Which bars are seen, and where the one under the mouse stands: for those who do not pull it with the mouse.
+void MenuBarView::ShowBarsMenu(const QString& key, const QPoint& at)
+{
+    const MenuBand* own = model_ ? model_->Band(key) : nullptr;
+    if (own == nullptr)
+        return;
+    auto* menu = new QMenu(&window_);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const auto add = [](QMenu& to, const QString& text, bool checked, auto run) {
+        QAction* action = to.addAction(text);
+        action->setCheckable(true);
+        action->setChecked(checked);
+        connect(action, &QAction::triggered, &to, run);
+        return action;
+    };
+    for (const MenuBand& band : model_->Bands())
+        if (band.type == BandType::ToolBar || band.type == BandType::StatusBar || band.type == BandType::SessionBar)
+            add(*menu, band.title.isEmpty() ? band.key : band.title, band.visible,
+                [this, name = band.key](bool on) { emit BandVisibleWanted(name, on); });
+    menu->addSeparator();
+    auto* group = new QActionGroup(menu);
+    const std::pair<BandDock, QString> places[] = {{BandDock::Top, tr("At the &Top")},
+                                                   {BandDock::Bottom, tr("At the &Bottom")},
+                                                   {BandDock::Left, tr("At the &Left")},
+                                                   {BandDock::Right, tr("At the &Right")},
+                                                   {BandDock::Floating, tr("F&loating")}};
+    for (const auto& [dock, text] : places) {
+        QAction* action = add(*menu, text, own->dock == dock, [this, key, to = dock](bool) { bars_->Move(key, to); });
+        action->setEnabled(!own->locked);
+        group->addAction(action);
+    }
+    menu->addSeparator();
+    add(*menu, tr("Large &Icons"), own->icons == IconSize::Large, [this](bool on) { emit LargeIconsWanted(on); });
     menu->popup(at);
 }
 

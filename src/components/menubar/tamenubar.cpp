@@ -15,15 +15,20 @@ bool WalkTools(std::vector<MenuTool>& tools, const EachFn& goesOn)
                        [&](MenuTool& tool) { return goesOn(tool) && WalkTools(tool.tools, goesOn); });
 }
 
-const MenuTool* FindTool(const std::vector<MenuTool>& tools, int key)
+const MenuTool* FirstTool(const std::vector<MenuTool>& tools, const std::function<bool(const MenuTool&)>& wanted)
 {
     for (const MenuTool& tool : tools) {
-        if (tool.key == key)
+        if (wanted(tool))
             return &tool;
-        if (const MenuTool* inside = FindTool(tool.tools, key))
+        if (const MenuTool* inside = FirstTool(tool.tools, wanted))
             return inside;
     }
     return nullptr;
+}
+
+const MenuTool* FirstTool(const std::vector<MenuTool>& tools, int key)
+{
+    return FirstTool(tools, [key](const MenuTool& tool) { return tool.key == key; });
 }
 
 // How each property of a tool is read and written by its code.
@@ -63,7 +68,7 @@ const PropertyRow* FindProperty(ToolProperty code)
 
 MenuTool* FindToolIn(std::vector<MenuTool>& tools, int key)
 {
-    return const_cast<MenuTool*>(FindTool(tools, key)); // the tools themselves are not constant
+    return const_cast<MenuTool*>(FirstTool(tools, key)); // the tools themselves are not constant
 }
 
 bool RemoveFirst(std::vector<MenuTool>& tools, int key)
@@ -131,9 +136,13 @@ bool taMenuBar::ChangeBand(const QString& key, const std::function<void(MenuBand
     if (band == nullptr)
         return false;
     const QString name = band->key;
+    const BandDock before = band->dock;
     change(*band);
     band->key = name;
+    const BandDock now = band->dock;
     emit BandsChanged();
+    if (now != before)
+        emit BandDocked(name, now);
     return true;
 }
 
@@ -157,6 +166,12 @@ void taMenuBar::SetBandTag(const QString& key, quintptr tag)
 {
     if (MenuBand* band = FindBand(key))
         band->tag = tag;
+}
+
+void taMenuBar::SetBandDock(const QString& key, BandDock dock)
+{
+    if (MenuBand* band = FindBand(key))
+        band->dock = dock;
 }
 
 bool taMenuBar::AddTool(const QString& bandKey, MenuTool tool, int parent, int index)
@@ -199,18 +214,23 @@ void taMenuBar::EachTool(const std::function<void(MenuTool&)>& change)
     emit BandsChanged();
 }
 
-const MenuTool* taMenuBar::Tool(int key) const
+const MenuTool* taMenuBar::FindTool(const std::function<bool(const MenuTool&)>& wanted) const
 {
     for (const MenuBand& band : bands_)
-        if (const MenuTool* tool = FindTool(band.tools, key))
+        if (const MenuTool* tool = FirstTool(band.tools, wanted))
             return tool;
     return nullptr;
+}
+
+const MenuTool* taMenuBar::Tool(int key) const
+{
+    return FindTool([key](const MenuTool& tool) { return tool.key == key; });
 }
 
 const MenuTool* taMenuBar::Tool(const QString& bandKey, int key) const
 {
     const MenuBand* band = Band(bandKey);
-    return band != nullptr ? FindTool(band->tools, key) : nullptr;
+    return band != nullptr ? FirstTool(band->tools, key) : nullptr;
 }
 
 const MenuTool* taMenuBar::OpenTool(const QString& bandKey, int key)
@@ -234,7 +254,7 @@ void taMenuBar::SetToolProperty(int id, ToolProperty property, const QVariant& v
     const PropertyRow* row = FindProperty(property);
     if (id == 0 || row == nullptr)
         return;
-    bool changed = false;
+    std::vector<int> changed; // keys, each once
     for (MenuBand& band : bands_) {
         // Deliberately kept from tool to tool: behind a tool of the wanted command, one with no command of its own
         // takes the change too.
@@ -245,14 +265,16 @@ void taMenuBar::SetToolProperty(int id, ToolProperty property, const QVariant& v
             const bool matches = tool.key == id || (property != ToolProperty::Action && actionId == id);
             if (matches && row->get(tool) != value) {
                 row->set(tool, value);
-                changed = true;
+                if (std::find(changed.begin(), changed.end(), tool.key) == changed.end())
+                    changed.push_back(tool.key);
             }
             return true;
         });
     }
-    if (!changed)
+    if (changed.empty())
         return;
-    emit ToolChanged(id);
+    for (const int key : changed)
+        emit ToolChanged(key);
     if (property == ToolProperty::Enabled || property == ToolProperty::Visible)
         emit CommandStateChanged(id);
 }

@@ -138,6 +138,8 @@ public:
     // The bands of that name, or, when the name is empty, of that type.
     void SetBandProperty(const QString& name, BandType type, BandProperty property, bool value);
     void SetBandTag(const QString& key, quintptr tag);
+    void SetBandDock(const QString& key,
+                     BandDock dock); // for the one that draws it: where it is, with no word to anyone
 
     // index: the place among its neighbours, from 0; anything else is the end. parent: the key of the tool that it
     // becomes a sub-tool of, 0 for the band itself. False: no such band or parent.
@@ -148,27 +150,34 @@ public:
     void EachBand(const std::function<void(MenuBand&)>& change);
     // Every tool, depth first in band order; change() may change what it is given.
     void EachTool(const std::function<void(MenuTool&)>& change);
+    const MenuTool* FindTool(const std::function<bool(const MenuTool&)>& wanted) const; // in that order; null: none
     const MenuTool* Tool(int key) const; // the first with that key; null: none
     const MenuTool* Tool(const QString& band, int key) const;
 
     // Asks the owner to bring the sub-tools of one tool up to date, which is about to show them.
     const MenuTool* OpenTool(const QString& band, int key);
 
+    // Whether Alt, and Alt with a letter, open menus also while a session has the keyboard; its host gets them if not.
+    bool AccessKeys() const { return accessKeys_; }
+    void SetAccessKeys(bool on) { accessKeys_ = on; }
+
     // By id. Reading looks at keys alone; writing changes every tool of the id on every band.
     QVariant GetToolProperty(int id, ToolProperty property) const override;
     void SetToolProperty(int id, ToolProperty property, const QVariant& value) override;
 
 signals:
-    void BandsChanged();                     // anything but the state of single tools
-    void ToolChanged(int key);               // caption, check mark, state ... of the tools of this key
-    void CommandStateChanged(int key);       // the enabled or visible state of a tool was written
-    void BandOpen(kestrune::MenuTool& tool); // its sub-tools may be changed before they are shown
+    void BandsChanged();       // anything but the state of single tools
+    void ToolChanged(int key); // caption, check mark, state ... of the tools of this key
+    void BandDocked(const QString& key, kestrune::BandDock dock); // ChangeBand wrote another place
+    void CommandStateChanged(int key);                            // the enabled or visible state of a tool was written
+    void BandOpen(kestrune::MenuTool& tool);                      // its sub-tools may be changed before they are shown
     void ToolClick(const QString& band, const kestrune::MenuTool& tool);
 
 private:
     MenuBand* FindBand(const QString& key);
 
     std::vector<MenuBand> bands_;
+    bool accessKeys_ = false;
 };
 
 // The number in an action of the form "[#id]" or "[#id#name]", by its numeric prefix; 0: not a command.

@@ -2,7 +2,7 @@
 
 #include "viewbench.h"
 
-#include <emulator/view/contrast.h>
+#include <emulator/control/contrast.h>
 
 #include <gtest/gtest.h>
 

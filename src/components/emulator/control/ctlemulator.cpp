@@ -7,8 +7,8 @@
 #include "hostcapture.h"
 #include "hosttext.h"
 #include "latintext.h"
-#include "pasteadvice.h"
 #include "pastequeue.h"
+#include "phonecall.h"
 #include "replybudget.h"
 #include "resumption.h"
 #include "screentext.h"
@@ -67,6 +67,10 @@ public:
     void ScreenSizeChanged(emu::Size) override { sizeChanged = true; }
     void PrinterStateChanged(int state) override { c_.hostPrints_ = state != 0; }
     void PrinterData(std::string_view bytes) override { c_.HostPrints(bytes); }
+    void ClipboardOffered(std::string_view utf8) override
+    {
+        c_.offered_ = QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
+    }
     void HistoryAdded(int rows) override
     {
         if (c_.scrollback_ > 0)
@@ -95,11 +99,8 @@ public:
     void LineRemoteEcho(bool remote) override { c_.hostEchoes_ = remote; }
     void LineResumed(bool sameSession) override { c_.Resumed(sameSession); }
     void LineAsks(const LineQuestion& question) override { c_.LineAsked(question); }
-    void LineDrained() override
-    {
-        if (c_.line_)
-            c_.bytesOut_ += c_.paste_->Pump(*c_.line_);
-    }
+    void LineDialStatus(enum DialStatus status, const QString&) override { c_.CallChanged(status); }
+    void LineDrained() override { c_.PumpPaste(); }
 
     bool sizeChanged = false;
 
@@ -110,11 +111,12 @@ private:
 
 ctlEmulator::ctlEmulator(const EmulatorPorts& ports, QObject* parent)
     : QObject(parent), ports_(ports), settings_(ports.files), listener_(std::make_unique<Listener>(*this)),
-      paste_(std::make_unique<PasteQueue>()), hostText_(std::make_unique<HostText>()),
-      stream_(std::make_unique<DataStream>(ports.clock)), extension_(std::make_unique<ExtensionFilter>()),
+      paste_(std::make_unique<PasteQueue>(ports.clock, [this] { PumpPaste(); })),
+      hostText_(std::make_unique<HostText>()), stream_(std::make_unique<DataStream>(ports.clock)),
+      extension_(std::make_unique<ExtensionFilter>()),
       printer_(std::make_unique<SlavePrinter>(ports.printing, ports.clock, TellOutcome())),
       selection_(std::make_unique<HeldSelection>()), question_(std::make_unique<StandingQuestion>()),
-      resumption_(std::make_unique<Resumption>())
+      resumption_(std::make_unique<Resumption>()), call_(std::make_unique<PhoneCall>())
 {
     size_.cols = settings_.Integer(Setting("NormCols"));
     size_.rows = settings_.Integer(Setting("NormRows"));
@@ -166,8 +168,14 @@ void ctlEmulator::OnSettingChanged(SettingId id)
                                        Setting("Pages"),         Setting("MessageRows"),   Setting("ScrMode"),
                                        Setting("ExtCols"),       Setting("ExtRows"),       Setting("CharacterMapping"),
                                        Setting("Ansi8Bit"),      Setting("DisableAppMode")};
-    static constexpr std::array look{Setting("FontName"), Setting("FontSize"), Setting("BoldFont"),
-                                     Setting("LegibleFont"), Setting("ScaleFont")};
+    static constexpr std::array look{Setting("FontName"),
+                                     Setting("FontSize"),
+                                     Setting("BoldFont"),
+                                     Setting("LegibleFont"),
+                                     Setting("ScaleFont"),
+                                     Setting("BackgroundPictureFile"),
+                                     Setting("BackgroundPictureMode"),
+                                     Setting("BackgroundTransparency")};
     const auto isOneOf = [id](const auto& ids) { return std::find(ids.begin(), ids.end(), id) != ids.end(); };
 
     if (id == Setting("TermType")) {
@@ -225,12 +233,13 @@ void ctlEmulator::OpenLine(std::shared_ptr<LineResume> from)
     LineOptions options = LineOptionsOf(settings_, terminal_->CurrentPersonality(), size_);
     options.resume.from = std::move(from);
     bytesIn_ = bytesOut_ = told_.bytesIn = 0;
-    closing_ = reopen_ = wasConnected_ = false;
+    closing_ = reopen_ = wasConnected_ = toldOfOffer_ = false;
     endText_.clear();
     paste_->Abort(nullptr);
     // RFC 854: until a host offers to echo, a network virtual terminal does it itself.
     const bool telnet = options.device == Device::Telnet || options.device == Device::SslTelnet;
     hostEchoes_ = !telnet || options.telnet.bypass;
+    call_->LineOpens(options.device == Device::Modem);
     line_ = ports_.lines.Make(options, *listener_);
     if (line_)
         line_->Open();
@@ -268,15 +277,16 @@ void ctlEmulator::Abort()
 {
     bytesOut_ += paste_->Abort(line_.get());
     stream_->Cancel();
+    AbortDialing();
 }
-
-void ctlEmulator::HangUp(int) { SetOnLine(false); }
 
 void ctlEmulator::SetStatus(LineState state, const QString& text)
 {
     if (shutDown_)
         return;
     lineState_ = state;
+    if (IsLineUp() && call_->IsMissing())
+        DialWanted();
     wasConnected_ = wasConnected_ || state == LineState::Connected;
     // A line that has closed says why by other notices; the reason is what the status shows.
     QString shown = state == LineState::Closed && text.isEmpty() ? endText_ : text;
@@ -298,6 +308,7 @@ void ctlEmulator::LineEnded()
 {
     resumption_->Keep(closing_ || !line_ ? nullptr : line_->TakeResume());
     line_.reset();
+    call_->LineClosed();
     paste_->Abort(nullptr);
     if (shutDown_)
         return;
@@ -337,6 +348,7 @@ void ctlEmulator::Shutdown()
     PrinterClose();
     paste_->Abort(nullptr);
     stream_->Cancel();
+    call_->Settle();
     if (line_)
         line_->Close(); // destroyed when it says that it is closed, or with this control
 }
@@ -347,6 +359,7 @@ void ctlEmulator::Reset(int mode)
     case ResetMode::Default:
     case ResetMode::Terminal:
         terminal_->Reset();
+        UnloadImage();
         ScrollTo(0);
         AfterChange();
         return;
@@ -456,7 +469,7 @@ void ctlEmulator::TellSize()
 
 void ctlEmulator::SendBytes(std::string_view bytes)
 {
-    if (!Connected() || !line_ || bytes.empty())
+    if (!IsLineUp() || !line_ || bytes.empty())
         return;
     bytesOut_ += bytes.size();
     line_->Send(bytes);
@@ -536,7 +549,9 @@ void ctlEmulator::RunEvents()
     if (hostTitle_)
         TellTitle();
     if (std::exchange(bell_, false))
-        emit Bell();
+        Ring();
+    if (offered_)
+        TakeOfferedClipboard();
     RunStreamEvents();
 }
 
@@ -553,7 +568,7 @@ void ctlEmulator::SetLockKeyboard(bool on)
 bool ctlEmulator::MayType()
 {
     const bool local = settings_.Integer(Setting("Duplex")) == 2;
-    if (!shutDown_ && !LockKeyboard() && !stream_->RefusesTyping() && (Connected() || local))
+    if (!shutDown_ && !LockKeyboard() && !stream_->RefusesTyping() && (IsLineUp() || local))
         return true;
     ports_.ask.Beep();
     emit InputRefused();
@@ -629,7 +644,7 @@ void ctlEmulator::TypeText(const QString& text)
 
 bool ctlEmulator::SendMouse(const emu::MouseAction& action)
 {
-    if (!settings_.Boolean(Setting("MouseEnable")) || !Connected())
+    if (!settings_.Boolean(Setting("MouseEnable")) || !IsLineUp())
         return false;
     const std::string bytes = terminal_->MouseBytes(action);
     SendBytes(bytes);
@@ -640,45 +655,9 @@ void ctlEmulator::SendFocus(bool gained) { SendBytes(terminal_->FocusBytes(gaine
 
 void ctlEmulator::WriteText(const QString& text)
 {
-    if (!Connected())
+    if (!IsLineUp())
         throw Failure(ErrorNumber::DeviceUnavailable, tr("There is no connection to write to."), kSource);
     SendBytes(terminal_->EncodeText(text.toStdString()));
-}
-
-// --- paste
-
-bool ctlEmulator::CanPaste() const { return ports_.clipboard.HasText(Clipboard::Kind::Standard); }
-
-void ctlEmulator::Paste(const QString& fileName, Cause cause)
-{
-    PasteText(fileName.isEmpty() ? ports_.clipboard.Text(Clipboard::Kind::Standard) : ports_.texts.ReadText(fileName),
-              cause);
-}
-
-void ctlEmulator::PastePrimary() { PasteText(ports_.clipboard.Text(Clipboard::Kind::Primary), Cause::User); }
-
-void ctlEmulator::PasteText(const QString& text, Cause cause)
-{
-    if (text.isEmpty() || !MayType())
-        return;
-    if (const QString question = cause == Cause::User ? PasteQuestion(text) : QString(); !question.isEmpty()) {
-        const QPointer self(this);
-        const int answer = ports_.ask.MsgBox(
-            {.text = question, .flags = MsgFlag::OkCancel + MsgFlag::Question, .title = {}, .owner = hwnd_});
-        // While the box was up the line, or the session, may have gone.
-        if (!self || answer != MsgResult::Ok || !MayType())
-            return;
-    }
-    if (!lockHistory_)
-        ScrollTo(0);
-    if (!line_) { // local duplex
-        Typed(terminal_->EncodeText(text.toStdString()), text, 0);
-        return;
-    }
-    paste_->Start(terminal_->PasteBytes(text.toStdString()), terminal_->Modes().bracketedPaste);
-    bytesOut_ += paste_->Pump(*line_);
-    if (recordingKeys_)
-        emit RecordKey(text, 0);
 }
 
 void ctlEmulator::SetTitle(const QString& title) { title_ = title; }

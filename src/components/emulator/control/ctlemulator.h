@@ -11,6 +11,7 @@
 // What is not built yet raises Failure NotImplemented and says which feature it is.
 
 #include <emulator/control/emulatorsettings.h>
+#include <emulator/control/screenpicture.h>
 #include <emulator/control/selectionarea.h>
 #include <emulator/engine/terminal.h>
 #include <ports/cause.h>
@@ -37,7 +38,9 @@ class ExtensionFilter;
 class HeldSelection;
 class HostCapture;
 class HostText;
+class Media;
 class PasteQueue;
+class PhoneCall;
 class Resumption;
 class SlavePrinter;
 class StandingQuestion;
@@ -53,6 +56,7 @@ struct EmulatorPorts // all must outlive the control
     Waiter& waiter;
     OutputFiles& outputs;
     Printing& printing;
+    Media& media;
 };
 
 enum class ResetMode : int
@@ -103,16 +107,21 @@ public:
     bool OnLine() const; // a line is open or being opened
     // true opens the line that Settings describes; the outcome comes by events. false closes it.
     void SetOnLine(bool on);
-    bool Connected() const { return lineState_ == LineState::Connected; }
+    bool Connected() const; // over a modem: a call stands
     LineState State() const { return lineState_; }
     bool HasChildren() const; // a program besides the shell itself runs at the far end
-    int DialStatus() const { return 0; }
-    qint32 BytesIn() const; // since the line was last opened; stays at the largest number
+    int DialStatus() const;   // enum DialStatus (ports/line.h)
+    qint32 BytesIn() const;   // since the line was last opened; stays at the largest number
     qint32 BytesOut() const;
     void Break();
     void Abort(); // ends a paste that is still going out, and a call that waits for the host
-    void Dial(const QString& phoneNumber, int wait = 0);
-    void HangUp(int wait = 0); // closes the line
+    // Over a modem, which is opened when it is not. -1: the modem dials, or will when it is ready; with wait, once the
+    // call stands (with a live window; the control may be gone after it). 0: it cannot, or the call was not made; see
+    // DialStatus. Raises Failure when the session is not over a modem.
+    int Dial(const QString& phoneNumber, int wait = 0);
+    // Ends the call, or the try to make one; on other devices closes the line. With wait, returns when it has ended.
+    // 0: there was nothing to end, or the modem would not.
+    int HangUp(int wait = 0);
     // ResetMode. The three about a host key answer the question that CommError has put; nothing happens without one.
     void Reset(int mode = 0);
     // Answers SecretsWanted; nothing happens when that question no longer stands.
@@ -145,11 +154,16 @@ public:
     // Text of one row from column on. Not given: the cursor's row, column 0, to the right edge. noProtect leaves
     // protected cells blank.
     QString GetText(int column = ToEdge, int row = ToEdge, int cols = ToEdge, bool noProtect = false) const;
+    // A rectangle of the screen, text and looks, as an object that SetBlock puts back where it was; below 0 or beyond
+    // the edge: to the edge. SetBlock raises Failure 13 for anything else.
+    Variant GetBlock(int left, int top, int right, int bottom, int page = Present) const;
+    void SetBlock(const Variant& block, int page = Present);
 
     // --- to the host
     void WriteText(const QString& text); // raises Failure 68 when there is no line
-    // A file's text, or the clipboard's. For a user's cause it is asked about first when it has several lines or
-    // control characters. Raises Failure when the file cannot be read; with no line it is refused with a sign.
+    // A file's text, or the clipboard's, in the form that the settings say (pasteform.h). For a user's cause it is
+    // asked about first when it has several lines or control characters. Raises Failure when the file cannot be read;
+    // with no line it is refused with a sign.
     void Paste(const QString& fileName = {}, Cause cause = Cause::User);
     void PastePrimary();
     void PasteDropped(const QString& text) { PasteText(text, Cause::User); } // what the user dropped on the view
@@ -215,7 +229,8 @@ public:
     std::optional<SelectionArea> SelectedArea() const;
     // Trailing blanks cut, soft wraps joined, the rows of a block kept apart.
     QString Selection() const;
-    // Four zeros: the selection; nothing selected leaves the clipboard as it is.
+    // As text, and with colours and attributes as HTML and RTF unless CopyPlainText is set. Four zeros: the selection;
+    // nothing selected leaves the clipboard as it is.
     void Copy(int left = 0, int top = 0, int right = 0, int bottom = 0);
     void CopyHistory(int left = 0, int top = 0, int right = 0, int bottom = 0); // four zeros: history and screen
     int CopySelMode() const { return settings_.Integer(Setting("CopySelMode")); }
@@ -263,19 +278,23 @@ public:
     void MouseTableAdd(int button, const QString& pattern, const QString& rClick, const QString& rDblClk);
     const std::vector<MousePattern>& MouseTable() const { return mouseTable_; }
 
-    // --- transfers, pictures, sounds: states are idle, operations are refused
+    // --- pictures and sounds, as ports/media.h has them
+    // column and row: of the upper left corner; width and height in cells, 0: the picture's own. preserveAspect: as
+    // large as fits there. borderStyle 0: none, others: a line. Raises Failure for a place that the screen does not
+    // have.
+    void LoadImage(const QString& fileName, int column, int row, int width = 0, int height = 0,
+                   bool preserveAspect = false, int borderStyle = 0);
+    void UnloadImage(const QString& fileName = {}); // empty: all
+    const std::vector<ScreenPicture>& Pictures() const { return pictures_; }
+    void PlayMIDI(const QString& notes);
+    void PlayWave(const QString& fileName);
+
+    // --- transfers: states are idle, operations are refused
     int XferBytes() const { return 0; }
     int XferFiles() const { return 0; }
     int XferStatus() const { return 0; }
     int Upload(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
     int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
-    Variant GetBlock(int left, int top, int right, int bottom, int page = Present);
-    void SetBlock(const Variant& block, int page = Present);
-    void LoadImage(const QString& fileName, int column, int row, int width = 0, int height = 0,
-                   bool preserveAspect = false, int borderStyle = 0);
-    void UnloadImage(const QString& fileName = {});
-    void PlayMIDI(const QString& notes);
-    void PlayWave(const QString& fileName);
 
     // --- for the view
     const emu::Terminal& Screen() const { return *terminal_; }
@@ -331,7 +350,8 @@ signals:
     void Bell();
     void InputRefused(); // a key while there is no line, or the keyboard is locked
     void HostTitleChange(const QString& title);
-    void LookChanged();    // font, palette or attribute colours
+    void LookChanged(); // font, palette, attribute colours or the picture behind the text
+    void PicturesChanged();
     void GridChanged();    // extended or normal size, or the rows below the screen: the window has to be laid out again
     void FuncBarChanged(); // place, style or bank of the function bar, or whether it follows the keyboard
 
@@ -375,6 +395,14 @@ private:
     void RunFunction(const QString& text, int code);
     void BreakKey(); // what the setting BreakKeyAction says
     void PasteText(const QString& text, Cause cause);
+    bool IsLineUp() const { return lineState_ == LineState::Connected; }
+    void DialWanted();
+    void AbortDialing();
+    void CallChanged(enum DialStatus status);
+    void PumpPaste();
+    void CopyArea(const SelectionArea& area);
+    void TakeOfferedClipboard();
+    void Ring(); // the bell, as the setting Sound has it
     void SetStatus(LineState state, const QString& text);
     void LineFailed(quint32 word, const QString& description, bool fatal);
     void LineEnded();
@@ -420,6 +448,7 @@ private:
     std::unique_ptr<StandingQuestion> question_;
     std::unique_ptr<Resumption> resumption_;
     std::unique_ptr<Clock::Timer> resumeTimer_;
+    std::unique_ptr<PhoneCall> call_;
     bool replaying_ = false; // the host has had the answers to what the screen now takes again
     LineState lineState_ = LineState::Closed;
     bool closing_ = false; // we asked for the end of the line
@@ -437,6 +466,9 @@ private:
     bool scheduled_ = false;
     bool bell_ = false;
     std::optional<QString> hostTitle_;
+    std::optional<QString> offered_; // by the host, for the clipboard
+    bool toldOfOffer_ = false;
+    std::optional<Clock::Duration> rangAt_;
     QPointer<ctlEmulator> sink_;   // gets our host's data
     QPointer<ctlEmulator> source_; // whose host's data we show
     int sinkExit_ = -1;            // the byte that ends it; below 0: none
@@ -461,6 +493,7 @@ private:
     quintptr hwnd_ = 0;
     QString title_;
     std::vector<MousePattern> mouseTable_;
+    std::vector<ScreenPicture> pictures_;
 };
 
 } // namespace kestrune

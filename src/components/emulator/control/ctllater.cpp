@@ -22,11 +22,7 @@ struct LaterMember
 };
 
 constexpr std::array kLater{
-    LaterMember{"Dial", QT_TRANSLATE_NOOP("Later", "dialer")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
-    LaterMember{"GetBlock", QT_TRANSLATE_NOOP("Later", "saving of screen blocks")},
-    LaterMember{"LoadImage", QT_TRANSLATE_NOOP("Later", "display of images")},
-    LaterMember{"PlayWave", QT_TRANSLATE_NOOP("Later", "playing of sounds")},
 };
 
 consteval const char* FeatureOf(std::string_view member)
@@ -47,14 +43,7 @@ consteval const char* FeatureOf(std::string_view member)
 
 } // namespace
 
-void ctlEmulator::Dial(const QString&, int) { RaiseNotBuilt(FeatureOf("Dial")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
-Variant ctlEmulator::GetBlock(int, int, int, int, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
-void ctlEmulator::SetBlock(const Variant&, int) { RaiseNotBuilt(FeatureOf("GetBlock")); }
-void ctlEmulator::LoadImage(const QString&, int, int, int, int, bool, int) { RaiseNotBuilt(FeatureOf("LoadImage")); }
-void ctlEmulator::UnloadImage(const QString&) { RaiseNotBuilt(FeatureOf("LoadImage")); }
-void ctlEmulator::PlayMIDI(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
-void ctlEmulator::PlayWave(const QString&) { RaiseNotBuilt(FeatureOf("PlayWave")); }
 
 } // namespace kestrune

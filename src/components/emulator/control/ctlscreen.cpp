@@ -3,6 +3,7 @@
 #include "ctlemulator.h"
 
 #include "heldselection.h"
+#include "screenblock.h"
 #include "screentext.h"
 
 #include <dispatch/failure.h>
@@ -118,6 +119,28 @@ QString ctlEmulator::GetText(int column, int row, int cols, bool noProtect) cons
         text += isProtected ? u" "_s : QString::fromStdString(terminal_->TextOf(line, c, 1));
     }
     return text;
+}
+
+Variant ctlEmulator::GetBlock(int left, int top, int right, int bottom, int page) const
+{
+    if (page != Present && page != Page())
+        RaiseBadArgument(tr("There is no page %1.").arg(page));
+    const auto edge = [](int value, int last) { return value < 0 ? last : std::min(value, last); };
+    const emu::Position from{std::clamp(left, 0, Cols() - 1), std::clamp(top, 0, Rows() - 1)};
+    const emu::Position to{edge(right, Cols() - 1), edge(bottom, Rows() - 1)};
+    return MakeObject<ScreenBlock>(*terminal_, from, to);
+}
+
+void ctlEmulator::SetBlock(const Variant& block, int page)
+{
+    if (page != Present && page != Page())
+        RaiseBadArgument(tr("There is no page %1.").arg(page));
+    const ObjectRef object = block.Resolved().ToObject();
+    const auto* kept = dynamic_cast<const ScreenBlock*>(object.Get());
+    if (!kept)
+        throw Failure(ErrorNumber::TypeMismatch, tr("This is no block that GetBlock has made."), u"ctlEmulator"_s);
+    kept->PutOn(*terminal_);
+    AfterChange();
 }
 
 void ctlEmulator::Resize(int cols, int rows, int pixelWidth, int pixelHeight)
@@ -236,34 +259,6 @@ QString ctlEmulator::Selection() const
 {
     const auto area = SelectedArea();
     return area ? TextOfArea(*terminal_, *area) : QString();
-}
-
-void ctlEmulator::AnnounceSelection()
-{
-    if (SelectedArea())
-        ports_.clipboard.SetText(Clipboard::Kind::Primary, Selection());
-    int left = 0, top = 0, right = 0, bottom = 0;
-    GetSelection(left, top, right, bottom);
-    emit SelectionChange(left, top, right, bottom);
-}
-
-void ctlEmulator::Copy(int left, int top, int right, int bottom)
-{
-    const bool given = left != 0 || top != 0 || right != 0 || bottom != 0;
-    const QString text = given ? TextOfArea(*terminal_, Resolve(left, top, right, bottom)) : Selection();
-    if (!text.isEmpty())
-        ports_.clipboard.SetText(Clipboard::Kind::Standard, text);
-}
-
-void ctlEmulator::CopyHistory(int left, int top, int right, int bottom)
-{
-    const bool given = left != 0 || top != 0 || right != 0 || bottom != 0;
-    const SelectionArea everything{0, -terminal_->HistoryCount(), Cols() - 1, Rows() - 1, false};
-    QString text = TextOfArea(*terminal_, given ? Resolve(left, top, right, bottom) : everything);
-    while (text.endsWith(u'\n')) // blank rows below the last text
-        text.chop(1);
-    if (!text.isEmpty())
-        ports_.clipboard.SetText(Clipboard::Kind::Standard, text);
 }
 
 SelectionArea ctlEmulator::WordAt(int column, int row) const { return WordOn(*terminal_, column, row); }

@@ -139,6 +139,11 @@ std::optional<int> CodeOfKey(const QString& key)
     return ok && IsCode(code) ? std::optional(code) : std::nullopt;
 }
 
+bool IsAttributeColor(int color)
+{
+    return color >= 0 && color < 32 * PaletteSize && AttributeForeground(qint16(color)) < PaletteSize;
+}
+
 template <typename Use>
 void ForEachCode(Use use)
 {
@@ -187,7 +192,9 @@ void EmulatorSettings::Load(const QString& path)
         for (int i = 0; i < PaletteSize; ++i)
             next.palette[size_t(i)] = file.GetInt(kPalettePrefix + QString::number(i), DefaultPalette(i)) & 0xFFFFFF;
         for (int i = 0; i < AttributeCount; ++i)
-            next.colors[size_t(i)] = qint16(file.GetInt(kColorPrefix + QString::number(i), DefaultColors(i)));
+            if (const int color = file.GetInt(kColorPrefix + QString::number(i), DefaultColors(i));
+                IsAttributeColor(color))
+                next.colors[size_t(i)] = qint16(color);
         for (const QString& key : file.Keys())
             if (const auto code = CodeOfKey(key))
                 if (const QString text = DecodeControls(file.GetString(key, {})); !text.isEmpty())
@@ -309,6 +316,14 @@ qint16 EmulatorSettings::Colors(int index) const
 
 void EmulatorSettings::SetColors(int index, qint16 color)
 {
+    if (!IsAttributeColor(color))
+        throw Failure(
+            ErrorNumber::InvalidCall,
+            tr("%1 is no attribute colour: it is a text colour and 32 times a background, each an entry 0 to %2 "
+               "of the palette.")
+                .arg(color)
+                .arg(PaletteSize - 1),
+            u"Settings"_s);
     if (Colors(index) == color)
         return;
     state_.colors[size_t(index)] = color;
@@ -347,10 +362,12 @@ void EmulatorSettings::ReadProperties(const PropertyBag& bag)
         next.values[i] = Fit(row, bag.ReadProperty(BagKey(row), DefaultOf(row))).value_or(DefaultOf(row));
     }
     for (int i = 0; i < AttributeCount; ++i)
-        next.colors[size_t(i)] =
-            qint16(bag.ReadProperty(u"sAttrColor"_s + QString::number(i), DefaultColors(i)).ToInteger());
+        if (const int color = bag.ReadProperty(u"sAttrColor"_s + QString::number(i), DefaultColors(i)).ToInteger();
+            IsAttributeColor(color))
+            next.colors[size_t(i)] = qint16(color);
     for (int i = 0; i < PaletteSize; ++i)
-        next.palette[size_t(i)] = bag.ReadProperty(u"sPalette"_s + QString::number(i), DefaultPalette(i)).ToInteger();
+        next.palette[size_t(i)] =
+            bag.ReadProperty(u"sPalette"_s + QString::number(i), DefaultPalette(i)).ToInteger() & 0xFFFFFF;
     ForEachCode([&](int code) {
         if (const QString text = bag.ReadProperty(u"sFKey"_s + QString::number(code)).ToText(); !text.isEmpty())
             next.fkeys.insert(code, text);

@@ -71,8 +71,8 @@ public:
     static bool IsFKeyCode(int code);
     qint32 Palette(int index) const; // 0x00BBGGRR, as the RGB function of BASIC makes it
     void SetPalette(int index, qint32 color);
-    qint16 Colors(int index) const; // see AttributeColor
-    void SetColors(int index, qint16 color);
+    qint16 Colors(int index) const;          // see AttributeColor
+    void SetColors(int index, qint16 color); // raises Failure 5 for one that names no entries of the palette
     static qint32 DefaultPalette(int index);
     static qint16 DefaultColors(int index);
 

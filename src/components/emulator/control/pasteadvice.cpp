@@ -42,13 +42,13 @@ QString Preview(const QString& text)
 
 } // namespace
 
-QString PasteQuestion(const QString& text)
+QString PasteQuestion(const QString& text, bool asksAboutLines)
 {
     const bool controls = std::any_of(text.begin(), text.end(), IsControl);
     qsizetype lineEnds = 0;
     for (qsizetype i = 0; i < text.size(); ++i)
         lineEnds += text[i] == u'\n' || (text[i] == u'\r' && (i + 1 == text.size() || text[i + 1] != u'\n'));
-    if (!controls && lineEnds == 0)
+    if (!controls && (lineEnds == 0 || !asksAboutLines))
         return {};
 
     const bool endsInLineEnd = text.endsWith(u'\n') || text.endsWith(u'\r');

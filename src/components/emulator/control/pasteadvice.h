@@ -6,7 +6,7 @@
 
 namespace kestrune {
 
-// The question for text; empty: it can go without one.
-QString PasteQuestion(const QString& text);
+// The question for text; empty: it can go without one. asksAboutLines: several lines are a reason.
+QString PasteQuestion(const QString& text, bool asksAboutLines = true);
 
 } // namespace kestrune

@@ -110,6 +110,9 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.ssh.breakCharacter = settings.Integer(Setting("SSHBreakCharacter"));
     options.ssh.hostKeyValidation = HostKeyValidation(settings.Integer(Setting("HostKeyValidation")));
     options.ssh.hostKeyFingerprint = settings.Text(Setting("HostKeyFingerprint"));
+    options.ssh.jump = settings.Text(Setting("SSHJump"));
+    options.ssh.forwards = settings.Text(Setting("SSHForwards"));
+    options.ssh.forwardAgent = settings.Boolean(Setting("SSHForwardAgent"));
     options.resume.enabled = settings.Integer(Setting("ResumeAfterDisconnect")) >= 0;
     if (const int kilobytes = settings.Integer(Setting("ResumeBufferSize")); kilobytes > 0)
         options.resume.bufferBytes = std::min(kilobytes, kMostResumeBuffer) * 1024;
@@ -119,6 +122,9 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.serial.stopBits = settings.Integer(Setting("StopBits"));
     options.serial.parity = settings.Integer(Setting("Parity"));
     options.serial.handshake = settings.Integer(Setting("Handshake"));
+    options.modem.autoAnswer = settings.Boolean(Setting("AutoAnswer"));
+    options.modem.lockBaudRate = settings.Boolean(Setting("LockBaudRate"));
+    options.modem.overrideConfig = settings.Boolean(Setting("OverrideModemConfig"));
     return options;
 }
 

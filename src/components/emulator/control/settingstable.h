@@ -118,7 +118,7 @@ inline constexpr auto SettingsTable = [] {
         I("PrinterTimeout", 5),
         I("PrintJobEject"),
         I("PrintScreenEject"),
-        I("PasteEOLMode"),
+        I("PasteEOLMode"), // these four and PasteOptions: see pasteform.h
         I("PasteEOFMode"),
         I("PasteEOLChar"),
         I("PasteEOFChar"),
@@ -143,7 +143,7 @@ inline constexpr auto SettingsTable = [] {
         I("ScrollMode", 2),
         B("LockBaudRate"),
         B("OverrideModemConfig").As("sOverrideCfg"),
-        T("Sound"),
+        T("Sound"), // of the bell: empty a flash, "none" nothing, else a wave file and a flash
         I("ScreenPrintMode", 1),
         I("SlavePrintMode"),
         T("PrinterFontName", "Courier New"),
@@ -213,6 +213,11 @@ inline constexpr auto SettingsTable = [] {
         T("ProxyHost"),
         T("ProxyPort"),
         T("ProxyUser"), // its password is asked for and stands nowhere
+        T("SSHJump"), // user@host:port, ...; none; empty: as the user's SSH configuration says
+        T("SSHForwards"), // L8080:host:80, R2222:host:22, D1080
+        B("SSHForwardAgent"),
+        B("HostSetsClipboard"), // what the host offers for the clipboard (OSC 52) is put there
+        B("CopyPlainText"),     // copies have no formatted form
     };
     // clang-format on
 }();

@@ -188,6 +188,8 @@ void RowPainter::PaintRow(QPainter& painter, int row, int x, int y, const RowLoo
 
 void RowPainter::PaintBackground(QPainter& painter, const Run& run, int x, int y) const
 {
+    if (backdropShows_ && run.colors.background == colors_.Background())
+        return;
     painter.fillRect(x + run.first * font_.CellWidth(), y, (run.last - run.first) * font_.CellWidth(),
                      font_.CellHeight(), QColor(run.colors.background));
 }

@@ -3,10 +3,10 @@
 // Paints single rows of a terminal in device pixels. Glyphs stand on the grid whatever the font says; runs of
 // one style go out in one call.
 
-#include "colorscheme.h"
 #include "gridfont.h"
 #include "roworder.h"
 #include "textsearch.h"
+#include <emulator/control/colorscheme.h>
 
 #include <emulator/engine/terminal.h>
 
@@ -41,6 +41,8 @@ public:
     void PaintText(QPainter& painter, const QString& text, int x, int y, int rightEdge, QRgb foreground,
                    QRgb background);
     bool HasBlink(int row) const;
+    // What has no background colour of its own is left as it is: a picture is behind it.
+    void LetBackdropShow(bool on) { backdropShows_ = on; }
 
 private:
     struct Run
@@ -64,6 +66,7 @@ private:
     const emu::Terminal& screen_;
     GridFont& font_;
     const ColorScheme& colors_;
+    bool backdropShows_ = false;
     bool arranged_ = false; // the row at hand has text that runs to the left
     std::vector<emu::Cell> arrangedCells_;
     std::vector<Run> runs_; // kept, so that painting a row allocates nothing

@@ -1,6 +1,6 @@
 #include "screencanvas.h"
 
-#include "contrast.h"
+#include <emulator/control/contrast.h>
 
 #include <QGuiApplication>
 #include <QStyleHints>
@@ -83,7 +83,14 @@ void ScreenCanvas::LookChanged()
     RebuildFont();
     scheme_.Load(emulator_.Settings());
     scheme_.Follow(emulator_.Screen());
+    backdrop_.Load(emulator_.Settings());
     Invalidate();
+}
+
+void ScreenCanvas::PicturesChanged()
+{
+    pictures_.Set(emulator_.Pictures());
+    host_.update();
 }
 
 void ScreenCanvas::SetZoom(double points)
@@ -385,16 +392,21 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     for (const QRect& rect : region)
         outside += toDevice(rect);
     const QRect dirty = outside.boundingRect();
+    if (backdrop_.IsOn())
+        backdrop_.Paint(painter, (QSizeF(host_.size()) * ratio_).toSize(), dirty, scheme_.Background());
     outside -= grid;
     for (const QRect& rect : outside)
-        painter.fillRect(rect, QColor(scheme_.Background()));
+        if (!backdrop_.IsOn())
+            painter.fillRect(rect, QColor(scheme_.Background()));
 
     RowPainter rowPainter(screen, *font_, scheme_);
+    rowPainter.LetBackdropShow(backdrop_.IsOn());
     const int first = std::max(0, (dirty.top() - Margin()) / font_->CellHeight());
     const int last = std::min(rows - 1, (dirty.bottom() - Margin()) / font_->CellHeight());
     for (int line = first; line <= last; ++line)
         if (region.intersects(LineRect(line)))
             PaintLine(painter, rowPainter, line);
+    PaintPictures(painter);
     PaintLink(painter);
     PaintCursor(painter, rowPainter);
     PaintSigns(painter);
@@ -411,6 +423,15 @@ void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
                               look.found,
                               blinkHidden_,
                               rows.HasBlink(row)};
+}
+
+void ScreenCanvas::PaintPictures(QPainter& painter)
+{
+    if (pictures_.IsEmpty())
+        return;
+    const QPoint origin(Margin(), Margin() + emulator_.RowsBack() * font_->CellHeight());
+    pictures_.Paint(painter, origin, {font_->CellWidth(), font_->CellHeight()},
+                    QColor(scheme_.Role(PaletteRole::Foreground)), font_->LineWidth());
 }
 
 void ScreenCanvas::PaintLink(QPainter& painter) const

@@ -3,12 +3,14 @@
 // What a terminal view shows, and when: the grid of cells in device pixels, which rows have to be painted again,
 // the cursor, and the signs laid over the text. Nothing is painted more often than once a frame.
 
-#include "colorscheme.h"
+#include "backdrop.h"
 #include "gridfont.h"
 #include "links.h"
+#include "picturelayer.h"
 #include "roworder.h"
 #include "rowpainter.h"
 #include "selectiongesture.h"
+#include <emulator/control/colorscheme.h>
 
 #include <emulator/control/ctlemulator.h>
 
@@ -32,7 +34,8 @@ public:
     // --- what happened
     void ScreenChanged();
     void KeyWasTyped() { echoExpected_ = true; }
-    void LookChanged(); // font, colours or resolution
+    void LookChanged(); // font, colours, the picture behind the text, or resolution
+    void PicturesChanged();
     void FocusChanged();
     void Flash();                       // the visible bell
     void ShowSign(const QString& text); // a line over the text that goes by itself
@@ -101,6 +104,7 @@ private:
     int LineCount() const;     // of the screen and the status line
     int RowOf(int line) const; // the status line stays when the history is looked at
     bool CursorShown() const;
+    void PaintPictures(QPainter& painter);
     void PaintLine(QPainter& painter, RowPainter& rows, int line);
     void PaintCursor(QPainter& painter, RowPainter& rows);
     void PaintBar(QPainter& painter, const QRect& cell, emu::CursorShape shape, const QColor& color) const;
@@ -114,6 +118,8 @@ private:
     std::function<void()> frameShown_;
     std::unique_ptr<GridFont> font_;
     ColorScheme scheme_;
+    Backdrop backdrop_;
+    PictureLayer pictures_;
     double ratio_ = 0;  // device pixels in a pixel
     double zoom_ = 0;   // points more than the settings say
     double fitted_ = 0; // points for a screen of fixed size; 0: none

@@ -6,6 +6,8 @@
 
 namespace kestrune {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Nothing: this platform has no primary selection.
@@ -33,10 +35,19 @@ QString SystemClipboard::Text(Kind kind) const
     return mode ? QGuiApplication::clipboard()->text(*mode) : QString();
 }
 
-void SystemClipboard::SetText(Kind kind, const QString& text)
+void SystemClipboard::Put(Kind kind, const ClipboardText& content)
 {
-    if (const auto mode = ModeOf(kind))
-        QGuiApplication::clipboard()->setText(text, *mode);
+    const auto mode = ModeOf(kind);
+    if (!mode)
+        return;
+    auto* data = new QMimeData;
+    data->setText(content.text);
+    if (!content.html.isEmpty())
+        data->setHtml(content.html);
+    if (!content.rtf.isEmpty())
+        for (const auto& type : {u"text/rtf"_s, u"application/rtf"_s}) // programs ask for one or the other
+            data->setData(type, content.rtf);
+    QGuiApplication::clipboard()->setMimeData(data, *mode);
 }
 
 } // namespace kestrune

@@ -11,7 +11,7 @@ class SystemClipboard : public Clipboard
 public:
     bool HasText(Kind kind) const override;
     QString Text(Kind kind) const override;
-    void SetText(Kind kind, const QString& text) override;
+    void Put(Kind kind, const ClipboardText& content) override;
 };
 
 } // namespace kestrune

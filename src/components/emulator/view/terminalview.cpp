@@ -101,6 +101,7 @@ TerminalView::TerminalView(ctlEmulator& emulator, QWidget* parent) : QWidget(par
         ApplyGrid();
     });
     connect(&emulator, &ctlEmulator::GridChanged, this, &TerminalView::ApplyGrid);
+    connect(&emulator, &ctlEmulator::PicturesChanged, this, [this] { parts_->canvas.PicturesChanged(); });
     connect(&emulator, &ctlEmulator::Bell, this, [this] {
         if (!parts_->sinceBell.isValid() || parts_->sinceBell.elapsed() > kQuietBell)
             parts_->canvas.Flash();

@@ -4,9 +4,8 @@
 // what the host has changed of them (OSC 4, 10, 11 and 12).
 
 #include <emulator/control/emulatorsettings.h>
+#include <emulator/control/rgb.h>
 #include <emulator/engine/terminal.h>
-
-#include <QRgb>
 
 #include <array>
 
@@ -14,9 +13,9 @@ namespace kestrune {
 
 struct CellColors
 {
-    QRgb foreground = 0;
-    QRgb background = 0;
-    QRgb underline = 0;
+    Rgb foreground = 0;
+    Rgb background = 0;
+    Rgb underline = 0;
     bool operator==(const CellColors&) const = default;
 };
 
@@ -34,16 +33,16 @@ public:
     CellColors Found(const CellColors& plain, bool current) const;
     // The cursor as background, and the text in it: seen on a cell of these colours whatever they are.
     CellColors Cursor(const CellColors& plain) const;
-    QRgb Role(int paletteRole) const; // PaletteRole
-    QRgb Background() const;          // of the screen where there is no text
+    Rgb Role(int paletteRole) const; // PaletteRole
+    Rgb Background() const;          // of the screen where there is no text
 
 private:
     static constexpr int kHostColors = 259; // 256 foreground, 257 background, 258 cursor
 
-    QRgb Indexed(int index) const;
-    QRgb Entry(int paletteEntry) const;
+    Rgb Indexed(int index) const;
+    Rgb Entry(int paletteEntry) const;
 
-    std::array<QRgb, PaletteSize> palette_{};
+    std::array<Rgb, PaletteSize> palette_{};
     std::array<qint16, AttributeCount> attributes_{};
     std::array<uint32_t, kHostColors> host_{}; // 0: as here
     bool reverse_ = false;

@@ -8,26 +8,26 @@ namespace kestrune {
 
 namespace {
 
-QRgb FromBgr(qint32 bgr) { return qRgb(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
+Rgb FromBgr(qint32 bgr) { return MakeRgb(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF); }
 
 // Entries 16 to 231 are a cube of six steps a side, the rest greys: the xterm convention that hosts rely on.
-QRgb CubeOrGrey(int index)
+Rgb CubeOrGrey(int index)
 {
     if (index >= 232) {
         const int grey = 8 + 10 * (index - 232);
-        return qRgb(grey, grey, grey);
+        return MakeRgb(grey, grey, grey);
     }
     const auto step = [](int i) { return i == 0 ? 0 : 55 + 40 * i; };
     const int cube = index - 16;
-    return qRgb(step(cube / 36), step(cube / 6 % 6), step(cube % 6));
+    return MakeRgb(step(cube / 36), step(cube / 6 % 6), step(cube % 6));
 }
 
-QRgb FromHost(uint32_t rgb) { return qRgb(int(rgb >> 16) & 0xFF, int(rgb >> 8) & 0xFF, int(rgb) & 0xFF); }
+Rgb FromHost(uint32_t rgb) { return MakeRgb(int(rgb >> 16) & 0xFF, int(rgb >> 8) & 0xFF, int(rgb) & 0xFF); }
 
-QRgb Mix(QRgb a, QRgb b, int percentOfA)
+Rgb Mix(Rgb a, Rgb b, int percentOfA)
 {
     const auto mix = [percentOfA](int x, int y) { return (x * percentOfA + y * (100 - percentOfA)) / 100; };
-    return qRgb(mix(qRed(a), qRed(b)), mix(qGreen(a), qGreen(b)), mix(qBlue(a), qBlue(b)));
+    return MakeRgb(mix(RedOf(a), RedOf(b)), mix(GreenOf(a), GreenOf(b)), mix(BlueOf(a), BlueOf(b)));
 }
 
 int AttributeValue(const emu::Style& style)
@@ -60,20 +60,20 @@ bool ColorScheme::Follow(const emu::Terminal& screen)
     return changed;
 }
 
-QRgb ColorScheme::Indexed(int index) const
+Rgb ColorScheme::Indexed(int index) const
 {
     if (const uint32_t set = host_[size_t(index)])
         return FromHost(set);
     return index < 16 ? palette_[size_t(index)] : CubeOrGrey(index);
 }
 
-QRgb ColorScheme::Entry(int paletteEntry) const
+Rgb ColorScheme::Entry(int paletteEntry) const
 {
     return paletteEntry >= 0 && paletteEntry < PaletteSize ? Role(paletteEntry) : Role(0);
 }
 
 // The roles that a host can set stand in one order here and there.
-QRgb ColorScheme::Role(int paletteRole) const
+Rgb ColorScheme::Role(int paletteRole) const
 {
     if (paletteRole < 16)
         return Indexed(paletteRole);
@@ -82,29 +82,29 @@ QRgb ColorScheme::Role(int paletteRole) const
     return set != 0 ? FromHost(set) : palette_[size_t(paletteRole)];
 }
 
-QRgb ColorScheme::Background() const { return Role(reverse_ ? PaletteRole::Foreground : PaletteRole::Background); }
+Rgb ColorScheme::Background() const { return Role(reverse_ ? PaletteRole::Foreground : PaletteRole::Background); }
 
 CellColors ColorScheme::Selected(const CellColors& plain) const
 {
-    QRgb paper = Role(PaletteRole::Selection);
+    Rgb paper = Role(PaletteRole::Selection);
     if (ContrastOf(paper, plain.background) < VisibleContrast)
         paper = LegibleOn(plain.background, plain.foreground, VisibleContrast);
-    const QRgb ink = LegibleOn(paper, Role(PaletteRole::SelectionText));
+    const Rgb ink = LegibleOn(paper, Role(PaletteRole::SelectionText));
     return {ink, paper, ink};
 }
 
 CellColors ColorScheme::Found(const CellColors& plain, bool current) const
 {
-    const QRgb mark = current ? Role(PaletteRole::Cursor) : Mix(Indexed(3), Role(PaletteRole::Background), 45);
-    const QRgb paper = LegibleOn(plain.background, mark, VisibleContrast);
-    const QRgb ink = LegibleOn(paper, plain.foreground);
+    const Rgb mark = current ? Role(PaletteRole::Cursor) : Mix(Indexed(3), Role(PaletteRole::Background), 45);
+    const Rgb paper = LegibleOn(plain.background, mark, VisibleContrast);
+    const Rgb ink = LegibleOn(paper, plain.foreground);
     return {ink, paper, ink};
 }
 
 CellColors ColorScheme::Cursor(const CellColors& plain) const
 {
-    const QRgb paper = LegibleOn(plain.background, Role(PaletteRole::Cursor), VisibleContrast);
-    const QRgb ink = LegibleOn(paper, Role(PaletteRole::CursorText));
+    const Rgb paper = LegibleOn(plain.background, Role(PaletteRole::Cursor), VisibleContrast);
+    const Rgb ink = LegibleOn(paper, Role(PaletteRole::CursorText));
     return {ink, paper, ink};
 }
 
@@ -121,7 +121,7 @@ CellColors ColorScheme::Of(const emu::Style& style) const
         case Kind::Palette:
             return Indexed(color.Index());
         case Kind::Direct:
-            return qRgb(color.Red(), color.Green(), color.Blue());
+            return MakeRgb(color.Red(), color.Green(), color.Blue());
         case Kind::Default:
             break;
         }
@@ -141,7 +141,9 @@ CellColors ColorScheme::Of(const emu::Style& style) const
         std::swap(colors.foreground, colors.background);
     if (legible_)
         colors.foreground = LegibleOn(colors.background, colors.foreground);
-    if ((style.attributes & emu::Attr::Dim) != 0)
+    // A colour that the user has given to dim text is meant as it is.
+    const bool hasOwnDim = plain && own != EmulatorSettings::DefaultColors(AttributeValue(style));
+    if ((style.attributes & emu::Attr::Dim) != 0 && !hasOwnDim)
         colors.foreground = Mix(colors.foreground, colors.background, 60);
     colors.underline =
         style.underlineColor.What() == Kind::Default ? colors.foreground : resolve(style.underlineColor, 0);

@@ -1,0 +1,114 @@
+"""Menus and bars as they look: every menu, each bar, with no session and with three, light and dark, at one and two
+pixels to a unit. The pictures are for a person; what is asserted is that each of them shows something of its own."""
+
+import desktop
+from desktop import hive, until
+
+# A dark desktop, as the toolkit reads it from a person's settings.
+DARK = """[Colors:Window]
+BackgroundNormal=41,44,48
+BackgroundAlternate=49,54,59
+ForegroundNormal=239,240,241
+ForegroundInactive=140,144,148
+[Colors:Button]
+BackgroundNormal=49,54,59
+ForegroundNormal=239,240,241
+ForegroundInactive=120,124,128
+[Colors:View]
+BackgroundNormal=27,30,32
+ForegroundNormal=239,240,241
+ForegroundInactive=120,124,128
+[Colors:Selection]
+BackgroundNormal=61,118,183
+ForegroundNormal=255,255,255
+[Colors:Tooltip]
+BackgroundNormal=49,54,59
+ForegroundNormal=239,240,241
+"""
+MENUS = ("file", "edit", "view", "tools", "multivalue", "window", "help")
+
+
+class Bars(desktop.Journey):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.desktop.close()
+        cls.desktop = desktop.Desktop(2200, 1500)
+
+    def look(self, name, seconds=5):
+        """A picture, once two looks in a row are the same: nothing moves any more."""
+        seen = []
+
+        def still():
+            seen.append(self.desktop.picture(name).read_bytes())
+            return len(seen) > 1 and seen[-1] == seen[-2]
+        until(still, f"{name} at rest", seconds, every=0.1)
+        return seen[-1]
+
+    def begin(self, scale, dark, sessions):
+        (self.home / "config").mkdir(exist_ok=True)
+        env = {"QT_SCALE_FACTOR": str(scale)}
+        if dark:
+            (self.home / "config" / "kdeglobals").write_text(DARK)
+            env.update(XDG_CURRENT_DESKTOP="KDE", KDE_SESSION_VERSION="5", KDE_FULL_SESSION="true")
+        files = [self.session_file(f"{name}.orcf", HostName="/bin/cat") for name in ("accounts", "stock", "payroll")]
+        program = self.start(*files[:1 if sessions else 0], extra_env=env)
+        window = program.window()
+        program.resize(window, 1000 * scale, 640 * scale)
+        until(lambda: program.geometry(window)[2:] == (1000 * scale, 640 * scale), "the size")
+        if sessions:
+            until(lambda: "accounts" in program.title(window), "the session")
+            for _ in range(2):  # two more of it
+                self.click(program, 28, 10, scale)
+                program.key("Right", "Right", "Right")
+                program.key("c")
+        return program
+
+    def click(self, program, x, y, scale, button=1):
+        program.click(x * scale, y * scale, button)
+
+    def test_every_menu_and_bar(self):
+        for scale in (1, 2):
+            for dark in (False, True):
+                for sessions in (False, True):
+                    name = f"bars-{scale}-{'dark' if dark else 'light'}-{'three' if sessions else 'none'}"
+                    with self.subTest(name):
+                        self.setUp()
+                        program = self.begin(scale, dark, sessions)
+                        seen = [self.look(name)]
+                        for index, menu in enumerate(MENUS):
+                            self.click(program, 28, 10, scale)
+                            program.key(*["Right"] * index) if index else None
+                            seen.append(self.look(f"{name}-{menu}"))
+                            program.key("Escape", "Escape")
+                        self.assertEqual(len(set(seen)), len(MENUS) + 1, "each menu shows something of its own")
+                        program.kill()
+
+    def test_a_toolbar_that_was_pulled_to_the_left_stays_there(self):
+        file = self.session_file("accounts.orcf", HostName="/bin/cat")
+        program = self.start(file)
+        window = program.window()
+        program.resize(window, 1000, 640)
+        until(lambda: program.geometry(window)[2:] == (1000, 640), "the size")
+        before = self.look("bars-drag-before")
+        self.desktop.run("xdotool", "mousemove", "--window", window, "5", "40", "mousedown", "1")
+        for x, y in ((20, 80), (12, 200), (6, 260), (4, 300)):
+            self.desktop.run("xdotool", "mousemove", "--window", window, str(x), str(y))
+        self.look("bars-dragging")
+        self.desktop.run("xdotool", "mouseup", "1")
+        kept = until(lambda: hive(self.home).get(("", "BarPlaces")), "the place is stored as soon as it is chosen")
+        self.desktop.run("xdotool", "mousemove", "--window", window, "600", "400")
+        moved = self.look("bars-drag-after")
+        self.assertNotEqual(before, moved)
+        program.kill()  # however it ends
+        program = self.start(file)
+        window = program.window()
+        program.resize(window, 1000, 640)
+        until(lambda: program.geometry(window)[2:] == (1000, 640), "the size")
+        self.desktop.run("xdotool", "mousemove", "--window", window, "600", "400")
+        self.look("bars-drag-again")
+        self.assertEqual(hive(self.home).get(("", "BarPlaces")), kept)
+
+
+if __name__ == "__main__":
+    desktop.main()
