@@ -25,7 +25,7 @@ void Look(const Terminal& terminal)
     const Position cursor = terminal.Cursor();
     if (cursor.col < 0 || cursor.col >= size.cols || cursor.row < 0 || cursor.row >= size.rows)
         std::abort();
-    for (int row = -terminal.HistoryCount(); row < size.rows; ++row) {
+    for (int row = -terminal.HistoryCount(); row < size.rows + terminal.StatusRows(); ++row) {
         const RowView view = terminal.Row(row);
         if (view.cells.size() > size_t(size.cols))
             std::abort();
@@ -45,6 +45,10 @@ TerminalOptions OptionsFor(uint8_t charset, uint8_t cols, uint8_t rows)
     options.charset = HostCharset(charset % 5);
     options.size = {cols % 90 + 1, rows % 40 + 1};
     options.historyRows = 30;
+    options.pages = cols % 4;
+    options.extended = {rows % 140 + 1, charset % 30};
+    options.startsExtended = charset % 7 == 0;
+    options.messageRows = charset % 4 - 1;
     return options;
 }
 

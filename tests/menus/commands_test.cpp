@@ -87,7 +87,7 @@ constexpr CommandCase kCases[] = {
     {501, "arrange 0"},
     {502, "arrange 1"},
     {503, "arrange 2"},
-    {506, "box"},
+    {506, "record 506 1  1"},
     {513, "editor Main"},
     {599, "record 599 1  2"},
     {601, "upload 1"},

@@ -1,4 +1,5 @@
 #include <app/missingpieces.h>
+#include <dispatch/failure.h>
 #include <fakes/print.h>
 #include <fakes/shellbench.h>
 #include <menus/loadmenu.h>
@@ -212,8 +213,9 @@ TEST_F(MenuCmdTest, ClickOnTheTabPopupMeansItsOwnSession)
 TEST_F(MenuCmdTest, FailuresOfAClickAreToldInTheStatusLineOrAsMissing)
 {
     const auto session = Open();
+    bench_.pieces.duringDesigner = [] { throw Failure(ErrorNumber::NotImplemented, u"Not built."_s, u"test"_s); };
     taMenuBar bars;
-    menu_.ToolClick(bars, {}, ToolOf(506, u"[#506]"_s), session.get());
+    menu_.ToolClick(bars, {}, ToolOf(711, u"[#711]"_s), session.get());
     ASSERT_EQ(bench_.ask.boxes.size(), 1u);
     EXPECT_EQ(bench_.ask.boxes[0].flags, MsgFlag::Information);
 }

@@ -1,7 +1,10 @@
 // The control and its screen: text, selection, history, events, settings that take effect live.
 
+#include <emulator/engine/personality.h>
 #include <fakes/emulatorbench.h>
 #include <fakes/failures.h>
+
+#include <QHash>
 
 #include <gtest/gtest.h>
 
@@ -185,6 +188,48 @@ TEST(EmulatorScreen, OutputDoesNotPullTheHistoryViewDownTypingDoes)
     EXPECT_EQ(FailureNumber([&] { control.ScrollHistory(5); }), 5);
 }
 
+TEST(EmulatorScreen, ExtendedSizeAndPages)
+{
+    EmulatorBench bench;
+    auto& control = bench.control;
+    QStringList events;
+    QObject::connect(&control, &ctlEmulator::ScreenSizeChange, [&](int c, int r, int p, bool extended) {
+        events << u"size %1,%2,%3,%4"_s.arg(c).arg(r).arg(p).arg(extended);
+    });
+    QObject::connect(&control, &ctlEmulator::GridChanged, [&] { events << u"grid"_s; });
+    QObject::connect(&control, &ctlEmulator::CursorMove,
+                     [&](int c, int r, int p) { events << u"cursor %1,%2,%3"_s.arg(c).arg(r).arg(p); });
+    const auto taken = [&] {
+        bench.clock.RunPosted();
+        return std::exchange(events, {});
+    };
+    control.Settings().SetValue(Setting("TermType"), 13);
+    bench.Connect();
+    taken();
+    control.SetScrMode(1);
+    EXPECT_EQ(control.ScrMode(), 1);
+    EXPECT_EQ(taken(), (QStringList{u"size 132,24,1,1"_s, u"grid"_s}));
+    EXPECT_EQ(bench.Host().size.cols, 132);
+    control.Resize(100, 40, 800, 640); // the window: for later
+    EXPECT_EQ(control.Cols(), 132);
+    control.Settings().SetValue(Setting("ExtRows"), 43);
+    EXPECT_EQ(taken(), (QStringList{u"size 132,43,1,1"_s, u"grid"_s}));
+    control.SetScrMode(0);
+    EXPECT_EQ(taken(), (QStringList{u"size 100,40,1,0"_s, u"grid"_s}));
+    EXPECT_EQ(bench.Host().size.rows, 40);
+    EXPECT_EQ(FailureNumber([&] { control.SetScrMode(2); }), 5);
+
+    control.Settings().SetValue(Setting("Pages"), 2);
+    control.Locate(4, 3, 1);
+    EXPECT_EQ(control.Page(), 1);
+    EXPECT_EQ(taken(), (QStringList{u"size 100,40,2,0"_s, u"cursor 4,3,1"_s}));
+    EXPECT_EQ(FailureNumber([&] { control.SetPage(2); }), 5);
+    EXPECT_EQ(FailureNumber([&] { control.SetPage(-1); }), 5);
+    EXPECT_EQ(control.Page(), 1);
+    bench.Host().HostSays("\x1b[1$~");
+    EXPECT_EQ(taken(), QStringList{u"grid"_s});
+}
+
 TEST(EmulatorScreen, EventsComeOnceATurn)
 {
     EmulatorBench bench;
@@ -256,6 +301,53 @@ TEST(EmulatorScreen, SettingsTakeEffectLive)
     EXPECT_EQ(bench.RowText(0), QString());
 }
 
+TEST(EmulatorScreen, CustomTypesAreWhatTheInstallationSays)
+{
+    EmulatorBench bench;
+    bench.Connect();
+    const QHash<QString, QString> rows{{u"TT80"_s, u"1,VT320,Our VT320"_s},
+                                       {u"TT81"_s, u"0,VT320,out of use"_s},
+                                       {u"TT82"_s, u"1, sco-console,SCO"_s},
+                                       {u"TT83"_s, u"1,VT9000,unknown"_s},
+                                       {u"TT84"_s, u"1"_s}};
+    QObject::connect(&bench.control, &ctlEmulator::ReadProfile,
+                     [&](const QString& section, const QString& key, QString* value, bool* found) {
+                         *value = section == u"Custom" ? rows.value(key) : QString();
+                         *found = true;
+                     });
+    const struct
+    {
+        int number;
+        int like;
+    } types[] = {{80, 13}, {81, 8}, {82, 15}, {83, 8}, {84, 8}, {77, 77}, {14, 14}};
+    for (const auto& type : types) {
+        bench.control.Settings().Set(u"TermType"_s, type.number);
+        EXPECT_EQ(bench.control.Screen().CurrentPersonality().number, type.like) << type.number;
+    }
+}
+
+TEST(EmulatorScreen, MappingAndModesFollowTheSettings)
+{
+    EmulatorBench bench;
+    bench.Connect();
+    auto& settings = bench.control.Settings();
+    settings.Set(u"Charset"_s, u"Latin1"_s);
+    settings.Set(u"CharacterMapping"_s, u"A4=20AC"_s);
+    bench.HostSays("\xa4");
+    EXPECT_EQ(bench.RowText(0), u"€"_s);
+    settings.Set(u"CharacterMapping"_s, u"nonsense"_s);
+    EXPECT_TRUE(bench.RowText(1).startsWith(u"[The character mapping \"nonsense\""_s));
+    settings.Set(u"Ansi8Bit"_s, true);
+    bench.Host().sent.clear();
+    bench.HostSays("\x1b[5n");
+    EXPECT_EQ(bench.Host().sent, "\x9b"
+                                 "0n");
+    settings.Set(u"DisableAppMode"_s, true);
+    bench.HostSays("\x1b[?1h");
+    EXPECT_EQ(bench.control.Screen().KeyBytes({emu::Key::Up, 0, {}}), "\x9b"
+                                                                      "A");
+}
+
 TEST(EmulatorScreen, WhatIsNotBuiltSaysSo)
 {
     EmulatorBench bench;
@@ -271,8 +363,6 @@ TEST(EmulatorScreen, WhatIsNotBuiltSaysSo)
     };
     EXPECT_EQ(text([&] { control.Upload(u"x"_s, 0, 0); }),
               u"The file transfer has not been implemented at this time."_s);
-    EXPECT_EQ(text([&] { control.SetScrMode(1); }),
-              u"The extended screen mode has not been implemented at this time."_s);
     EXPECT_EQ(FailureNumber([&] { control.Reset(7); }), 5);
 }
 

@@ -2,6 +2,8 @@
 
 #include "bench.h"
 
+#include <emulator/engine/hostcharsets.h>
+
 #include <gtest/gtest.h>
 
 namespace kestrune::emu {
@@ -18,6 +20,48 @@ struct CharsetCase
 
 using enum HostCharset;
 
+// What a byte shows, typed again, goes out as that byte.
+TEST(EngineCharset, EachEncodingGoesBothWays)
+{
+    for (const std::string_view name : HostCharsetNames()) {
+        const auto charset = FindHostCharset(name);
+        ASSERT_TRUE(charset);
+        TerminalOptions options = Utf8Options(2, 10);
+        options.charset = *charset;
+        options.eightBitControls = false;
+        Bench bench(options, Type::Linux);
+        for (unsigned byte = CharsetAllowsC1(*charset) ? 0xA0 : 0x80; byte <= 0xFF && *charset != Utf8; ++byte) {
+            const std::string sent(1, char(byte));
+            const std::string shown = bench.HostSays("\r\x1b[K" + sent).terminal.TextOf(0, 0, 1);
+            if (shown == "\xe2\x90\xa6" || shown == " ")
+                continue; // nothing there; a mark that joins the blank before it
+            EXPECT_EQ(bench.terminal.EncodeText(shown), sent) << name << ' ' << byte;
+        }
+    }
+    EXPECT_EQ(FindHostCharset("latin2"), Latin2);
+    EXPECT_EQ(FindHostCharset("koi8-r"), Koi8R);
+    EXPECT_FALSE(FindHostCharset("Klingon"));
+    EXPECT_FALSE(FindHostCharset(""));
+}
+
+TEST(EngineCharset, MappingPutsOtherCharactersInPlaceOfSome)
+{
+    TerminalOptions options = Utf8Options(2, 10);
+    options.charset = Latin1;
+    options.upperHalf = MappedUpperHalf(Latin1, "A4=20AC, e4=0431;F6=2022").value_or(u"");
+    Bench bench(options);
+    EXPECT_EQ(bench
+                  .HostSays("\xa4\xe4\xf6\xfc\x9b"
+                            "5Gx")
+                  .Rows(),
+              "€б•üx");
+    EXPECT_EQ(bench.terminal.EncodeText("€б•ü¤"), "\xa4\xe4\xf6\xfc?");
+    EXPECT_EQ(MappedUpperHalf(Cp437, " ")->size(), 128u);
+    for (const char* wrong : {"A4", "A4=", "=20AC", "41=20AC", "1A4=20AC", "A4=D800", "A4=10FFFF", "A4=7", "A4=20ACx",
+                              "A4=20AC80=2022", "A4 = 20AC", "\xa4=20AC"})
+        EXPECT_FALSE(MappedUpperHalf(Latin1, wrong)) << wrong;
+}
+
 TEST(EngineCharset, BytesBecomeCharacters)
 {
     const CharsetCase cases[] = {
@@ -25,6 +69,16 @@ TEST(EngineCharset, BytesBecomeCharacters)
         {"Windows-1252", Type::Vt220, Windows1252, "\x80\x93x\x94", "€“x”"},
         {"code page 437", Type::Vt220, Cp437, "\xc9\xcd\xbb\x9b", "╔═╗¢"},
         {"code page 850", Type::Vt220, Cp850, "\x9d\xf5", "Ø§"},
+        {"Latin-9", Type::Vt220, Latin9, "\xa4\xbd\xe4", "€œä"},
+        {"Cyrillic", Type::Vt220, Cyrillic, "\xbf\xe0\xd8\xd2\xd5\xe2", "Привет"},
+        {"KOI8-R", Type::Vt220, Koi8R, "\xf0\xd2\xc9\xd7\xc5\xd4\x80", "Привет─"},
+        {"code page 866", Type::Ansi, Cp866, "\x8f\xe0\xa8\xa2\xa5\xe2\xc4", "Привет─"},
+        {"Greek", Type::Vt220, Greek, "\xe1\xe2\xe3", "αβγ"},
+        {"8-bit CSI in Latin-2", Type::Vt220, Latin2,
+         "\xb1"
+         "abc\x9b"
+         "3Dx",
+         "ąxbc"},
         {"8-bit CSI", Type::Vt220, Latin1,
          "abc\x9b"
          "2Dx",
@@ -46,6 +100,7 @@ TEST(EngineCharset, BytesBecomeCharacters)
         {"special graphics in G1", Type::Linux, Utf8, "\x1b)0\x0eq\x0fq", "─q"},
         {"every special graphic", Type::Vt220, Utf8, "\x1b(0`afgjmnotuvwyz{|}~", "◆▒°±┘└┼⎺├┤┴┬≤≥π≠£·"},
         {"UK", Type::Vt220, Utf8, "\x1b(A#", "£"},
+        {"the last place of a set of 96", Type::Vt320, Latin1, "a\x7f\x1b-A\x0e\x7f\x0f\x7f\x1b.A\x1bN\x7f\x7f", "aÿÿ"},
         {"German, national mode", Type::Vt220, Latin1, "\x1b[?42h\x1b(K[\\]{|}~@", "ÄÖÜäöüß§"},
         {"German, without national mode", Type::Vt220, Latin1, "\x1b(K[\\]", "[\\]"},
         {"Swiss", Type::Vt220, Latin1, "\x1b[?42h\x1b(=#_", "ùè"},

@@ -82,6 +82,26 @@ TEST(EngineInput, BackspaceFollowsTheOptions)
     EXPECT_EQ(bench.terminal.KeyBytes(Pressed(Key::Backspace)), "\x7f");
 }
 
+TEST(EngineInput, EightBitFormsAndApplicationModesFollowTheOptions)
+{
+    TerminalOptions options;
+    options.eightBitReplies = true;
+    Bench bench(options);
+    EXPECT_EQ(bench.terminal.KeyBytes(Pressed(Key::Up)), "\x9b"
+                                                         "A");
+    EXPECT_EQ(bench.HostSays("\x1b[5n").Replies(), "\x9b"
+                                                   "0n");
+    EXPECT_EQ(bench.HostSays("\x1b F\x1b[5n").Replies(), "\x1b[0n"); // the host may choose
+    EXPECT_EQ(Bench(options, Type::Vt100).HostSays("\x1b[5n").Replies(), "\x1b[0n");
+    options.eightBitReplies = false;
+    options.ignoreApplicationModes = true;
+    Bench plain(options);
+    plain.HostSays("\x1b[?1h\x1b=");
+    EXPECT_EQ(plain.terminal.KeyBytes(Pressed(Key::Up)), "\x1b[A");
+    EXPECT_EQ(plain.terminal.KeyBytes(Pressed(Key::Pad5)), "5");
+    EXPECT_TRUE(plain.terminal.Modes().applicationCursor); // the host's questions are answered as it knows them
+}
+
 TEST(EngineInput, Mouse)
 {
     const MouseAction press{MouseKind::Press, MouseButton::Left, 0, 3, 1};

@@ -40,6 +40,7 @@ qint32 Clipped(quint64 count) { return qint32(std::min<quint64>(count, std::nume
 
 // VT220 is the type whose sequences most hosts send.
 constexpr int kFallbackType = 8;
+constexpr int kFirstCustomType = 75; // from here on an installation names what they are like
 
 } // namespace
 
@@ -139,9 +140,23 @@ const EmulatorSettings& ctlEmulator::Settings() const { return settings_; }
 
 // --- settings, live
 
-const emu::Personality& ctlEmulator::PersonalityFromSettings() const
+// nullptr: there is no such type.
+const emu::Personality* ctlEmulator::PersonalityNumbered(int number)
 {
-    const auto* type = emu::FindPersonality(settings_.Integer(Setting("TermType")));
+    if (number < kFirstCustomType)
+        return emu::FindPersonality(number);
+    QString row;
+    bool found = false;
+    emit ReadProfile(u"Custom"_s, u"TT%1"_s.arg(number), &row, &found);
+    const QStringList fields = row.split(u',');
+    if (fields.size() < 2 || fields[0].toInt() <= 0)
+        return emu::FindPersonality(number); // some of these numbers are built in, too
+    return emu::FindPersonality(fields[1].trimmed().toStdString());
+}
+
+const emu::Personality& ctlEmulator::PersonalityFromSettings()
+{
+    const auto* type = PersonalityNumbered(settings_.Integer(Setting("TermType")));
     return type ? *type : *emu::FindPersonality(kFallbackType);
 }
 
@@ -149,11 +164,15 @@ void ctlEmulator::OnSettingChanged(SettingId id)
 {
     static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),       Setting("NoAutoWrap"),
                                        Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"), Setting("BkspSendsDel"),
-                                       Setting("AnswerBack"),    Setting("CursorType"),    Setting("LockFKeys")};
+                                       Setting("AnswerBack"),    Setting("CursorType"),    Setting("LockFKeys"),
+                                       Setting("Pages"),         Setting("MessageRows"),   Setting("ScrMode"),
+                                       Setting("ExtCols"),       Setting("ExtRows"),       Setting("CharacterMapping"),
+                                       Setting("Ansi8Bit"),      Setting("DisableAppMode")};
     static constexpr std::array look{Setting("FontName"),
                                      Setting("FontSize"),
                                      Setting("BoldFont"),
                                      Setting("LegibleFont"),
+                                     Setting("ScaleFont"),
                                      Setting("BackgroundPictureFile"),
                                      Setting("BackgroundPictureMode"),
                                      Setting("BackgroundTransparency")};
@@ -162,7 +181,7 @@ void ctlEmulator::OnSettingChanged(SettingId id)
     if (id == Setting("TermType")) {
         const int type = settings_.Integer(id);
         terminal_->SelectPersonality(PersonalityFromSettings());
-        if (!emu::FindPersonality(type))
+        if (!PersonalityNumbered(type))
             Notice(tr("The terminal type %1 has not been implemented at this time. %2 stands in for it.")
                        .arg(type)
                        .arg(LatinText(PersonalityFromSettings().name)));
@@ -173,8 +192,10 @@ void ctlEmulator::OnSettingChanged(SettingId id)
         if (!name.isEmpty() && !CharsetNamed(name))
             Notice(tr("There is no character set \"%1\".").arg(name));
     }
+    if (id == Setting("CharacterMapping") && !MappingOf(settings_))
+        Notice(tr("The character mapping \"%1\" is not a list such as A4=20AC 80=2022.").arg(settings_.Text(id)));
     if (id == Setting("TermType") || isOneOf(engine)) {
-        terminal_->SetOptions(TerminalOptionsOf(settings_, terminal_->ScreenSize()));
+        terminal_->SetOptions(TerminalOptionsOf(settings_, terminal_->NormalSize()));
         hostText_->SetCharset(CharsetOf(settings_));
         AfterChange();
     }
@@ -482,7 +503,8 @@ void ctlEmulator::TellCursor()
     told_.cursor = terminal_->Cursor();
     told_.cursorAt = ports_.clock.Now();
     told_.bytesIn = bytesIn_;
-    emit CursorMove(told_.cursor.col, told_.cursor.row, Page());
+    told_.page = Page();
+    emit CursorMove(told_.cursor.col, told_.cursor.row, told_.page);
 }
 
 void ctlEmulator::TellTitle()
@@ -496,13 +518,29 @@ void ctlEmulator::TellTitle()
     emit HostTitleChange(*std::exchange(hostTitle_, std::nullopt));
 }
 
+void ctlEmulator::TellScreen()
+{
+    const emu::Size size = terminal_->ScreenSize();
+    const int pages = terminal_->PageCount();
+    const bool extended = terminal_->Modes().extended;
+    const bool isOther = size != told_.size || pages != told_.pages || extended != told_.extended;
+    const bool isLaidOutAnew = extended != told_.extended || terminal_->StatusRows() != told_.statusRows;
+    told_.size = size;
+    told_.pages = pages;
+    told_.extended = extended;
+    told_.statusRows = terminal_->StatusRows();
+    if (isOther)
+        emit ScreenSizeChange(size.cols, size.rows, pages, extended);
+    if (isLaidOutAnew || (isOther && extended))
+        emit GridChanged();
+}
+
 // A handler may end the session, but the control outlives this call.
 void ctlEmulator::RunEvents()
 {
     scheduled_ = false;
-    if (const auto size = terminal_->ScreenSize(); !(size == std::exchange(told_.size, size)))
-        emit ScreenSizeChange(size.cols, size.rows, settings_.Integer(Setting("Pages")), false);
-    if (terminal_->Cursor() != told_.cursor)
+    TellScreen();
+    if (terminal_->Cursor() != told_.cursor || Page() != told_.page)
         TellCursor();
     if (LockKeyboard() != std::exchange(told_.locked, LockKeyboard()))
         emit KeyboardLock(LockKeyboard());

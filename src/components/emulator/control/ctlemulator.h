@@ -136,13 +136,15 @@ public:
     int col() const;
     void SetRow(int row);
     void SetCol(int column);
-    int Page() const { return 0; }
-    void SetPage(int page);
+    int Page() const;                    // of memory, where the cursor is, from 0; below the setting Pages
+    void SetPage(int page);              // shows it, too; raises Failure when there is no such page
     int Color() const { return color_; } // attribute value 0 to 63 that SetText and Clear use
     void SetColor(int attribute);
     qint16 Colors(int index) const { return settings_.Colors(index); }
     void SetColors(int index, qint16 color) { settings_.SetColors(index, color); }
-    int ScrMode() const { return 0; } // 0 normal, 1 extended
+    // 0: as large as the window, 1: ExtCols by ExtRows, whatever the window. The setting of this name is where a
+    // session starts; the host changes it by DECCOLM.
+    int ScrMode() const;
     void SetScrMode(int mode);
     void Emulate(const QString& text); // as if the host had sent it
     // Puts text on the screen, not to the host. Stops at the end of the row.
@@ -350,14 +352,15 @@ signals:
     void HostTitleChange(const QString& title);
     void LookChanged(); // font, palette, attribute colours or the picture behind the text
     void PicturesChanged();
+    void GridChanged();    // extended or normal size, or the rows below the screen: the window has to be laid out again
     void FuncBarChanged(); // place, style or bank of the function bar, or whether it follows the keyboard
 
 private:
     class Listener;
 
-    const emu::Personality& PersonalityFromSettings() const;
+    const emu::Personality* PersonalityNumbered(int number);
+    const emu::Personality& PersonalityFromSettings();
     void OnSettingChanged(SettingId id);
-    [[noreturn]] static void RefuseExtendedScreen();
     void LineAsked(const LineQuestion& question);
     void AnswerTrust(LineAnswer::Choice choice);
     std::unique_ptr<emu::Terminal> NewScreen();
@@ -407,6 +410,7 @@ private:
     void ScheduleEvents();
     void RunEvents();
     void TellCursor();
+    void TellScreen();
     void TellTitle();
     SelectionArea Resolve(int left, int top, int right, int bottom) const;
     emu::Style StyleFor(int color) const;
@@ -415,10 +419,14 @@ private:
     struct Told
     {
         emu::Position cursor{-1, -1};
+        int page = 0;
         Clock::Duration cursorAt{0};
         std::optional<Clock::Duration> titleAt;
         quint64 bytesIn = 0; // by then
         emu::Size size{0, 0};
+        int pages = 0;
+        int statusRows = 0;
+        bool extended = false;
         bool locked = false;
         int printer = 0;
     };

@@ -22,7 +22,6 @@ struct LaterMember
 };
 
 constexpr std::array kLater{
-    LaterMember{"ScrMode", QT_TRANSLATE_NOOP("Later", "extended screen mode")},
     LaterMember{"Upload", QT_TRANSLATE_NOOP("Later", "file transfer")},
 };
 
@@ -44,7 +43,6 @@ consteval const char* FeatureOf(std::string_view member)
 
 } // namespace
 
-void ctlEmulator::RefuseExtendedScreen() { RaiseNotBuilt(FeatureOf("ScrMode")); }
 int ctlEmulator::Upload(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 int ctlEmulator::Download(const QString&, int, int, int, int) { RaiseNotBuilt(FeatureOf("Upload")); }
 

@@ -37,13 +37,16 @@ int ctlEmulator::Rows() const { return terminal_->ScreenSize().rows; }
 int ctlEmulator::Cols() const { return terminal_->ScreenSize().cols; }
 int ctlEmulator::Row() const { return terminal_->Cursor().row; }
 int ctlEmulator::col() const { return terminal_->Cursor().col; }
+int ctlEmulator::Page() const { return terminal_->Page(); }
 void ctlEmulator::SetRow(int row) { Locate(col(), row); }
 void ctlEmulator::SetCol(int column) { Locate(column, Row()); }
 
 void ctlEmulator::SetPage(int page)
 {
-    if (page != 0)
+    if (page < 0 || page >= terminal_->PageCount())
         RaiseBadArgument(tr("There is no page %1.").arg(page));
+    terminal_->SetPage(page);
+    AfterChange();
 }
 
 void ctlEmulator::SetColor(int attribute)
@@ -154,13 +157,14 @@ void ctlEmulator::Resize(int cols, int rows, int pixelWidth, int pixelHeight)
     AfterChange();
 }
 
+int ctlEmulator::ScrMode() const { return terminal_->Modes().extended ? 1 : 0; }
+
 void ctlEmulator::SetScrMode(int mode)
 {
-    if (mode == 0)
-        return;
-    if (mode != 1)
+    if (mode != 0 && mode != 1)
         RaiseBadArgument(tr("There is no screen mode %1.").arg(mode));
-    RefuseExtendedScreen();
+    terminal_->ShowExtended(mode == 1);
+    AfterChange();
 }
 
 // --- history

@@ -2,6 +2,7 @@
 
 // Bytes of a host as text for the macro recorder and for programs, whatever pieces they come in.
 
+#include <emulator/engine/hostcharsets.h>
 #include <emulator/engine/terminal.h>
 
 #include <QString>
@@ -16,23 +17,32 @@ class HostText
 public:
     void SetCharset(emu::HostCharset charset)
     {
-        // The PC sets agree with Latin-1 in the letters that prompts are made of.
-        encoding_ = charset == emu::HostCharset::Utf8 ? QStringDecoder::Utf8 : QStringDecoder::Latin1;
-        decoder_ = QStringDecoder(encoding_);
+        charset_ = charset;
+        decoder_ = QStringDecoder(QStringDecoder::Utf8);
     }
     QString Decode(std::string_view bytes)
     {
-        return decoder_.decode(QByteArrayView(bytes.data(), qsizetype(bytes.size())));
+        return charset_ == emu::HostCharset::Utf8 ? QString(decoder_.decode(ViewOf(bytes))) : InCharset(bytes);
     }
     // A text that stands for itself, beside the stream.
     QString DecodeWhole(std::string_view bytes) const
     {
-        return QStringDecoder(encoding_).decode(QByteArrayView(bytes.data(), qsizetype(bytes.size())));
+        return charset_ == emu::HostCharset::Utf8 ? QString::fromUtf8(ViewOf(bytes)) : InCharset(bytes);
     }
 
 private:
-    QStringDecoder::Encoding encoding_ = QStringDecoder::Latin1;
-    QStringDecoder decoder_{QStringDecoder::Latin1};
+    static QByteArrayView ViewOf(std::string_view bytes) { return {bytes.data(), qsizetype(bytes.size())}; }
+    QString InCharset(std::string_view bytes) const
+    {
+        QString text;
+        text.reserve(qsizetype(bytes.size()));
+        for (const char byte : bytes)
+            text += QChar(char16_t(emu::HostPoint(charset_, uint8_t(byte))));
+        return text;
+    }
+
+    emu::HostCharset charset_ = emu::HostCharset::Latin1;
+    QStringDecoder decoder_{QStringDecoder::Utf8};
 };
 
 } // namespace kestrune

@@ -2,31 +2,14 @@
 
 #include "latintext.h"
 
+#include <emulator/engine/hostcharsets.h>
+
 #include <algorithm>
 #include <array>
 
 namespace kestrune {
 
 namespace {
-
-struct CharsetName
-{
-    const char* name;
-    emu::HostCharset charset;
-};
-
-constexpr std::array kCharsets{
-    CharsetName{"UTF-8", emu::HostCharset::Utf8},
-    CharsetName{"UTF8", emu::HostCharset::Utf8},
-    CharsetName{"ISO-8859-1", emu::HostCharset::Latin1},
-    CharsetName{"Latin1", emu::HostCharset::Latin1},
-    CharsetName{"windows-1252", emu::HostCharset::Windows1252},
-    CharsetName{"CP1252", emu::HostCharset::Windows1252},
-    CharsetName{"IBM437", emu::HostCharset::Cp437},
-    CharsetName{"CP437", emu::HostCharset::Cp437},
-    CharsetName{"IBM850", emu::HostCharset::Cp850},
-    CharsetName{"CP850", emu::HostCharset::Cp850},
-};
 
 // A Linux console has spoken UTF-8 since 2.6.24, the PC consoles the character ROM of the IBM PC.
 emu::HostCharset NativeCharset(int termType)
@@ -50,10 +33,7 @@ constexpr std::array kBauds{300, 1200, 2400, 4800, 9600, 14400, 19200, 38400, 57
 
 std::optional<emu::HostCharset> CharsetNamed(const QString& name)
 {
-    const auto* row = std::find_if(kCharsets.begin(), kCharsets.end(), [&](const CharsetName& c) {
-        return name.trimmed().compare(QLatin1StringView(c.name), Qt::CaseInsensitive) == 0;
-    });
-    return row == kCharsets.end() ? std::nullopt : std::optional(row->charset);
+    return emu::FindHostCharset(name.trimmed().toStdString());
 }
 
 emu::HostCharset CharsetOf(const EmulatorSettings& settings)
@@ -62,12 +42,25 @@ emu::HostCharset CharsetOf(const EmulatorSettings& settings)
         .value_or(NativeCharset(settings.Integer(Setting("TermType"))));
 }
 
+std::optional<std::u16string> MappingOf(const EmulatorSettings& settings)
+{
+    const std::string mapping = settings.Text(Setting("CharacterMapping")).toStdString();
+    return mapping.empty() ? std::u16string() : emu::MappedUpperHalf(CharsetOf(settings), mapping);
+}
+
 emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Size size)
 {
     emu::TerminalOptions options;
     options.size = size;
+    options.extended = {settings.Integer(Setting("ExtCols")), settings.Integer(Setting("ExtRows"))};
+    options.startsExtended = settings.Integer(Setting("ScrMode")) == 1;
+    options.pages = settings.Integer(Setting("Pages"));
+    options.messageRows = settings.Integer(Setting("MessageRows"));
     options.historyRows = settings.Integer(Setting("HistoryRows"));
     options.charset = CharsetOf(settings);
+    options.upperHalf = MappingOf(settings).value_or(std::u16string());
+    options.eightBitReplies = settings.Boolean(Setting("Ansi8Bit"));
+    options.ignoreApplicationModes = settings.Boolean(Setting("DisableAppMode"));
     options.autoWrap = !settings.Boolean(Setting("NoAutoWrap"));
     options.applicationCursor = settings.Boolean(Setting("AnsiAppCursor"));
     options.applicationKeypad = settings.Boolean(Setting("AnsiAppKeypad"));

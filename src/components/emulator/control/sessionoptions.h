@@ -11,10 +11,12 @@
 
 namespace kestrune {
 
-// The names of RFC 6365's registry that this system has, without regard to case; nothing: not one of them.
+// The names of the IANA registry that this system has, without regard to case; nothing: not one of them.
 std::optional<emu::HostCharset> CharsetNamed(const QString& name);
 
 emu::HostCharset CharsetOf(const EmulatorSettings& settings);
+// CharacterMapping over the charset's upper half; empty: no mapping; nothing: it cannot be read.
+std::optional<std::u16string> MappingOf(const EmulatorSettings& settings);
 emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Size size);
 LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personality& type, const TerminalSize& size);
 

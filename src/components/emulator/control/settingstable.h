@@ -105,9 +105,9 @@ inline constexpr auto SettingsTable = [] {
         B("LegibleFont"),
         I("NormCols", 80, 1, 1000),
         I("NormRows", 24, 1, 500),
-        I("ExtCols", 132, 1, 1000),
+        I("ExtCols", 132, 1, 1000), // the extended size, which DECCOLM changes to
         I("ExtRows", 24, 1, 500),
-        I("Pages", 1, 1, 32767),
+        I("Pages", 1, 1, 32767), // of memory; more than 32 are 32
         B("GmodeEnable", true),
         B("MouseEnable", true),
         I("ProtectAttr", 16, 0, 63),
@@ -155,7 +155,7 @@ inline constexpr auto SettingsTable = [] {
         I("PrinterOrientation"),
         I("PrinterColorMode"),
         B("PrintScreenBackground"),
-        B("Ansi8Bit"),
+        B("Ansi8Bit"), // what is sent begins with 8-bit controls until the host says otherwise
         B("AnsiAppKeypad"),
         B("AnsiAppCursor"),
         B("NoAutoWrap"),
@@ -168,14 +168,15 @@ inline constexpr auto SettingsTable = [] {
         I("SSHBreakCharacter"),
         B("LockFKeys"), // the host may not define function keys
         I("U2DeviceLicensing"),
-        T("CharacterMapping"),
+        T("CharacterMapping"), // "A4=20AC 80=2022": other characters for bytes of the charset
         B("AnsiAutoPrint"),
         I("SSHAuth"),
         I("SSHVersion"),
         T("SSHKey"),
+        // Rows below the screen for a status line: -1 one while the host has it on, 0 never, else always so many (4).
         I("MessageRows", -1),
-        B("DisableAppMode"),
-        T("Charset"), // UTF-8, ISO-8859-1, windows-1252, IBM437, IBM850; empty: the terminal type's own
+        B("DisableAppMode"), // keys stay as they are when the host asks for application modes
+        T("Charset"), // see emulator/engine/hostcharsets.h; empty: the terminal type's own
         T("BackgroundPictureFile"),
         I("BackgroundPictureMode").DefaultTextInBag(),
         I("BackgroundTransparency").DefaultTextInBag(),

@@ -87,7 +87,6 @@ void SetLeftAndRight(Machine& machine, const ControlSequence& sequence)
     machine.Display().SetSideMargins(sequence.params.Count(0) - 1, right - 1);
 }
 
-// The pages (parameters 5 and 8) are all the one page that there is.
 void Copy(Machine& machine, const ControlSequence& sequence)
 {
     const std::optional<Area> area = AreaFrom(machine, sequence.params, 0);
@@ -100,7 +99,12 @@ void Copy(Machine& machine, const ControlSequence& sequence)
     Area clipped = *area;
     clipped.bottom = std::min(clipped.bottom, clipped.top + to->bottom - place.row);
     clipped.right = std::min(clipped.right, clipped.left + to->right - place.col);
-    machine.Display().CopyArea(clipped, place);
+    // A page that is not named is the one where the cursor stands.
+    const auto page = [&](int index) {
+        const int number = sequence.params.At(index);
+        return number == 0 ? machine.Display().ActivePage() : number - 1;
+    };
+    machine.Display().CopyArea(clipped, page(4), place, page(7));
 }
 
 void Fill(Machine& machine, const ControlSequence& sequence)
@@ -143,8 +147,11 @@ void Checksum(Machine& machine, const ControlSequence& sequence)
 {
     const Params& params = sequence.params;
     uint16_t sum = 0;
+    Screen& screen = machine.Display();
+    const int page = params.At(1); // 0: all of them
     if (const auto area = AreaFrom(machine, params, 2))
-        sum = machine.Display().ChecksumOf(*area);
+        for (int i = page == 0 ? 0 : page - 1; i < (page == 0 ? screen.PageCount() : page); ++i)
+            sum = uint16_t(sum + screen.ChecksumOf(*area, i));
     machine.ReplyDcs(std::to_string(params.At(0)) + "!~" + HexWord(uint16_t(-sum)));
 }
 

@@ -63,8 +63,11 @@ void Screen::Sweep()
     std::vector<bool> styles(styles_.Size(), false);
     std::vector<bool> clusters(clusters_.Size(), false);
     std::vector<bool> links(LinkTable::Max + 1, false);
-    for (const Page* page : {main_.get(), alternate_.get()})
-        for (int row = 0; row < page->Extent().rows; ++row)
+    std::vector<const Page*> pages{main_.get(), alternate_.get(), status_.get()};
+    for (const auto& page : others_)
+        pages.push_back(page.get());
+    for (const Page* page : pages)
+        for (int row = 0; page != nullptr && row < page->Extent().rows; ++row)
             MarkRow(page->At(row), styles, clusters);
     history_.VisitLooks([&](const Row& row) { MarkRow(row, styles, clusters); });
     styles[penId_] = true;
@@ -75,7 +78,7 @@ void Screen::Sweep()
         if (styles[id])
             links[styles_.At(StyleId(id)).link] = true;
     history_.VisitStyles([&](const Style& style) { links[style.link] = true; });
-    for (const CursorState* state : {&cursor_, &saved_[0], &saved_[1]})
+    for (const CursorState* state : {&cursor_, &aside_.cursor, &saved_[0], &saved_[1], &saved_[2]})
         links[state->pen.link] = true;
 
     styles_.Keep(styles);

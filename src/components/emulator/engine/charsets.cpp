@@ -5,21 +5,6 @@
 namespace kestrune::emu {
 namespace {
 
-// U+2426 stands where a set has no character.
-constexpr std::u16string_view kCp437 = u"ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜ¢£¥₧ƒ"
-                                       u"áíóúñÑªº¿⌐¬½¼¡«»░▒▓│┤╡╢╖╕╣║╗╝╜╛┐"
-                                       u"└┴┬├─┼╞╟╚╔╩╦╠═╬╧╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀"
-                                       u"αßΓπΣσµτΦΘΩδ∞φε∩≡±≥≤⌠⌡÷≈°∙·√ⁿ²■\u00A0";
-constexpr std::u16string_view kCp850 = u"ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜø£Ø×ƒ"
-                                       u"áíóúñÑªº¿®¬½¼¡«»░▒▓│┤ÁÂÀ©╣║╗╝¢¥┐"
-                                       u"└┴┬├─┼ãÃ╚╔╩╦╠═╬¤ðÐÊËÈıÍÎÏ┘┌█▄¦Ì▀"
-                                       u"ÓßÔÒõÕµþÞÚÛÙýÝ¯´\u00AD±‗¾¶§÷¸°¨·¹³²■\u00A0";
-constexpr std::u16string_view kWindows1252 = u"€␦‚ƒ„…†‡ˆ‰Š‹Œ␦Ž␦␦‘’“”•–—˜™š›œ␦žŸ"
-                                             u"\u00A0¡¢£¤¥¦§¨©ª«¬\u00AD®¯°±²³´µ¶·¸¹º»¼½¾¿"
-                                             u"ÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏÐÑÒÓÔÕÖ×ØÙÚÛÜÝÞß"
-                                             u"àáâãäåæçèéêëìíîïðñòóôõö÷øùúûüýþÿ";
-static_assert(kCp437.size() == 128 && kCp850.size() == 128 && kWindows1252.size() == 128);
-
 constexpr std::u16string_view kControlPictures = // what a PC's ROM draws for 0x01 to 0x1F
     u"☺☻♥♦♣♠•◘○◙♂♀♪♫☼►◄↕‼¶§▬↨↑↓→←∟↔▲▼";
 
@@ -118,22 +103,6 @@ static_assert(kSets[2].designator == "0" && kSets[5].designator == "<", "these a
 
 constexpr CharacterSet kUpperHalf{"", Set96, kAll, Latin1Glyphs()};
 
-std::u16string_view UpperOf(HostCharset charset)
-{
-    switch (charset) {
-    case HostCharset::Cp437:
-        return kCp437;
-    case HostCharset::Cp850:
-        return kCp850;
-    case HostCharset::Windows1252:
-        return kWindows1252;
-    case HostCharset::Utf8:
-    case HostCharset::Latin1:
-        break;
-    }
-    return {};
-}
-
 } // namespace
 
 const CharacterSet& AsciiSet() { return kSets[0]; }
@@ -149,12 +118,6 @@ const CharacterSet* FindCharacterSet(std::string_view designator, bool wide96, D
     return nullptr;
 }
 
-char32_t HostPoint(HostCharset charset, uint8_t byte)
-{
-    const std::u16string_view upper = UpperOf(charset);
-    return byte < 0x80 || upper.empty() ? char32_t(byte) : char32_t(upper[byte - 0x80u]);
-}
-
 char32_t RomGlyph(uint8_t byte)
 {
     if (byte != 0 && byte <= kControlPictures.size())
@@ -162,19 +125,17 @@ char32_t RomGlyph(uint8_t byte)
     return byte == 0x7F ? U'\u2302' : HostPoint(HostCharset::Cp437, byte);
 }
 
-bool CharsetAllowsC1(HostCharset charset) { return charset == HostCharset::Latin1; }
-
-std::string EncodeForHost(HostCharset charset, char32_t point)
+std::string EncodeForHost(HostCharset charset, std::u16string_view upperHalf, char32_t point)
 {
     if (charset == HostCharset::Utf8)
         return ToUtf8(point);
     if (point < 0x80)
         return std::string(1, char(point));
-    const std::u16string_view upper = UpperOf(charset);
-    if (upper.empty())
-        return std::string(1, point >= 0xA0 && point <= 0xFF ? char(point) : '?');
-    const size_t place = point <= 0xFFFF && point != 0x2426 ? upper.find(char16_t(point)) : upper.npos;
-    return std::string(1, place == upper.npos ? '?' : char(0x80 + place));
+    constexpr char32_t none = 0x2426;
+    for (unsigned byte = CharsetAllowsC1(charset) ? 0xA0 : 0x80; byte <= 0xFF && point != none; ++byte)
+        if (point == (upperHalf.size() != 128 ? HostPoint(charset, uint8_t(byte)) : char32_t(upperHalf[byte - 0x80])))
+            return std::string(1, char(byte));
+    return "?";
 }
 
 std::string ToUtf8(char32_t point)

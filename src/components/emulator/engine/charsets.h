@@ -2,6 +2,7 @@
 
 // Bytes and characters: the host's encodings, the graphic sets that a host designates into G0 to G3, UTF-8.
 
+#include <emulator/engine/hostcharsets.h>
 #include <emulator/engine/personality.h>
 #include <emulator/engine/terminal.h>
 
@@ -35,10 +36,9 @@ const CharacterSet& SupplementalSet(); // DEC multinational, upper half
 const CharacterSet& UpperHalfSet();
 const CharacterSet* FindCharacterSet(std::string_view designator, bool wide96, Dialects dialects); // nullptr: unknown
 
-char32_t HostPoint(HostCharset charset, uint8_t byte);          // of an 8-bit encoding; Utf8 reads as Latin-1
-char32_t RomGlyph(uint8_t byte);                                // what a PC draws for a byte, controls included
-bool CharsetAllowsC1(HostCharset charset);                      // 0x80 to 0x9F are not characters in it
-std::string EncodeForHost(HostCharset charset, char32_t point); // '?' for what it lacks
+char32_t RomGlyph(uint8_t byte); // what a PC draws for a byte, controls included
+// '?' for what it lacks. upperHalf: see TerminalOptions.
+std::string EncodeForHost(HostCharset charset, std::u16string_view upperHalf, char32_t point);
 
 inline constexpr char32_t ReplacementPoint = 0xFFFD;
 

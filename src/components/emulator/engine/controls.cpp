@@ -222,13 +222,24 @@ void TertiaryAttributes(Machine& m, const ControlSequence& s)
 void ColumnsPerPage(Machine& m, const ControlSequence& s)
 {
     if (const int columns = s.params.At(0); columns == 0 || columns == 80 || columns == 132)
-        m.FitColumns(columns == 132);
+        m.FitSize(columns == 132);
 }
 
-void DisplayedExtent(Machine& m, const ControlSequence&) // all of the one page
+void DisplayedExtent(Machine& m, const ControlSequence&) // all of the page that is shown
 {
-    const Size size = m.Display().Extent();
-    m.ReplyControl(std::to_string(size.rows) + ';' + std::to_string(size.cols) + ";1;1;1\"w");
+    const Size size = m.Display().ScreenExtent();
+    m.ReplyControl(std::to_string(size.rows) + ';' + std::to_string(size.cols) + ";1;1;" +
+                   std::to_string(m.Display().ShownPage() + 1) + "\"w");
+}
+
+// NP and PP, to the upper left corner of another page. Where there is but one they do nothing.
+void StepPages(Machine& m, int count)
+{
+    Screen& screen = m.Display();
+    if (screen.PageCount() == 1 || screen.IsAlternate() || screen.IsOnStatusLine())
+        return;
+    screen.GoToPage(screen.ActivePage() + count);
+    screen.MoveTo(0, 0);
 }
 
 using Seq = const ControlSequence&;
@@ -313,6 +324,21 @@ constexpr ControlRow kControls[] = {
     {"*y", "DECRQCRA", Vt420, areas::Checksum},
     {"$|", "DECSCPP", Vt320, ColumnsPerPage},
     {"\"v", "DECRQDE", Vt420, DisplayedExtent},
+    {"U", "NP", Vt420, [](Machine& m, Seq s) { StepPages(m, s.params.Count(0)); }},
+    {"V", "PP", Vt420, [](Machine& m, Seq s) { StepPages(m, -s.params.Count(0)); }},
+    {" P", "PPA", Vt420, [](Machine& m, Seq s) { m.Display().GoToPage(s.params.Count(0) - 1); }},
+    {" Q", "PPR", Vt420, [](Machine& m, Seq s) { m.Display().GoToPage(m.Display().ActivePage() + s.params.Count(0)); }},
+    {" R", "PPB", Vt420, [](Machine& m, Seq s) { m.Display().GoToPage(m.Display().ActivePage() - s.params.Count(0)); }},
+    {"$~", "DECSSDT", Vt320,
+     [](Machine& m, Seq s) {
+         if (s.params.At(0) <= int(StatusKind::HostWritable))
+             m.SelectStatusKind(StatusKind(s.params.At(0)));
+     }},
+    {"$}", "DECSASD", Vt320,
+     [](Machine& m, Seq s) {
+         if (s.params.At(0) <= 1)
+             m.SelectStatusDisplay(s.params.At(0) == 1);
+     }},
     {"*z", "DECINVM", Vt420, [](Machine& m, Seq s) { m.InvokeMacro(s.params.At(0)); }},
     {"$w", "DECRQPSR", Vt320, presentation::Report},
     {"&u", "DECRQUPSS", Vt320, presentation::ReportPreferredSet},

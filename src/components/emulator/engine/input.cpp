@@ -6,15 +6,17 @@
 namespace kestrune::emu {
 namespace {
 
-bool Applies(KeyWhen when, const Modes& modes)
+bool Applies(KeyWhen when, const Machine& machine)
 {
+    const Modes& modes = machine.Switches();
+    const bool counts = !machine.IgnoresApplicationModes();
     switch (when) {
     case KeyWhen::Always:
         return true;
     case KeyWhen::ApplicationCursor:
-        return modes.Has(Mode::CursorKeys);
+        return counts && modes.Has(Mode::CursorKeys);
     case KeyWhen::ApplicationKeypad:
-        return modes.Has(Mode::NumericKeypad);
+        return counts && modes.Has(Mode::NumericKeypad);
     }
     return false;
 }
@@ -25,7 +27,7 @@ std::optional<std::string_view> FindKey(const Machine& machine, Key key, uint8_t
     const bool inVt52Mode = machine.IsVt52() && !type.vt52Keys.empty();
     for (const KeyTable table : inVt52Mode ? type.vt52Keys : type.keys)
         for (const KeyRow& row : table)
-            if (row.key == key && row.modifiers == modifiers && Applies(row.when, machine.Switches()))
+            if (row.key == key && row.modifiers == modifiers && Applies(row.when, machine))
                 return row.bytes;
     return std::nullopt;
 }
@@ -201,7 +203,7 @@ std::string MouseToBytes(const Machine& machine, const MouseAction& action)
     const Modes& modes = machine.Switches();
     if (machine.View().mouse == MouseReport::None || !IsReported(modes, action))
         return {};
-    const Size size = machine.Display().Extent();
+    const Size size = machine.Display().ScreenExtent();
     Report report{ButtonCode(action.button), std::clamp(action.col, 0, size.cols - 1) + 1,
                   std::clamp(action.row, 0, size.rows - 1) + 1, action.kind == MouseKind::Release};
     if (modes.Has(Mode::MouseX10))
@@ -234,7 +236,7 @@ std::string PasteToBytes(const Machine& machine, std::string_view utf8)
         if (point == U'\r' || (point == U'\n' && !secondOfLineEnd))
             out += '\r';
         else if (point == U'\t' || (point >= 0x20 && !(point >= 0x7F && point < 0xA0)))
-            out += EncodeForHost(machine.Charset(), point);
+            out += machine.Encoded(point);
     }
     if (!machine.Switches().Has(Mode::BracketedPaste))
         return out;
@@ -245,7 +247,7 @@ std::string TextToBytes(const Machine& machine, std::string_view utf8)
 {
     std::string out;
     for (const char32_t point : FromUtf8(utf8))
-        out += EncodeForHost(machine.Charset(), point);
+        out += machine.Encoded(point);
     return out;
 }
 

@@ -67,20 +67,20 @@ std::u32string Printable(std::string_view utf8)
 
 void Machine::PutText(Position at, std::string_view utf8, const Style& style)
 {
-    screen_.PlaceText(Inside(at, screen_.Extent()), Printable(utf8), style);
+    screen_.OnScreen([&] { screen_.PlaceText(Inside(at, screen_.Extent()), Printable(utf8), style); });
     Changed();
 }
 
 void Machine::EraseArea(Position from, Position to, const Style& style)
 {
-    const Size size = screen_.Extent();
-    screen_.PlaceBlanks(Inside(from, size), Inside(to, size), style);
+    const Size size = screen_.ScreenExtent();
+    screen_.OnScreen([&] { screen_.PlaceBlanks(Inside(from, size), Inside(to, size), style); });
     Changed();
 }
 
 void Machine::MoveCursor(Position to)
 {
-    screen_.PlaceCursor(Inside(to, screen_.Extent()));
+    screen_.OnScreen([&] { screen_.PlaceCursor(Inside(to, screen_.Extent())); });
     Changed();
 }
 
@@ -91,6 +91,9 @@ void Machine::PrintNotice(std::string_view utf8)
         SwitchAlternate(false, Mode::AlternateScreenSaved);
     const bool wasLocked = modes_.Has(Mode::KeyboardAction);
     SoftReset();
+    SelectStatusKind(StatusKind::None);
+    modes_.Set(Mode::PageCoupling, true);
+    screen_.ShowActivePage();
     // Soft reset leaves these as they are; the next host must find them as at power-up.
     modes_.Set(Mode::Ansi, true);
     modes_.Set(Mode::AutoWrap, options_.autoWrap);

@@ -38,11 +38,13 @@ constexpr uint32_t kAlwaysControls = 0x0800F501u;
 
 Machine::Machine(const TerminalOptions& options, const Personality& personality, TerminalListener& listener)
     : options_(options), personality_(&personality), listener_(listener), screen_(Clamped(options.size), modes_),
-      charset_(options.charset), normalCols_(Clamped(options.size).cols)
+      charset_(options.charset), normalSize_(Clamped(options.size))
 {
     screen_.Scrollback().SetLimit(options.historyRows);
+    screen_.SetPageCount(options.pages);
     options_.answerBack.resize(std::min(options_.answerBack.size(), kMaxAnswerBack));
     PowerUp();
+    FitSize(options_.startsExtended);
 }
 
 // --- the public door
@@ -58,6 +60,8 @@ void Machine::Receive(std::string_view bytes)
 void Machine::Changed()
 {
     ++screen_.Clock();
+    if (statusKind_ == StatusKind::Indicator)
+        UpdateIndicator();
     if (const int rows = screen_.TakeHistoryAdded(); rows > 0)
         listener_.HistoryAdded(rows);
 }
@@ -65,13 +69,38 @@ void Machine::Changed()
 void Machine::Resize(Size size)
 {
     size = Clamped(size);
-    if (!modes_.Has(Mode::Columns132))
-        normalCols_ = size.cols;
-    if (size == screen_.Extent())
+    normalSize_ = size;
+    FitSize(modes_.Has(Mode::Columns132));
+}
+
+Size Machine::ExtendedSize() const
+{
+    const Size size = options_.extended;
+    return Clamped({size.cols, size.rows == 0 ? normalSize_.rows : size.rows});
+}
+
+void Machine::FitSize(bool extended)
+{
+    modes_.Set(Mode::Columns132, extended);
+    const Size size = extended ? ExtendedSize() : normalSize_;
+    if (size == screen_.ScreenExtent())
         return;
     screen_.Resize(size);
     Changed();
     listener_.ScreenSizeChanged(size);
+}
+
+void Machine::ShowExtended(bool on)
+{
+    FitSize(on);
+    Changed();
+}
+
+void Machine::SetPage(int page)
+{
+    screen_.OnScreen([&] { screen_.GoToPage(page); });
+    screen_.ShowActivePage();
+    Changed();
 }
 
 void Machine::SetCharset(HostCharset charset)
@@ -85,12 +114,19 @@ void Machine::SetOptions(const TerminalOptions& options)
 {
     if (options.cursor != options_.cursor)
         cursorShape_ = options.cursor;
+    const bool startsExtended = options_.startsExtended;
+    if (options.eightBitReplies != options_.eightBitReplies)
+        eightBitReplies_ = options.eightBitReplies;
     options_ = options;
     options_.answerBack.resize(std::min(options_.answerBack.size(), kMaxAnswerBack));
     TakeKeyOptions();
     modes_.Set(Mode::AutoWrap, options.autoWrap);
     screen_.Scrollback().SetLimit(options.historyRows);
     SetCharset(options.charset);
+    screen_.SetPageCount(options.pages);
+    FitStatusRows();
+    if (startsExtended != options.startsExtended)
+        modes_.Set(Mode::Columns132, options.startsExtended);
     Resize(options.size);
 }
 
@@ -99,9 +135,12 @@ void Machine::SelectPersonality(const Personality& personality)
     personality_ = &personality;
     SoftReset();
     modes_.Set(Mode::Ansi, true);
+    modes_.Set(Mode::PageCoupling, true);
+    screen_.ShowActivePage();
+    SelectStatusKind(StatusKind::None);
     TakeKeyOptions();
     level_ = personality.level;
-    eightBitReplies_ = false;
+    eightBitReplies_ = options_.eightBitReplies;
     romFont_ = RomFont::Off;
     screen_.SetWrapStyle(personality.wrap);
     UpdateRules();
@@ -110,8 +149,8 @@ void Machine::SelectPersonality(const Personality& personality)
 
 void Machine::HardReset()
 {
-    if (modes_.Has(Mode::Columns132))
-        Resize({normalCols_, screen_.Extent().rows});
+    screen_.SelectStatusLine(false);
+    FitSize(options_.startsExtended);
     const bool wasLocked = modes_.Has(Mode::KeyboardAction);
     PowerUp();
     Changed();
@@ -125,10 +164,11 @@ void Machine::PowerUp()
     for (const ModeRow& row : ModeRows())
         modes_.Set(row.mode, row.initially);
     modes_.Set(Mode::AutoPrint, false);
+    modes_.Set(Mode::Columns132, options_.startsExtended);
     TakeKeyOptions();
     modes_.Set(Mode::AutoWrap, options_.autoWrap);
     level_ = personality_->level;
-    eightBitReplies_ = false;
+    eightBitReplies_ = options_.eightBitReplies;
     singleShift_ = -1;
     romFont_ = RomFont::Off;
     cursorShape_ = options_.cursor;
@@ -142,6 +182,8 @@ void Machine::PowerUp()
     printing_ = false;
     screen_.SetWatcher(nullptr);
     screen_.SetWrapStyle(personality_->wrap);
+    statusKind_ = StatusKind::None;
+    FitStatusRows();
     screen_.HardReset();
     UpdateRules();
 }
@@ -175,6 +217,14 @@ bool Machine::IsVt52() const
     return (personality_->dialects & Dialect::Common) == 0 ? (personality_->dialects & Dialect::Vt52) != 0
                                                            : !modes_.Has(Mode::Ansi);
 }
+
+char32_t Machine::PointOf(uint8_t byte) const
+{
+    const std::u16string& upper = options_.upperHalf;
+    return byte >= 0x80 && upper.size() == 128 ? char32_t(upper[byte - 0x80u]) : HostPoint(charset_, byte);
+}
+
+std::string Machine::Encoded(char32_t point) const { return EncodeForHost(charset_, options_.upperHalf, point); }
 
 bool Machine::SendsEightBit() const { return eightBitReplies_ && level_ >= 2 && parser_.Rules().c1; }
 
@@ -260,19 +310,10 @@ void Machine::SetMode(const ModeRow& row, bool on)
         row.changed(*this, on);
 }
 
-void Machine::FitColumns(bool to132)
-{
-    modes_.Set(Mode::Columns132, to132);
-    const int cols = to132 ? 132 : normalCols_;
-    if (cols != screen_.Extent().cols) {
-        screen_.Resize({cols, screen_.Extent().rows});
-        listener_.ScreenSizeChanged(screen_.Extent());
-    }
-}
-
 void Machine::SetColumns132(bool on)
 {
-    FitColumns(on);
+    screen_.SelectStatusLine(false);
+    FitSize(on);
     modes_.Set(Mode::SideMargins, false);
     screen_.ResetMargins();
     screen_.ClearPage();
@@ -282,6 +323,7 @@ void Machine::SetColumns132(bool on)
 // when it is entered.
 void Machine::SwitchAlternate(bool on, Mode how)
 {
+    screen_.SelectStatusLine(false);
     const bool saved = how == Mode::AlternateScreenSaved;
     if (on != screen_.IsAlternate()) {
         if (on && saved)
@@ -338,7 +380,7 @@ char32_t Machine::GraphicFor(uint8_t byte) const
     const CharsetState& sets = screen_.Cursor().charsets;
     const CharacterSet& set = *sets.g[size_t(byte < 0x80 ? sets.gl : sets.gr)];
     if (&set == &UpperHalfSet())
-        return HostPoint(charset_, byte | 0x80);
+        return PointOf(byte | 0x80);
     return set.glyphs[size_t(byte & 0x7F) - 0x20];
 }
 
@@ -346,8 +388,7 @@ void Machine::WriteThrough(const CharacterSet& set, std::span<const uint8_t> run
 {
     const bool upper = &set == &UpperHalfSet();
     for (const uint8_t byte : run) {
-        const char32_t point =
-            upper ? HostPoint(charset_, byte | 0x80) : char32_t(set.glyphs[size_t(byte & 0x7F) - 0x20]);
+        const char32_t point = upper ? PointOf(byte | 0x80) : char32_t(set.glyphs[size_t(byte & 0x7F) - 0x20]);
         screen_.WritePoints({&point, 1});
     }
 }
@@ -380,7 +421,7 @@ void Machine::HighBytes(std::span<const uint8_t> run)
     CharsetState& sets = screen_.Charsets();
     const CharacterSet& set = *sets.g[size_t(sets.gr)];
     for (const uint8_t byte : run) {
-        char32_t point = HostPoint(charset_, byte);
+        char32_t point = PointOf(byte);
         if (romFont_ != RomFont::Off)
             point = RomGlyph(byte);
         else if (byte >= 0xA0 && &set != &UpperHalfSet())
@@ -403,6 +444,17 @@ void Machine::Execute(uint8_t control)
         CharacterRows()[row - 1u].run(*this);
     else if (control == 0x1A)
         Aborted(control);
+}
+
+void Machine::Delete() // a character when a set of 96 is in GL (ISO 2022), else nothing
+{
+    const CharsetState& sets = screen_.Charsets();
+    const CharacterSet& set = *sets.g[size_t(singleShift_ >= 0 ? singleShift_ : sets.gl)];
+    if (set.kind != CharacterSet::Kind::Set96)
+        return;
+    singleShift_ = -1;
+    constexpr uint8_t last = 0x7F;
+    WriteThrough(set, {&last, 1});
 }
 
 void Machine::LineEnd() // also under LNM, whose second return changes nothing
@@ -455,8 +507,9 @@ ModesView Machine::View() const
     view.applicationCursor = modes_.Has(Mode::CursorKeys);
     view.applicationKeypad = modes_.Has(Mode::NumericKeypad);
     view.alternateScreen = screen_.IsAlternate();
+    view.extended = modes_.Has(Mode::Columns132);
     view.reverseScreen = modes_.Has(Mode::ReverseScreen);
-    view.cursorVisible = modes_.Has(Mode::CursorVisible);
+    view.cursorVisible = modes_.Has(Mode::CursorVisible) && screen_.ActivePage() == screen_.ShownPage();
     view.bracketedPaste = modes_.Has(Mode::BracketedPaste);
     view.focusReports = modes_.Has(Mode::FocusReports);
     view.newLine = modes_.Has(Mode::NewLine);

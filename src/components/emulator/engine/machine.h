@@ -22,6 +22,13 @@ enum class RomFont : uint8_t
     HighHalf  // 0x20 to 0x7E are drawn as 0xA0 to 0xFE
 };
 
+enum class StatusKind : uint8_t // DECSSDT
+{
+    None,
+    Indicator, // the terminal's own: page and place of the cursor
+    HostWritable
+};
+
 // Palette places beyond the 256 colours.
 inline constexpr int PaletteForeground = 256;
 inline constexpr int PaletteBackground = 257;
@@ -36,6 +43,9 @@ public:
     // --- the public door, see terminal.h
     void Receive(std::string_view bytes);
     void Resize(Size size);
+    void ShowExtended(bool on);
+    void SetPage(int page);
+    Size NormalSize() const { return normalSize_; }
     void SetCharset(HostCharset charset);
     void SetOptions(const TerminalOptions& options);
     void SelectPersonality(const Personality& personality);
@@ -55,6 +65,9 @@ public:
     const Personality& Type() const { return *personality_; }
     TerminalListener& Listener() { return listener_; }
     HostCharset Charset() const { return charset_; }
+    char32_t PointOf(uint8_t byte) const;      // in the host's encoding, as the user has mapped it
+    std::string Encoded(char32_t point) const; // the other way round
+    bool IgnoresApplicationModes() const { return options_.ignoreApplicationModes; }
     Dialects Speaks() const { return speaks_; }
     bool Speaks(Dialects any) const { return (speaks_ & any) != 0; }
     bool IsVt52() const;
@@ -94,7 +107,10 @@ public:
     CursorShape Shape() const { return cursorShape_; }
     void UpdateRules(); // after a change of type, level, charset or VT52 mode
     void SetColumns132(bool on);
-    void FitColumns(bool to132); // DECSCPP: the same with nothing cleared
+    void FitSize(bool extended); // DECSCPP: the same with nothing cleared
+    StatusKind StatusLine() const { return statusKind_; }
+    void SelectStatusKind(StatusKind kind); // DECSSDT
+    void SelectStatusDisplay(bool on);      // DECSASD
     void SwitchAlternate(bool on, Mode how);
     void ReportStatus(const ControlSequence& sequence);
     void ReportMode(const ControlSequence& sequence);
@@ -102,6 +118,7 @@ public:
     // --- printing
     void MediaCopy(int selector, bool isPrivate);
     void PrintRows(int from, int to, bool formFeed);
+    void PrintAllPages();
     void StartPrinterController();
 
     // --- ParserSink
@@ -109,6 +126,7 @@ public:
     void HighBytes(std::span<const uint8_t> run) override;
     void Points(std::span<const char32_t> run) override { screen_.WritePoints(run); }
     void Execute(uint8_t control) override;
+    void Delete() override;
     void LineEnd() override;
     void Aborted(uint8_t by) override;
     void Escape(char intermediate, char final) override;
@@ -126,6 +144,9 @@ private:
 
     void PowerUp();
     void TakeKeyOptions();
+    Size ExtendedSize() const;
+    void FitStatusRows();
+    void UpdateIndicator();
     void BuildIndex();
     void Changed(); // tells what one call did
     void WriteThrough(const CharacterSet& set, std::span<const uint8_t> run);
@@ -160,7 +181,9 @@ private:
     ChangeExtent attributeExtent_ = ChangeExtent::Stream;
     RomFont romFont_ = RomFont::Off;
     CursorShape cursorShape_ = CursorShape::BlinkBlock;
-    int normalCols_;
+    Size normalSize_;
+    StatusKind statusKind_ = StatusKind::None;
+    std::u32string indicator_; // as it stands
     bool printing_ = false;
     int printerState_ = 0;
     std::array<uint32_t, PaletteSize> palette_{};

@@ -18,6 +18,11 @@ void HomeCursor(Machine& m, bool) { m.Display().MoveTo(0, 0); }
 void LockKeyboard(Machine& m, bool on) { m.Listener().KeyboardLockChanged(on); }
 void SwitchToVt52(Machine& m, bool) { m.UpdateRules(); }
 void Columns(Machine& m, bool on) { m.SetColumns132(on); }
+void FollowPage(Machine& m, bool on)
+{
+    if (on)
+        m.Display().ShowActivePage();
+}
 
 constexpr ModeRow kModes[] = {
     // number, private, mode, mnemonic, dialects, initially, soft reset, group, what else
@@ -42,7 +47,7 @@ constexpr ModeRow kModes[] = {
     {25, true, Mode::CursorVisible, "DECTCEM", Vt220 | Linux | Ansi | Sco | Extension, true, On, 0, nullptr},
     {42, true, Mode::NationalSets, "DECNRCM", Vt220, false, Off, 0, nullptr},
     {61, true, Mode::VerticalCoupling, "DECVCCM", Vt420, true, Keep, 0, nullptr},
-    {64, true, Mode::PageCoupling, "DECPCCM", Vt420, true, Keep, 0, nullptr},
+    {64, true, Mode::PageCoupling, "DECPCCM", Vt420, true, Keep, 0, FollowPage},
     {66, true, Mode::NumericKeypad, "DECNKM", kDecLevel3, false, Off, 0, nullptr},
     {67, true, Mode::BackspaceSendsBs, "DECBKM", Vt220, false, Keep, 0, nullptr},
     {68, true, Mode::DataProcessingKeys, "DECKBUM", kDecLevel3, false, Keep, 0, nullptr},

@@ -226,8 +226,11 @@ Parser::Bytes Parser::Ground(Bytes at, Bytes end)
                     return Csi(at + 1, end);
                 }
                 Anywhere(byte);
-            } else if (byte != kDelete)
+            } else if (byte == kDelete) {
+                sink_.Delete();
+            } else {
                 sink_.Execute(byte);
+            }
         }
         if (state_ != State::Ground)
             return at;

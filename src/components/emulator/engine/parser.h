@@ -92,6 +92,7 @@ public:
     virtual void HighBytes(std::span<const uint8_t> run) = 0; // 8-bit encodings: from 0x80 or 0xA0
     virtual void Points(std::span<const char32_t> run) = 0;   // UTF-8, from U+00A0
     virtual void Execute(uint8_t control) = 0;                // C0
+    virtual void Delete() {}                                  // 0x7F in the text: the last place of a set of 96
     virtual void LineEnd()                                    // CR and LF, one right after the other
     {
         Execute('\r');

@@ -69,7 +69,8 @@ std::string CursorInformation(const Machine& machine)
         sizes |= IsWide(set) ? 1 << i : 0;
         names += set.designator.empty() ? kUpperHalfName : set.designator;
     }
-    std::string out = std::to_string(cursor.row + 1) + ';' + std::to_string(cursor.col + 1) + ";1;";
+    std::string out = std::to_string(cursor.row + 1) + ';' + std::to_string(cursor.col + 1) + ';' +
+                      std::to_string(machine.Display().ActivePage() + 1) + ';';
     for (const int bits : {rendition, cursor.pen.attributes & Attr::Protected ? 1 : 0, flags})
         (out += AsFlags(bits)) += ';';
     out += std::to_string(cursor.charsets.gl) + ';' + std::to_string(cursor.charsets.gr) + ';';
@@ -115,13 +116,14 @@ void RestoreCursor(Machine& machine, std::string_view body)
         field = NextField(body, ';');
     const auto row = Number(fields[0], 1, screen.Extent().rows);
     const auto col = Number(fields[1], 1, screen.Extent().cols);
+    const auto page = Number(fields[2], 1, screen.PageCount());
     const auto rendition = Flags(fields[3]);
     const auto attribute = Flags(fields[4]);
     const auto flags = Flags(fields[5]);
     const auto gl = Number(fields[6], 0, 3);
     const auto gr = Number(fields[7], 0, 3);
     const auto sizes = Flags(fields[8]);
-    if (!row || !col || !rendition || !attribute || !flags || !gl || !gr || !sizes)
+    if (!row || !col || !page || !rendition || !attribute || !flags || !gl || !gr || !sizes)
         return;
     const auto charsets = Charsets(machine, *gl, *gr, *sizes, body);
     if (!charsets)
@@ -130,6 +132,7 @@ void RestoreCursor(Machine& machine, std::string_view body)
     CursorState state = screen.Cursor();
     state.row = *row - 1;
     state.col = *col - 1;
+    state.page = *page - 1;
     state.pendingWrap = (*flags & kWrapFlag) != 0 && *col == screen.Extent().cols;
     state.pen = Style{};
     state.pen.underline = *rendition & kUnderlineFlag ? Underline::Single : Underline::None;

@@ -14,9 +14,9 @@ std::string PrintedRow(const Screen& screen, const Row& row, HostCharset charset
             continue;
         if (cell.text & Cell::ClusterBit)
             for (const char32_t point : screen.ClusterOf(cell.text))
-                out += EncodeForHost(charset, point);
+                out += EncodeForHost(charset, {}, point);
         else
-            out += EncodeForHost(charset, cell.text == 0 ? U' ' : char32_t(cell.text));
+            out += EncodeForHost(charset, {}, cell.text == 0 ? U' ' : char32_t(cell.text));
         if (out.back() != ' ')
             length = out.size();
     }
@@ -28,7 +28,7 @@ std::string PrintedRow(const Screen& screen, const Row& row, HostCharset charset
 
 void Machine::MediaCopy(int selector, bool isPrivate)
 {
-    const int rows = screen_.Extent().rows;
+    const int rows = screen_.Extent().rows; // of what the host works on, shown or not
     if (!isPrivate) {
         const bool whole = modes_.Has(Mode::PrintWholeScreen);
         if (selector == 0)
@@ -49,8 +49,10 @@ void Machine::MediaCopy(int selector, bool isPrivate)
         TellPrinterState();
         break;
     case 10:
-    case 11: // one page, so all pages are this one
         PrintRows(0, rows - 1, modes_.Has(Mode::PrintFormFeed));
+        break;
+    case 11:
+        PrintAllPages();
         break;
     default:
         break;
@@ -61,9 +63,22 @@ void Machine::PrintRows(int from, int to, bool formFeed)
 {
     std::string out;
     for (int row = from; row <= to; ++row)
-        out += PrintedRow(screen_, screen_.RowAt(row), charset_);
+        out += PrintedRow(screen_, screen_.HostRow(row), charset_);
     if (formFeed)
         out += '\f';
+    listener_.PrinterData(out);
+}
+
+void Machine::PrintAllPages()
+{
+    std::string out;
+    for (int number = 0; number < screen_.PageCount(); ++number) {
+        const Page* page = screen_.UsedPage(number);
+        for (int row = 0; page != nullptr && row < page->Extent().rows; ++row)
+            out += PrintedRow(screen_, page->At(row), charset_);
+        if (page != nullptr && modes_.Has(Mode::PrintFormFeed))
+            out += '\f';
+    }
     listener_.PrinterData(out);
 }
 
@@ -85,7 +100,11 @@ void Machine::PrinterEnds()
     TellPrinterState();
 }
 
-void Machine::LineLeft(int row) { listener_.PrinterData(PrintedRow(screen_, screen_.RowAt(row), charset_)); }
+void Machine::LineLeft(int row)
+{
+    if (!screen_.IsOnStatusLine())
+        listener_.PrinterData(PrintedRow(screen_, screen_.HostRow(row), charset_));
+}
 
 void Machine::TellPrinterState()
 {

@@ -39,15 +39,18 @@ uint16_t CodeOf(char32_t point)
 
 Area Screen::Addressable() const { return {Top(), Left(), Bottom(), Right()}; }
 
-void Screen::CopyArea(const Area& area, Position to)
+void Screen::CopyArea(const Area& area, int fromPage, Position to, int toPage)
 {
+    const bool isMemory = !isAlternate_ && !onStatus_; // these two have no other page beside them
+    const Page& source = isMemory ? MemoryPage(std::clamp(fromPage, 0, pageCount_ - 1)) : P();
+    Page& target = isMemory ? MemoryPage(std::clamp(toPage, 0, pageCount_ - 1)) : P();
     const int rows = std::min(area.bottom - area.top, Extent().rows - to.row);
     const bool downwards = to.row > area.top; // the areas may overlap: start where nothing is still needed
     for (int i = 0; i < rows; ++i) {
         const int row = downwards ? rows - 1 - i : i;
-        const int cols = std::min(area.right - area.left, P().Columns(to.row + row) - to.col);
+        const int cols = std::min(area.right - area.left, target.Columns(to.row + row) - to.col);
         if (cols > 0)
-            P().CopyCells(P(), {area.left, area.top + row}, {to.col, to.row + row}, cols);
+            target.CopyCells(source, {area.left, area.top + row}, {to.col, to.row + row}, cols);
     }
 }
 
@@ -84,14 +87,15 @@ void Screen::ChangeArea(const Area& area, ChangeExtent extent, const std::functi
 }
 
 // EK-VT420-RM: blanks at the end of a line without a rendition do not count, but for the very first cell.
-uint16_t Screen::ChecksumOf(const Area& area) const
+uint16_t Screen::ChecksumOf(const Area& area, int page)
 {
+    const Page& summed = isAlternate_ || onStatus_ ? P() : MemoryPage(std::clamp(page, 0, pageCount_ - 1));
     uint16_t sum = 0;
     bool isFirst = true;
     for (int row = area.top; row < area.bottom; ++row) {
         uint16_t blanks = 0; // since the last cell that counts
         for (int col = area.left; col < area.right; ++col) {
-            const Row& line = page_->At(row);
+            const Row& line = summed.At(row);
             const Cell cell = col < line.used ? line.cells[col] : Cell{};
             const char32_t point = cell.text & Cell::ClusterBit ? clusters_.At(cell.text).front() : char32_t(cell.text);
             const uint16_t code = CodeOf(point);

@@ -49,11 +49,13 @@ constexpr SettingRow kSettings[] = {
     {"s", Dialect::Vt420, SideMargins},
     {"*x", Dialect::Vt420,
      [](const Machine& m) { return std::string(m.AttributeExtent() == ChangeExtent::Rectangle ? "2" : "1"); }},
-    {"*|", Dialect::Vt420, [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
+    {"*|", Dialect::Vt420, [](const Machine& m) { return std::to_string(m.Display().ScreenExtent().rows); }},
+    {"$}", Dialect::Vt320, [](const Machine& m) { return std::string(m.Display().IsOnStatusLine() ? "1" : "0"); }},
+    {"$~", Dialect::Vt320, [](const Machine& m) { return std::to_string(int(m.StatusLine())); }},
     {"m", Dialect::Vt320, [](const Machine& m) { return m.SgrSetting(); }},
     {"r", Dialect::Vt320, Margins},
-    {"t", Dialect::Vt320, [](const Machine& m) { return std::to_string(m.Display().Extent().rows); }},
-    {"$|", Dialect::Vt320, [](const Machine& m) { return std::to_string(m.Display().Extent().cols); }},
+    {"t", Dialect::Vt320, [](const Machine& m) { return std::to_string(m.Display().ScreenExtent().rows); }},
+    {"$|", Dialect::Vt320, [](const Machine& m) { return std::to_string(m.Display().ScreenExtent().cols); }},
     {" q", Dialect::Vt320, [](const Machine& m) { return std::to_string(int(m.Shape()) + 1); }},
     {"\"p", Dialect::Vt320,
      [](const Machine& m) {
@@ -107,7 +109,7 @@ void Machine::ReportStatus(const ControlSequence& sequence)
     if (request == 6 && !isPrivate) {
         ReplyControl(place + 'R');
     } else if (request == 6 && Speaks(Dialect::Vt320)) {
-        ReplyControl('?' + place + ";1R");                              // one page
+        ReplyControl('?' + place + ';' + std::to_string(screen_.ActivePage() + 1) + 'R');
     } else if (request == 255 && !isPrivate && Speaks(Dialect::Ansi)) { // boards ask the size this way
         ReplyControl(std::to_string(screen_.Extent().rows) + ';' + std::to_string(screen_.Extent().cols) + 'R');
     } else if (request == 25 && isPrivate) {

@@ -14,7 +14,7 @@ constexpr int kTabWidth = 8;
 
 Screen::Screen(Size size, Modes& modes)
     : modes_(modes), main_(std::make_unique<Page>(size, clock_)), alternate_(std::make_unique<Page>(size, clock_)),
-      page_(main_.get())
+      page_(main_.get()), shownPage_(main_.get())
 {
     HardReset();
 }
@@ -275,14 +275,16 @@ void Screen::SaveCursor()
 {
     cursor_.origin = modes_.Has(Mode::Origin);
     cursor_.autoWrap = modes_.Has(Mode::AutoWrap);
-    saved_[IsAlternate()] = cursor_;
+    cursor_.page = active_; // DEC STD 070
+    Saved() = cursor_;
 }
 
-void Screen::RestoreCursor() { PutCursor(saved_[IsAlternate()]); }
+void Screen::RestoreCursor() { PutCursor(CursorState(Saved())); }
 
 void Screen::PutCursor(const CursorState& state)
 {
     cursor_ = state;
+    GoToPage(state.page);
     penChanged_ = true;
     modes_.Set(Mode::Origin, cursor_.origin);
     modes_.Set(Mode::AutoWrap, cursor_.autoWrap);
@@ -295,6 +297,7 @@ CursorState Screen::Fresh() const
     CursorState state;
     state.charsets.g = {&AsciiSet(), &AsciiSet(), &UpperHalfSet(), &UpperHalfSet()};
     state.autoWrap = modes_.Has(Mode::AutoWrap);
+    state.page = active_;
     return state;
 }
 
@@ -382,7 +385,7 @@ void Screen::PushToHistory(int count)
 void Screen::ScrollUp(int count)
 {
     count = std::min(count, bottom_ - top_);
-    if (top_ == 0 && !IsAlternate() && !IsNarrowed())
+    if (top_ == 0 && page_ == main_.get() && !IsNarrowed())
         PushToHistory(count);
     MoveLinesUp(top_, bottom_, count);
 }
@@ -488,7 +491,9 @@ void Screen::SetLineSize(LineSize size)
 
 void Screen::SwitchPage(bool alternate)
 {
-    page_ = alternate ? alternate_.get() : main_.get();
+    isAlternate_ = alternate;
+    page_ = alternate ? alternate_.get() : &MemoryPage(active_);
+    shownPage_ = alternate ? page_ : &MemoryPage(shown_);
     CollapsePendingWrap();
     cursor_.col = std::min(cursor_.col, Columns() - 1);
 }
@@ -501,9 +506,14 @@ void Screen::ClearPage()
 
 void Screen::HardReset()
 {
-    page_ = main_.get();
+    onStatus_ = false;
+    isAlternate_ = false;
+    active_ = shown_ = 0;
+    page_ = shownPage_ = main_.get();
+    others_.clear();
     cursor_ = Fresh();
-    saved_ = {cursor_, cursor_};
+    saved_ = {cursor_, cursor_, cursor_};
+    ClearStatusLine();
     penChanged_ = true;
     lastPoint_ = 0;
     ResetMargins();
@@ -514,10 +524,11 @@ void Screen::HardReset()
 
 void Screen::SoftReset()
 {
+    SelectStatusLine(false);
     const int row = cursor_.row;
     const int col = cursor_.col;
     cursor_ = Fresh();
-    saved_[IsAlternate()] = cursor_;
+    Saved() = cursor_;
     cursor_.row = row;
     cursor_.col = col;
     penChanged_ = true;
@@ -526,10 +537,18 @@ void Screen::SoftReset()
 
 void Screen::Resize(Size size)
 {
-    if (size == Extent())
+    if (size == ScreenExtent())
         return;
-    ResizeMain(size, IsAlternate() ? saved_[0] : cursor_);
-    ResizeAlternate(size, IsAlternate() ? cursor_ : saved_[1]);
+    if (onStatus_) {
+        OnScreen([&] { Resize(size); });
+        return;
+    }
+    CursorState bottom; // of the first page while the host works on another: nothing but blank rows is cut off
+    for (bottom.row = main_->Extent().rows - 1; bottom.row > 0 && main_->IsBlank(bottom.row);)
+        --bottom.row;
+    ResizeMain(size, active_ != 0 ? bottom : IsAlternate() ? saved_[0] : cursor_);
+    ResizeRows(*alternate_, size, IsAlternate() ? cursor_ : saved_[1]);
+    ResizeOthers(size);
     ResetMargins();
     const size_t known = tabs_.size();
     tabs_.resize(size_t(size.cols), false);
@@ -571,17 +590,24 @@ void Screen::ResizeMain(Size size, CursorState& cursor)
     cursor.row += back;
 }
 
-// Nothing is kept of the alternate screen; its program draws anew. Only the cursor's line must stay in sight.
-void Screen::ResizeAlternate(Size size, CursorState& cursor)
+// Nothing is kept of rows that go; the program that owns the page draws anew. Only the cursor's line must stay in
+// sight.
+void Screen::ResizeRows(Page& page, Size size, CursorState& cursor)
 {
     const int up = cursor.row - size.rows + 1;
-    if (up > 0 && cursor.row < alternate_->Extent().rows) {
-        alternate_->RotateUp(0, alternate_->Extent().rows, up, 0);
+    if (up > 0 && cursor.row < page.Extent().rows) {
+        page.RotateUp(0, page.Extent().rows, up, 0);
         cursor.row -= up;
     }
-    alternate_->Resize(size);
+    page.Resize(size);
 }
 
-const Row& Screen::RowAt(int row) { return row >= 0 ? P().At(row) : history_.At(history_.Count() + row); }
+const Row& Screen::RowAt(int row)
+{
+    if (row < 0)
+        return history_.At(history_.Count() + row);
+    const int rows = ScreenExtent().rows;
+    return row < rows ? shownPage_->At(row) : status_->At(row - rows);
+}
 
 } // namespace kestrune::emu

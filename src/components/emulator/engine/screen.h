@@ -1,8 +1,8 @@
 #pragma once
 
 // What a terminal does to its screen: text placed at the cursor, cursor motion, margins, tabs, editing, erasing,
-// scrolling, the alternate screen and the history above. Operations carry the names that ECMA-48 and the DEC
-// manuals give them. It knows nothing of bytes from the host and answers nothing.
+// scrolling, pages of memory, the alternate screen, the status line below and the history above. Operations carry the
+// names that ECMA-48 and the DEC manuals give them. It knows nothing of bytes from the host and answers nothing.
 
 #include "charsets.h"
 #include "history.h"
@@ -32,6 +32,7 @@ struct CursorState // what DECSC keeps
     CharsetState charsets;
     bool origin = false;
     bool autoWrap = true;
+    int page = 0;
 };
 
 enum class Erase : uint8_t
@@ -139,16 +140,45 @@ public:
 
     // --- rectangles; they never move the cursor
     Area Addressable() const; // what the host can address: the margins in origin mode, else all
-    void CopyArea(const Area& area, Position to);
-    void FillArea(const Area& area, char32_t point); // in the pen's rendition
+    void CopyArea(const Area& area, int fromPage, Position to, int toPage); // pages from 0, clamped
+    void FillArea(const Area& area, char32_t point);                        // in the pen's rendition
     void EraseArea(const Area& area, Selective selective);
     // From its first to its last place as text runs, or as a rectangle. The protection stays.
     void ChangeArea(const Area& area, ChangeExtent extent, const std::function<void(Style&)>& change);
-    uint16_t ChecksumOf(const Area& area) const; // sum of characters and renditions, as DECRQCRA has it
+    uint16_t ChecksumOf(const Area& area, int page); // sum of characters and renditions, as DECRQCRA has it
+
+    // --- pages of memory, numbered from 0. Text, cursor and erasing work on the active one; what leaves the top of
+    // the first goes into the history. The alternate screen and the status line are none of them: while the host
+    // works there, GoToPage does nothing.
+    static constexpr int MostPages = 32;
+    void SetPageCount(int count); // clamped; what stands on pages that go is lost
+    int PageCount() const { return pageCount_; }
+    int ActivePage() const { return active_; }
+    int ShownPage() const { return shown_; }
+    const Page* UsedPage(int page) const; // nullptr: nobody has been there
+    void GoToPage(int page); // clamped; the cursor keeps its place, and the display follows when it is coupled
+    void ShowActivePage();
+
+    // --- the status line: rows below the screen that have a cursor, margins and a rendition of their own
+    void SetStatusRows(int rows); // 0: none; what stands there is lost when the number changes
+    int StatusRows() const { return status_ == nullptr ? 0 : status_->Extent().rows; }
+    void SelectStatusLine(bool on); // all operations work there until it is left; nothing without such rows
+    bool IsOnStatusLine() const { return onStatus_; }
+    void ClearStatusLine();
+    void PutIndicator(std::u32string_view text); // over the first of those rows, in reverse video
+    // Runs `act` on the screen itself, wherever the host is working.
+    template <typename Act>
+    void OnScreen(Act&& act)
+    {
+        const bool wasOnStatus = onStatus_;
+        SelectStatusLine(false);
+        act();
+        SelectStatusLine(wasOnStatus);
+    }
 
     // --- whole screen
     void SwitchPage(bool alternate);
-    bool IsAlternate() const { return page_ == alternate_.get(); }
+    bool IsAlternate() const { return isAlternate_; }
     void ClearAlternate() { alternate_->FillRows(0, alternate_->Extent().rows, 0); }
     void Resize(Size size);
     void ClearPage(); // blank and home, in the pen's background
@@ -165,8 +195,12 @@ public:
     void SetWatcher(LineWatcher* watcher) { watcher_ = watcher; }
 
     // --- reading
-    Size Extent() const { return page_->Extent(); }
-    const Row& RowAt(int row); // negative: history
+    Size Extent() const { return page_->Extent(); } // of what the host works on
+    Size ScreenExtent() const { return main_->Extent(); }
+    // As it is shown: negative is the history, rows from the screen's last on are the status line.
+    const Row& RowAt(int row);
+    const Row& HostRow(int row) { return P().At(row); } // of what the host works on
+    const CursorState& ScreenCursor() const { return onStatus_ ? aside_.cursor : cursor_; }
     const History& Scrollback() const { return history_; }
     History& Scrollback() { return history_; }
     LinkTable& Links() { return links_; }
@@ -215,8 +249,17 @@ private:
     void Sweep();
     void MarkRow(const Row& row, std::vector<bool>& styles, std::vector<bool>& clusters) const;
     void ResizeMain(Size size, CursorState& cursor);
-    void ResizeAlternate(Size size, CursorState& cursor);
+    static void ResizeRows(Page& page, Size size, CursorState& cursor);
+    void ResizeOthers(Size size);
+    Page& MemoryPage(int number);
+    CursorState& Saved() { return saved_[onStatus_ ? 2 : size_t(isAlternate_)]; }
     CursorState Fresh() const;
+
+    struct Place // where the host works, as far as the status line has its own
+    {
+        CursorState cursor;
+        Area margins;
+    };
 
     Modes& modes_;
     uint64_t clock_ = 0;
@@ -226,10 +269,19 @@ private:
     History history_{*this};
     std::unique_ptr<Page> main_;
     std::unique_ptr<Page> alternate_;
-    Page* page_ = nullptr;
+    std::vector<std::unique_ptr<Page>> others_; // pages of memory from the second on, each made when it is first used
+    std::unique_ptr<Page> status_;
+    Page* page_ = nullptr;      // where the host works
+    Page* shownPage_ = nullptr; // above the status line
+    int pageCount_ = 1;
+    int active_ = 0;
+    int shown_ = 0;
+    bool isAlternate_ = false;
+    bool onStatus_ = false;
+    Place aside_; // of the two places, status line and screen, the one where the host does not work
 
     CursorState cursor_;
-    std::array<CursorState, 2> saved_; // main, alternate
+    std::array<CursorState, 3> saved_; // main, alternate, status line
     StyleId penId_ = 0;
     StyleId blankId_ = 0;
     StyleId newestStyle_ = 0; // given out, but perhaps in no cell yet

@@ -174,7 +174,7 @@ void Machine::SetTitle(std::string_view text)
         points = FromUtf8(text);
     else
         for (const char byte : text)
-            points += HostPoint(charset_, uint8_t(byte));
+            points += PointOf(uint8_t(byte));
     listener_.TitleChanged(CleanText(points, kMaxTitle));
 }
 

@@ -24,6 +24,8 @@ Terminal::~Terminal() = default;
 
 void Terminal::Receive(std::string_view bytes) { impl_->machine.Receive(bytes); }
 void Terminal::Resize(Size size) { impl_->machine.Resize(size); }
+void Terminal::ShowExtended(bool on) { impl_->machine.ShowExtended(on); }
+void Terminal::SetPage(int page) { impl_->machine.SetPage(page); }
 void Terminal::SetHistoryRows(int rows) { impl_->machine.Display().Scrollback().SetLimit(rows); }
 void Terminal::SetCharset(HostCharset charset) { impl_->machine.SetCharset(charset); }
 void Terminal::SetOptions(const TerminalOptions& options) { impl_->machine.SetOptions(options); }
@@ -39,11 +41,15 @@ void Terminal::EraseArea(Position from, Position to, const Style& style) { impl_
 void Terminal::MoveCursor(Position to) { impl_->machine.MoveCursor(to); }
 void Terminal::PrintNotice(std::string_view utf8) { impl_->machine.PrintNotice(utf8); }
 
-Size Terminal::ScreenSize() const { return impl_->machine.Display().Extent(); }
+Size Terminal::ScreenSize() const { return impl_->machine.Display().ScreenExtent(); }
+Size Terminal::NormalSize() const { return impl_->machine.NormalSize(); }
+int Terminal::StatusRows() const { return impl_->machine.Display().StatusRows(); }
+int Terminal::PageCount() const { return impl_->machine.Display().PageCount(); }
+int Terminal::Page() const { return impl_->machine.Display().ActivePage(); }
 
 Position Terminal::Cursor() const
 {
-    const CursorState& cursor = impl_->machine.Display().Cursor();
+    const CursorState& cursor = impl_->machine.Display().ScreenCursor();
     return {cursor.col, cursor.row};
 }
 
@@ -53,7 +59,7 @@ uint64_t Terminal::HistoryPushed() const { return impl_->machine.Display().Scrol
 RowView Terminal::Row(int row) const
 {
     const Size size = ScreenSize();
-    if (row < -HistoryCount() || row >= size.rows)
+    if (row < -HistoryCount() || row >= size.rows + StatusRows())
         return {};
     const emu::Row& line = impl_->machine.Display().RowAt(row);
     const auto shown = size_t(std::min(line.used, size.cols));

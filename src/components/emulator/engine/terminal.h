@@ -37,9 +37,42 @@ enum class HostCharset
 {
     Utf8,
     Latin1,
-    Windows1252,
+    Latin2,
+    Latin3,
+    Latin4,
+    Cyrillic,
+    Arabic,
+    Greek,
+    Hebrew,
+    Latin5,
+    Latin6,
+    Thai,
+    Latin7,
+    Latin8,
+    Latin9,
+    Latin10,
     Cp437,
-    Cp850
+    Cp737,
+    Cp775,
+    Cp850,
+    Cp852,
+    Cp855,
+    Cp857,
+    Cp858,
+    Cp860,
+    Cp861,
+    Cp862,
+    Cp863,
+    Cp865,
+    Cp866,
+    Windows1250,
+    Windows1251,
+    Windows1252,
+    Windows1253,
+    Windows1254,
+    Windows1257,
+    Koi8R,
+    Koi8U
 };
 
 // What the Backspace key sends until the host says otherwise (DECBKM).
@@ -63,13 +96,20 @@ enum class CursorShape : uint8_t // in the order of DECSCUSR 1 to 6
 struct TerminalOptions
 {
     Size size;
-    int historyRows = 0; // lines kept above the screen, 0 to 1,000,000
+    Size extended{132, 0}; // what DECCOLM and ShowExtended change to; no rows: as many as there are
+    bool startsExtended = false;
+    int pages = 1;        // of memory, 1 to 32
+    int messageRows = -1; // for a status line: 0 none, -1 one while the host has it on, else always so many, at most 4
+    int historyRows = 0;  // lines kept above the screen, 0 to 1,000,000
     HostCharset charset = HostCharset::Latin1;
+    std::u16string upperHalf;     // other characters for bytes 0x80 to 0xFF, all 128 of them; empty: the charset's own
     bool eightBitControls = true; // 0x80..0x9F are C1 controls where the type has them and the charset allows
     bool autoWrap = true;
     bool applicationCursor = false; // power-up states of DECCKM and DECKPAM
     bool applicationKeypad = false;
-    bool lockFunctionKeys = false; // the host may not define what they send (DECUDK)
+    bool eightBitReplies = false;        // answers and keys begin with 0x90, 0x9B and the like (S8C1T) from the start
+    bool ignoreApplicationModes = false; // DECCKM and DECKPAM are taken, but keys send what they do without
+    bool lockFunctionKeys = false;       // the host may not define what they send (DECUDK)
     BackspaceKey backspace = BackspaceKey::AsType;
     CursorShape cursor = CursorShape::BlinkBlock; // until the host asks for another
     std::string answerBack;                       // bytes sent for ENQ, at most 255
@@ -106,6 +146,7 @@ struct ModesView // what drawing and input need to know
     bool applicationCursor = false;
     bool applicationKeypad = false;
     bool alternateScreen = false;
+    bool extended = false; // the screen has the extended size
     bool reverseScreen = false;
     bool cursorVisible = true;
     bool bracketedPaste = false;
@@ -148,7 +189,10 @@ public:
     void Receive(std::string_view bytes);
 
     // --- from the user's side
-    void Resize(Size size); // 1..1000 cols, 1..500 rows, clamped
+    // 1..1000 cols, 1..500 rows, clamped. In extended size this is what the screen goes back to.
+    void Resize(Size size);
+    void ShowExtended(bool on); // the text stays
+    void SetPage(int page);     // 0 to PageCount() - 1, clamped; nothing while the host uses the alternate screen
     void SetHistoryRows(int rows);
     void SetCharset(HostCharset charset);
     // All of the options at once: size, history and charset as by the calls above, the power-up states of modes
@@ -169,12 +213,16 @@ public:
 
     // --- reading
     Size ScreenSize() const;
+    Size NormalSize() const; // the same, but for the extended size
+    int StatusRows() const;  // rows below the screen: Row(ScreenSize().rows) is the first of them
+    int PageCount() const;
+    int Page() const;         // where the cursor is; another one may be shown
     Position Cursor() const;  // col == cols - 1 with a wrap pending
     int HistoryCount() const; // rows -HistoryCount() .. -1 exist
     // Lines ever moved to the history, less those that a taller screen took back: HistoryPushed() + row names the
     // same line for as long as it exists, which keeps selections in place.
     uint64_t HistoryPushed() const;
-    RowView Row(int row) const; // -HistoryCount() .. rows - 1
+    RowView Row(int row) const; // -HistoryCount() .. rows - 1, and the status line's
     const Style& StyleOf(StyleId id) const;
     std::u32string_view ClusterOf(uint32_t text) const; // for cells with ClusterBit
     std::string_view LinkOf(uint16_t link) const;

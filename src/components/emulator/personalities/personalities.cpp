@@ -3,6 +3,8 @@
 #include "dectypes.h"
 #include "pctypes.h"
 
+#include <string>
+
 namespace kestrune::emu {
 namespace {
 
@@ -26,6 +28,24 @@ const Personality* FindPersonality(int number)
 {
     for (const Personality* type : kTypes)
         if (type->number == number)
+            return type;
+    return nullptr;
+}
+
+const Personality* FindPersonality(std::string_view emulation)
+{
+    const auto plain = [](std::string_view name) {
+        std::string out;
+        for (const char c : name)
+            if (c != ' ' && c != '-' && c != '_')
+                out += c >= 'a' && c <= 'z' ? char(c - 32) : c;
+        return out;
+    };
+    const std::string wanted = plain(emulation);
+    if (wanted == "LANPAR") // its type's name begins with the model that it is like
+        return &types::kLanpar;
+    for (const Personality* type : kTypes)
+        if (plain(type->name) == wanted)
             return type;
     return nullptr;
 }

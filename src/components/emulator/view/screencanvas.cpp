@@ -18,6 +18,7 @@ constexpr int kFlashMilliseconds = 90;
 constexpr int kSignMilliseconds = 1600;
 constexpr double kDefaultPoints = 11;
 constexpr double kLeastPoints = 5, kMostPoints = 72;
+constexpr double kLeastFitted = 3, kFitStep = 0.25;
 constexpr double kMarginPixels = 6;
 
 emu::CursorShape Steady(emu::CursorShape shape)
@@ -71,7 +72,8 @@ double ScreenCanvas::Points() const
 void ScreenCanvas::RebuildFont()
 {
     ratio_ = host_.devicePixelRatioF();
-    const double pixels = Points() * host_.logicalDpiY() / 72 * ratio_;
+    const double points = fitted_ > 0 ? fitted_ : Points();
+    const double pixels = points * host_.logicalDpiY() / 72 * ratio_;
     font_ = std::make_unique<GridFont>(emulator_.Settings().Text(Setting("FontName")), pixels,
                                        emulator_.Settings().Boolean(Setting("BoldFont")));
 }
@@ -98,13 +100,46 @@ void ScreenCanvas::SetZoom(double points)
     LookChanged();
 }
 
+void ScreenCanvas::FitFont(std::optional<emu::Size> screen, QSize room)
+{
+    const double before = fitted_ > 0 ? fitted_ : Points();
+    double points = Points();
+    if (screen) {
+        fitted_ = points;
+        RebuildFont();
+        const QSize needed = SizeFor(screen->cols, screen->rows);
+        const double scale = std::min(double(room.width()) / needed.width(), double(room.height()) / needed.height());
+        const bool grows = emulator_.Settings().Boolean(Setting("ScaleFont"));
+        points = std::clamp(points * (grows ? scale : std::min(scale, 1.0)), kLeastFitted, kMostPoints);
+        // Cells are whole pixels, so that the estimate may be a little too large.
+        for (fitted_ = points; fitted_ > kLeastFitted; fitted_ = std::max(kLeastFitted, fitted_ - kFitStep)) {
+            RebuildFont();
+            const QSize size = SizeFor(screen->cols, screen->rows);
+            if (size.width() <= room.width() && size.height() <= room.height())
+                break;
+        }
+        points = fitted_;
+    }
+    fitted_ = screen ? points : 0;
+    if (screen || points != before)
+        LookChanged();
+}
+
+int ScreenCanvas::LineCount() const { return emulator_.Screen().ScreenSize().rows + emulator_.Screen().StatusRows(); }
+
+int ScreenCanvas::RowOf(int line) const
+{
+    return line < emulator_.Screen().ScreenSize().rows ? line - emulator_.RowsBack() : line;
+}
+
 int ScreenCanvas::Margin() const { return int(std::lround(kMarginPixels * ratio_)); }
 
 emu::Size ScreenCanvas::FitInto(QSize available) const
 {
     const int width = int(available.width() * ratio_) - 2 * Margin();
     const int height = int(available.height() * ratio_) - 2 * Margin();
-    return {std::max(1, width / font_->CellWidth()), std::max(1, height / font_->CellHeight())};
+    const int rows = height / font_->CellHeight() - emulator_.Screen().StatusRows();
+    return {std::max(1, width / font_->CellWidth()), std::max(1, rows)};
 }
 
 QSize ScreenCanvas::GridPixels(emu::Size grid) const
@@ -114,7 +149,7 @@ QSize ScreenCanvas::GridPixels(emu::Size grid) const
 
 QSize ScreenCanvas::SizeFor(int cols, int rows) const
 {
-    const QSize pixels = GridPixels({cols, rows}) + QSize(2 * Margin(), 2 * Margin());
+    const QSize pixels = GridPixels({cols, rows + emulator_.Screen().StatusRows()}) + QSize(2 * Margin(), 2 * Margin());
     return {int(std::ceil(pixels.width() / ratio_)), int(std::ceil(pixels.height() / ratio_))};
 }
 
@@ -172,7 +207,8 @@ QRect ScreenCanvas::CursorRect() const { return FromDevice(CursorCell()); }
 
 QRect ScreenCanvas::LineRect(int line) const
 {
-    const QRect cell = CellRect(0, line - emulator_.RowsBack());
+    const int height = font_->CellHeight();
+    const QRect cell = FromDevice({Margin(), Margin() + line * height, font_->CellWidth(), height});
     return {0, cell.top(), host_.width(), cell.height()};
 }
 
@@ -204,7 +240,9 @@ RowLook ScreenCanvas::LookOf(int line) const
 {
     RowLook look;
     look.blinkHidden = blinkHidden_;
-    const int row = line - emulator_.RowsBack();
+    if (line >= emulator_.Screen().ScreenSize().rows)
+        return look;
+    const int row = RowOf(line);
     if (const auto columns = emulator_.SelectedColumns(row); columns.first < columns.last) {
         look.selectedFirst = columns.first;
         look.selectedLast = columns.last;
@@ -218,7 +256,7 @@ bool ScreenCanvas::IsStale(int line) const
 {
     const PaintedRow& was = painted_[size_t(line)];
     const RowLook look = LookOf(line);
-    return was.generation != emulator_.Screen().Row(line - emulator_.RowsBack()).generation ||
+    return was.generation != emulator_.Screen().Row(RowOf(line)).generation ||
            was.selectedFirst != look.selectedFirst || was.selectedLast != look.selectedLast ||
            was.found != look.found || (was.hasBlink && was.blinkHidden != blinkHidden_);
 }
@@ -235,7 +273,7 @@ void ScreenCanvas::Frame()
         return;
     }
     sinceFrame_.start();
-    const int rows = screen.ScreenSize().rows;
+    const int rows = LineCount();
     if (scheme_.Follow(screen) || int(painted_.size()) != rows) {
         Invalidate();
     } else {
@@ -258,7 +296,7 @@ void ScreenCanvas::Frame()
 void ScreenCanvas::MarksChanged()
 {
     for (int line = 0; line < int(painted_.size()); ++line)
-        if (painted_[size_t(line)].found != marks_(line - emulator_.RowsBack()))
+        if (painted_[size_t(line)].found != LookOf(line).found)
             host_.update(LineRect(line));
 }
 
@@ -274,7 +312,7 @@ void ScreenCanvas::SetLink(std::vector<LinkSpan> spans)
 
 void ScreenCanvas::Invalidate()
 {
-    painted_.assign(size_t(emulator_.Screen().ScreenSize().rows), {});
+    painted_.assign(size_t(LineCount()), {});
     host_.update();
 }
 
@@ -342,14 +380,14 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     const emu::Terminal& screen = emulator_.Screen();
     if (scheme_.Follow(screen))
         Invalidate(); // this part is painted in the new colours already
-    const int rows = screen.ScreenSize().rows;
+    const int rows = LineCount();
     painted_.resize(size_t(rows));
 
     painter.scale(1 / ratio_, 1 / ratio_);
     const auto toDevice = [this](const QRect& r) {
         return QRectF(QPointF(r.topLeft()) * ratio_, QSizeF(r.size()) * ratio_).toAlignedRect();
     };
-    const QRect grid(QPoint(Margin(), Margin()), GridPixels(screen.ScreenSize()));
+    const QRect grid(QPoint(Margin(), Margin()), GridPixels({screen.ScreenSize().cols, rows}));
     QRegion outside;
     for (const QRect& rect : region)
         outside += toDevice(rect);
@@ -376,7 +414,7 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
 
 void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
 {
-    const int row = line - emulator_.RowsBack();
+    const int row = RowOf(line);
     const RowLook look = LookOf(line);
     rows.PaintRow(painter, row, Margin(), Margin() + line * font_->CellHeight(), look);
     painted_[size_t(line)] = {emulator_.Screen().Row(row).generation,

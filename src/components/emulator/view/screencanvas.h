@@ -20,6 +20,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace kestrune {
@@ -44,14 +45,17 @@ public:
     void MarksChanged();
     void SetLink(std::vector<LinkSpan> spans); // underlined; empty: none
     void SetZoom(double points);
+    // A screen of fixed size is shown whole in the room: in a font that is as small as that takes, with ScaleFont also
+    // as large. No size: the user's font again.
+    void FitFont(std::optional<emu::Size> screen, QSize room);
     double Points() const;
 
     void Paint(QPainter& painter, const QRegion& region);
 
     // --- the grid; widget coordinates unless a name says otherwise
-    emu::Size FitInto(QSize available) const;
-    QSize SizeFor(int cols, int rows) const;
-    QSize GridPixels(emu::Size grid) const; // device pixels
+    emu::Size FitInto(QSize available) const; // beside the status line
+    QSize SizeFor(int cols, int rows) const;  // with it
+    QSize GridPixels(emu::Size grid) const;   // device pixels
     QRect CellRect(int col, int row) const;
     QRect CursorRect() const;
     TextPlace PlaceAt(QPointF position) const;             // the nearest one
@@ -97,6 +101,8 @@ private:
     RowLook LookOf(int line) const;
     bool IsStale(int line) const;
     QRect LineRect(int line) const;
+    int LineCount() const;     // of the screen and the status line
+    int RowOf(int line) const; // the status line stays when the history is looked at
     bool CursorShown() const;
     void PaintPictures(QPainter& painter);
     void PaintLine(QPainter& painter, RowPainter& rows, int line);
@@ -114,8 +120,9 @@ private:
     ColorScheme scheme_;
     Backdrop backdrop_;
     PictureLayer pictures_;
-    double ratio_ = 0; // device pixels in a pixel
-    double zoom_ = 0;  // points more than the settings say
+    double ratio_ = 0;  // device pixels in a pixel
+    double zoom_ = 0;   // points more than the settings say
+    double fitted_ = 0; // points for a screen of fixed size; 0: none
     std::vector<PaintedRow> painted_;
     PaintedCursor paintedCursor_;
     int shownBack_ = 0;

@@ -100,6 +100,7 @@ TerminalView::TerminalView(ctlEmulator& emulator, QWidget* parent) : QWidget(par
         parts_->StyleBar();
         ApplyGrid();
     });
+    connect(&emulator, &ctlEmulator::GridChanged, this, &TerminalView::ApplyGrid);
     connect(&emulator, &ctlEmulator::PicturesChanged, this, [this] { parts_->canvas.PicturesChanged(); });
     connect(&emulator, &ctlEmulator::Bell, this, [this] {
         if (!parts_->sinceBell.isValid() || parts_->sinceBell.elapsed() > kQuietBell)
@@ -147,8 +148,14 @@ void TerminalView::ApplyGrid()
     parts_->settle.stop();
     if (!isVisible())
         return; // the size is settled when it is shown
-    const emu::Size grid = parts_->canvas.FitInto(size() - QSize(kBarWidth, 0));
-    const QSize pixels = parts_->canvas.GridPixels(grid);
+    const QSize room = size() - QSize(kBarWidth, 0);
+    const bool extended = emulator_.ScrMode() == 1;
+    parts_->canvas.FitFont(std::nullopt, room);
+    const emu::Size grid = parts_->canvas.FitInto(room);
+    const emu::Size screen = extended ? emulator_.Screen().ScreenSize() : grid;
+    if (extended)
+        parts_->canvas.FitFont(screen, room);
+    const QSize pixels = parts_->canvas.GridPixels(screen);
     emulator_.Resize(grid.cols, grid.rows, pixels.width(), pixels.height());
 }
 
