@@ -102,7 +102,7 @@ class Bars(desktop.Journey):
             self.desktop.run("xdotool", "mousemove", "--window", window, str(x), str(y))
         self.look("bars-dragging")
         self.desktop.run("xdotool", "mouseup", "1")
-        kept = until(lambda: hive(self.home).get(("", "BarPlaces")), "the place is stored as soon as it is chosen")
+        until(lambda: hive(self.home).get(("", "BarPlaces")), "the place is stored as soon as it is chosen")
         self.desktop.run("xdotool", "mousemove", "--window", window, "600", "400")
         self.look("bars-drag-after", other_than=before)
         program.kill()  # however it ends
@@ -112,7 +112,10 @@ class Bars(desktop.Journey):
         until(lambda: program.geometry(window)[2:] == (1000, 640), "the size")
         self.desktop.run("xdotool", "mousemove", "--window", window, "600", "400")
         self.look("bars-drag-again")
-        self.assertEqual(hive(self.home).get(("", "BarPlaces")), kept)
+        left = [self.desktop.run("convert", str(desktop.PICTURES / f"bars-drag-{when}.png"), "-trim", "-crop", "30x420+0+50",
+                                 "-format", "%#", "info:") for when in ("before", "after", "again")]
+        self.assertEqual(left[1], left[2], "the left side looks as it was left")
+        self.assertNotEqual(left[0], left[1])
 
 
 if __name__ == "__main__":

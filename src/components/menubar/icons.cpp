@@ -31,7 +31,7 @@ public:
     void Draw(QPainter& painter, QLatin1StringView strokes, const QColor& color) const
     {
         QPainterPath path = ReadStrokes(strokes);
-        QPainterPath::Element before;
+        QPointF before;
         for (int i = 0; i < path.elementCount(); ++i) {
             const QPainterPath::Element element = path.elementAt(i);
             const bool control = element.type == QPainterPath::CurveToElement ||
@@ -39,7 +39,7 @@ public:
                                   path.elementAt(i + 1).type == QPainterPath::CurveToDataElement);
             const double x = place_.left() + element.x * place_.width() / Grid;
             const double y = place_.top() + element.y * place_.height() / Grid;
-            const bool dot = element.isLineTo() && IsDot(path, i, before);
+            const bool dot = element.isLineTo() && IsDot(before, element);
             before = element;
             path.setElementPositionAt(i, (control ? x : Snapped(x)) + (dot ? DotLength : 0), control ? y : Snapped(y));
         }
@@ -48,11 +48,7 @@ public:
 
 private:
     // A line of no length would not be drawn; a dot must stay longer than that.
-    static bool IsDot(const QPainterPath& path, int at, const QPainterPath::Element& before)
-    {
-        const QPainterPath::Element end = path.elementAt(at);
-        return std::abs(end.x - before.x) + std::abs(end.y - before.y) < DotLength;
-    }
+    static bool IsDot(QPointF start, QPointF end) { return (end - start).manhattanLength() < DotLength; }
     double Snapped(double at) const
     {
         const bool odd = std::lround(width_) % 2 != 0;
