@@ -64,9 +64,11 @@ TEST(SessionBar, ADraggedTabSaysWhereItStandsNow)
         QCoreApplication::sendEvent(&bench.bar, &move);
     }
     QTest::mouseRelease(&bench.bar, Qt::LeftButton, {}, past);
-    ASSERT_EQ(dragged.count(), 1);
-    EXPECT_EQ(dragged[0][0].value<quintptr>(), 1u);
-    EXPECT_EQ(dragged[0][1].value<quintptr>(), 3u);
+    ASSERT_GE(dragged.count(), 1); // one for each place that it passes
+    const int now = bench.Texts().indexOf(u"host 1"_s);
+    EXPECT_GT(now, 0);
+    EXPECT_EQ(dragged.last()[0].value<quintptr>(), 1u);
+    EXPECT_EQ(dragged.last()[1].value<quintptr>(), bench.bar.HandleAt(now + 1));
 }
 
 TEST(SessionBar, MouseAndKeyboard)
@@ -136,7 +138,8 @@ TEST(SessionBar, AHundredTabsScrollByWheelAndNoneIsChosen)
     EXPECT_LT(bench.bar.tabRect(0).left(), before - 600);
     EXPECT_EQ(chosen.count(), 0);
     bench.bar.SetTabs(bench.tabs, 100);
-    EXPECT_TRUE(bench.bar.rect().intersects(bench.bar.TabPlace(100))) << "the active one comes into view";
+    EXPECT_TRUE(bench.bar.rect().intersects(bench.bar.TabPlace(100)))
+        << "the active one comes into view, and is not at " << bench.bar.TabPlace(100).left();
 }
 
 TEST(SessionBar, MarksDifferInShapeAndAreSaid)

@@ -36,8 +36,8 @@ TEST(SessionMark, TellsWhatMattersMostToOneWhoLooksElsewhere)
     EXPECT_EQ(mark.Now(), State::Lost);
     mark.SetWatched(true);
     EXPECT_EQ(mark.Now(), State::Lost) << "also of the one before the eyes";
-    bench.control.SetOnLine(true);
-    EXPECT_NE(mark.Now(), State::Lost) << "on the way again";
+    bench.Connect();
+    EXPECT_EQ(mark.Now(), State::Connected) << "here again";
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <menubar/icons.h>
 
+#include "mixedcolor.h"
 #include "pictures.h"
 
 #include <QGuiApplication>
@@ -15,7 +16,8 @@ namespace kestrune {
 
 namespace {
 
-constexpr double Grid = 24, StrokeWidth = 1.6;
+constexpr double Grid = 24, StrokeWidth = 1.6, DotLength = 0.05;
+constexpr double DisabledShare = 0.35;                              // of the ink that is left
 constexpr double BadgeStart = 13, BadgeSide = 10.5, BadgeRim = 1.5; // on the grid
 constexpr QRgb AccentOnLight = 0xff1769c2, AccentOnDark = 0xff6cb4ff;
 
@@ -29,6 +31,7 @@ public:
     void Draw(QPainter& painter, QLatin1StringView strokes, const QColor& color) const
     {
         QPainterPath path = ReadStrokes(strokes);
+        QPointF before;
         for (int i = 0; i < path.elementCount(); ++i) {
             const QPainterPath::Element element = path.elementAt(i);
             const bool control = element.type == QPainterPath::CurveToElement ||
@@ -36,12 +39,16 @@ public:
                                   path.elementAt(i + 1).type == QPainterPath::CurveToDataElement);
             const double x = place_.left() + element.x * place_.width() / Grid;
             const double y = place_.top() + element.y * place_.height() / Grid;
-            path.setElementPositionAt(i, control ? x : Snapped(x), control ? y : Snapped(y));
+            const bool dot = element.isLineTo() && IsDot(before, element);
+            before = element;
+            path.setElementPositionAt(i, (control ? x : Snapped(x)) + (dot ? DotLength : 0), control ? y : Snapped(y));
         }
         painter.strokePath(path, QPen(color, width_, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
 
 private:
+    // A line of no length would not be drawn; a dot must stay longer than that.
+    static bool IsDot(QPointF start, QPointF end) { return (end - start).manhattanLength() < DotLength; }
     double Snapped(double at) const
     {
         const bool odd = std::lround(width_) % 2 != 0;
@@ -60,10 +67,10 @@ public:
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
         const QPalette palette = QGuiApplication::palette();
-        const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
         const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
-        const QColor ink = palette.color(group, role);
-        const bool dark = palette.color(QPalette::Button).lightness() < 128;
+        const QColor full = palette.color(QPalette::Active, role), ground = palette.color(QPalette::Button);
+        const QColor ink = mode == QIcon::Disabled ? Mixed(ground, full, DisabledShare) : full;
+        const bool dark = ground.lightness() < 128;
         const QColor accent = mode == QIcon::Disabled || mode == QIcon::Selected
                                   ? ink
                                   : QColor::fromRgb(dark ? AccentOnDark : AccentOnLight);

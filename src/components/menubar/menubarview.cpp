@@ -105,9 +105,6 @@ void MenuBarView::Draw()
 {
     whole_ = false;
     changed_.clear();
-    // Bars that come or go would each be laid out and painted; so the window is, once.
-    const bool updates = window_.updatesEnabled();
-    window_.setUpdatesEnabled(false);
     const QString menu = BandOf(*model_, BandType::MainMenu), status = BandOf(*model_, BandType::StatusBar);
     menu_->Show(*model_, menu);
     window_.menuBar()->setVisible(IsVisible(*model_, menu));
@@ -115,7 +112,6 @@ void MenuBarView::Draw()
     status_->Show(*model_, status);
     window_.statusBar()->setVisible(IsVisible(*model_, status));
     shortcuts_->Show(*model_);
-    window_.setUpdatesEnabled(updates);
 }
 
 taMenuBar* MenuBarView::Shown() const { return model_; }

@@ -64,8 +64,10 @@ void SessionBar::SetTabs(const QList<Tab>& tabs, quintptr active)
         }
         SetTab(i, tabs[i]);
     }
-    if (const int at = IndexOf(active); at >= 0)
+    if (const int at = IndexOf(active); at >= 0) {
         setCurrentIndex(at);
+        BringIntoView(at);
+    }
 }
 
 // Each of these lays all tabs out again: set only when it differs.
@@ -136,6 +138,17 @@ void SessionBar::tabLayoutChange()
     QTabBar::tabLayoutChange();
     if (std::exchange(overflows_, Overflows()) != Overflows())
         emit OverflowChanged();
+}
+
+// The base class does not where the tabs have been scrolled by hand.
+void SessionBar::BringIntoView(int index)
+{
+    for (int steps = count(); steps > 0 && !rect().contains(tabRect(index).center()); --steps) {
+        QToolButton* button = ScrollButton(tabRect(index).left() < 0 ? "ScrollLeftButton" : "ScrollRightButton");
+        if (button == nullptr || button->isHidden() || !button->isEnabled())
+            return;
+        button->click();
+    }
 }
 
 bool SessionBar::Rename(quintptr handle, const QString& caption)

@@ -1,5 +1,7 @@
 #include "statuspanel.h"
 
+#include "mixedcolor.h"
+
 #include <QEvent>
 #include <QHelpEvent>
 #include <QPainter>
@@ -10,13 +12,6 @@ namespace kestrune {
 namespace {
 
 constexpr int Side = 7, Gap = 5, Above = 3; // pixels: left and right of the contents, between them, above and below
-
-QColor Mixed(const QColor& one, const QColor& other, double share)
-{
-    const auto mix = [share](float a, float b) { return static_cast<float>(a * (1 - share) + b * share); };
-    return QColor::fromRgbF(mix(one.redF(), other.redF()), mix(one.greenF(), other.greenF()),
-                            mix(one.blueF(), other.blueF()));
-}
 
 } // namespace
 

@@ -80,6 +80,11 @@ void ToolBars::Refresh(const QSet<int>& keys)
         bar.tools->Refresh(keys);
 }
 
+QToolBar* ToolBars::SessionRow() const
+{
+    return window_.findChild<QToolBar*>(u"SessionBar"_s, Qt::FindDirectChildrenOnly);
+}
+
 ToolBars::Bar* ToolBars::Find(const QString& key)
 {
     const auto at = std::find_if(bars_.begin(), bars_.end(), [&](const Bar& bar) { return SameBandKey(bar.key, key); });
@@ -136,7 +141,7 @@ void ToolBars::Dock(QToolBar& bar, BandDock to)
         bar.adjustSize();
     } else {
         bar.setWindowFlags(Qt::Widget);
-        auto* tabs = window_.findChild<QToolBar*>(u"SessionBar"_s, Qt::FindDirectChildrenOnly);
+        QToolBar* tabs = SessionRow();
         if (tabs != nullptr && AreaOf(to) == window_.toolBarArea(tabs)) { // the row of session tabs stays inmost
             window_.insertToolBar(tabs, &bar);
             window_.insertToolBarBreak(tabs);
@@ -180,7 +185,14 @@ void ToolBars::Restore(const QByteArray& places)
     for (QToolBar* bar : all)
         if (!bar->isHidden())
             seen.append(bar);
+    auto* tabs = SessionRow();
+    const Qt::ToolBarArea side = tabs != nullptr ? window_.toolBarArea(tabs) : Qt::NoToolBarArea;
     window_.restoreState(places, PlacesVersion);
+    if (tabs != nullptr) { // it is no bar of ours, and its old height may be that of no tabs
+        window_.removeToolBar(tabs);
+        window_.addToolBarBreak(side);
+        window_.addToolBar(side, tabs);
+    }
     for (QToolBar* bar : all)
         bar->setVisible(seen.contains(bar));
     for (const Bar& bar : bars_)
@@ -208,6 +220,8 @@ void ToolBars::CheckPlaces()
         this,
         [this] {
             checking_ = false;
+            if (QGuiApplication::mouseButtons() != Qt::NoButton)
+                return; // still in the hand; letting go comes here again
             if (const QByteArray now = Places(); now != last_) {
                 last_ = now;
                 if (model_)

@@ -51,6 +51,7 @@ private:
     };
 
     Bar* Find(const QString& key);
+    QToolBar* SessionRow() const; // of the tabs, which somebody else keeps; null: there is none
     Bar& Make(const MenuBand& band);
     void Apply(Bar& bar, const MenuBand& band);
     void Dock(QToolBar& bar, BandDock to);
