@@ -22,8 +22,11 @@ std::uint16_t PortAt(std::string_view bytes, std::size_t at)
 std::string DottedAddress(std::string_view four)
 {
     std::string text;
-    for (const char part : four)
-        text += (text.empty() ? "" : ".") + std::to_string(Byte(part));
+    for (const char part : four) {
+        if (!text.empty())
+            text += '.';
+        text += std::to_string(Byte(part));
+    }
     return text;
 }
 
