@@ -122,10 +122,11 @@ void DesktopSecrets::Forget(const QString& place)
     SecretService& calls = service.Calls();
     service.WhenKnown([&calls, place](bool there) {
         if (there)
-            calls.Search(place, [&calls](std::optional<SecretService::Paths> unlocked, const SecretService::Paths&) {
-                for (const QDBusObjectPath& item : unlocked.value_or(SecretService::Paths()))
-                    calls.Delete(item);
-            });
+            calls.Search(place,
+                         [&calls](const std::optional<SecretService::Paths>& unlocked, const SecretService::Paths&) {
+                             for (const QDBusObjectPath& item : unlocked.value_or(SecretService::Paths()))
+                                 calls.Delete(item);
+                         });
     });
 }
 

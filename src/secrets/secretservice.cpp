@@ -116,19 +116,19 @@ void SecretService::Search(const QString& place, std::function<void(std::optiona
 void SecretService::Unlock(const QDBusObjectPath& object, Done then)
 {
     Call(kServicePath, kServiceInterface, u"Unlock"_s, {QVariant::fromValue(Paths{object})}, AnswerLimit,
-         [this, then = std::move(then)](const QDBusMessage& reply) mutable {
+         [this, then = std::move(then)](const QDBusMessage& reply) {
              if (!Answered(reply, 2))
                  then(false);
              else if (const auto prompt = Value<QDBusObjectPath>(reply, 1); IsPrompt(prompt))
-                 RunPrompt(prompt, std::move(then));
+                 RunPrompt(prompt, then);
              else
                  then(!Value<Paths>(reply, 0).isEmpty());
          });
 }
 
-void SecretService::RunPrompt(const QDBusObjectPath& prompt, Done then)
+void SecretService::RunPrompt(const QDBusObjectPath& prompt, const Done& then)
 {
-    prompts_.insert(prompt.path(), std::move(then));
+    prompts_.insert(prompt.path(), then);
     bus_.connect(kServiceName, prompt.path(), kPromptInterface, u"Completed"_s, this, SLOT(Completed(QDBusMessage)));
     Call(prompt.path(), kPromptInterface, u"Prompt"_s, {QString()}, AnswerLimit,
          [this, path = prompt.path()](const QDBusMessage& reply) {
@@ -184,11 +184,11 @@ void SecretService::Create(const QDBusObjectPath& collection, const QString& pla
                         .value = QByteArray(utf8.data(), static_cast<qsizetype>(utf8.size())),
                         .contentType = u"text/plain; charset=utf8"_s};
     Call(collection.path(), kCollectionInterface, u"CreateItem"_s, {properties, QVariant::fromValue(sealed), true},
-         WriteLimit, [this, then = std::move(then)](const QDBusMessage& reply) mutable {
+         WriteLimit, [this, then = std::move(then)](const QDBusMessage& reply) {
              if (!Answered(reply, 2))
                  then(false);
              else if (const auto prompt = Value<QDBusObjectPath>(reply, 1); IsPrompt(prompt))
-                 RunPrompt(prompt, std::move(then));
+                 RunPrompt(prompt, then);
              else
                  then(true);
          });

@@ -44,7 +44,7 @@ private:
     using Reply = std::function<void(const QDBusMessage&)>;
     void Call(const QString& path, const QString& interface, const QString& method, const QVariantList& arguments,
               int limit, Reply then);
-    void RunPrompt(const QDBusObjectPath& prompt, Done then);
+    void RunPrompt(const QDBusObjectPath& prompt, const Done& then);
 
     QDBusConnection bus_;
     QString session_;

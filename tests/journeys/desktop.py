@@ -89,9 +89,10 @@ class Kestrune:
         self.home = home
         env = dict(desktop.env, HOME=str(home), XDG_CONFIG_HOME=str(home / "config"),
                    XDG_DATA_HOME=str(home / "data"), XDG_RUNTIME_DIR=str(home / "runtime"), SHELL="/bin/bash",
-                   KESTRUNE_MACHINE_DIR=str(home / "machine"), PS1="$ ", **(extra_env or {}))
+                   KESTRUNE_MACHINE_DIR=str(home / "machine"), PS1="$ ")
         for variable in ("DBUS_SESSION_BUS_ADDRESS", "DBUS_STARTER_ADDRESS"):
             env.pop(variable, None)
+        env.update(extra_env or {})
         for folder in ("config", "data", "runtime", "machine"):
             (home / folder).mkdir(exist_ok=True)
         (home / "runtime").chmod(0o700)

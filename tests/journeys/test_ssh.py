@@ -116,6 +116,74 @@ class Ssh(desktop.Journey):
             self.assertNotIn("secret", shown)
             self.assertNotIn("secret", (self.home / "host.orcf").read_text())
 
+        def password_store(self):
+            """A session bus of this test's with the desktop's password store on it, open; its address."""
+            bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"],
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+            self.addCleanup(bus.wait)
+            self.addCleanup(bus.kill)
+            address = bus.stdout.readline().decode().strip()
+            bus.stdout.close()
+            folder = self.home / "store"
+            folder.mkdir()
+            env = dict(os.environ, DBUS_SESSION_BUS_ADDRESS=address, HOME=str(folder), XDG_DATA_HOME=str(folder),
+                       XDG_RUNTIME_DIR=str(folder))
+            store = subprocess.Popen(["gnome-keyring-daemon", "--foreground", "--unlock", "--components=secrets"],
+                                     env=env, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
+                                     stderr=subprocess.DEVNULL)
+            self.addCleanup(store.wait)
+            self.addCleanup(store.kill)
+            store.stdin.write(b"login password")
+            store.stdin.close()
+            until(lambda: any(folder.rglob("login.keyring")), "the password store's file")
+            return address
+
+        def test_a_password_that_the_desktop_keeps_is_not_asked_for_again(self):
+            address = self.password_store()
+            session = self.session_file("host.orcf", Device=5, HostName="tpass@127.0.0.1", HostPort=self.port,
+                                        HostKeyValidation=3)
+
+            def begin():
+                self.program = self.start(session, extra_env={"DBUS_SESSION_BUS_ADDRESS": address})
+                self.program.window()
+            begin()
+            self.logged("Connection from")
+            time.sleep(1)
+            self.program.type("secret 1")
+            self.program.key("alt+d")  # keep it
+            time.sleep(0.5)
+            self.desktop.picture("ssh-keep-password")
+            self.program.key("Tab")
+            self.program.key("Return")
+            self.logged("Accepted")
+            self.program.shows("$")
+            self.program.kill()
+            self.server.kill()
+            self.server.wait()
+            self.serve()  # with an empty log
+            begin()
+            self.logged("Accepted")
+            self.program.shows("$")
+            for path in self.home.rglob("*"):
+                if path.is_file() and "sshd" not in path.parts:
+                    self.assertNotIn(b"secret 1", path.read_bytes(), path)
+
+    def test_a_session_by_a_jump_host_carries_a_port(self):
+        user = "tkey" if IS_ROOT else os.environ["USER"]
+        with socket.socket() as probe:
+            probe.bind(("127.0.0.1", 0))
+            forwarded = probe.getsockname()[1]
+        self.program = self.start(self.session_file(
+            "far.orcf", Device=5, HostName=f"{user}@127.0.0.1", HostPort=self.port,
+            SSHJump=f"{user}@127.0.0.1:{self.port}", SSHKey=self.folder / "keys/user_ed25519", HostKeyValidation=3,
+            SSHForwards=f"L{forwarded}:127.0.0.1:{self.port}"))
+        self.program.window()
+        self.program.shows("$")
+        until(lambda: self.log.read_text().count("Accepted publickey") == 2, "two logins, one by the other")
+        self.desktop.picture("ssh-by-a-jump-host")
+        with socket.create_connection(("127.0.0.1", forwarded), timeout=10) as carried:
+            self.assertTrue(carried.recv(100).startswith(b"SSH-2.0-"))
+
 
 if __name__ == "__main__":
     desktop.main()

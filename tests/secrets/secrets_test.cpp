@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -46,15 +47,13 @@ public:
     }
 };
 
-// A session bus with nothing on it.
+// A session bus with nothing on it, that starts no service by itself.
 class OwnBus
 {
 public:
     OwnBus()
-        : daemon_(
-              u"dbus-daemon"_s,
-              {u"--session"_s, u"--nofork"_s, u"--print-address"_s, u"--address"_s, u"unix:dir="_s + folder_.path()},
-              Environment())
+        : daemon_(u"dbus-daemon"_s, {u"--nofork"_s, u"--print-address"_s, u"--config-file"_s, Configuration()},
+                  Environment())
     {
         EXPECT_TRUE(Until([this] { return daemon_.canReadLine(); }));
         address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
@@ -73,7 +72,6 @@ public:
         for (const char* name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"})
             environment.insert(QString::fromLatin1(name), folder_.path());
         environment.remove(u"DISPLAY"_s);
-        environment.insert(u"XDG_DATA_DIRS"_s, folder_.path()); // no service is started by the bus
         environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address_);
         return environment;
     }
@@ -85,6 +83,16 @@ public:
     bool Has(const QString& service) { return Connection().interface()->isServiceRegistered(service); }
 
 private:
+    QString Configuration() const
+    {
+        QFile file(folder_.filePath(u"bus.conf"_s));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("<busconfig><type>session</type><listen>unix:dir=" + folder_.path().toUtf8() +
+                   "</listen><policy context=\"default\"><allow send_destination=\"*\"/><allow own=\"*\"/></policy>"
+                   "</busconfig>\n");
+        return file.fileName();
+    }
+
     static inline int counter = 0;
     QTemporaryDir folder_;
     QString address_;
