@@ -41,8 +41,9 @@ void Machine::SelectStatusDisplay(bool on) { screen_.SelectStatusLine(on && stat
 void Machine::UpdateIndicator()
 {
     const CursorState& cursor = screen_.ScreenCursor();
-    std::u32string text =
-        U" " + Digits(screen_.ActivePage() + 1) + U" (" + Digits(cursor.row + 1) + U"," + Digits(cursor.col + 1) + U")";
+    std::u32string text(1, U' ');
+    text.append(Digits(screen_.ActivePage() + 1)).append(U" (").append(Digits(cursor.row + 1));
+    text.append(U",").append(Digits(cursor.col + 1)).append(U")");
     if (text == indicator_)
         return;
     indicator_ = std::move(text);
