@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 // What the shell that was reached says about itself: the server's port is the third word.
 bool ReachesServer(LineRig& rig, quint16 port)
 {
-    rig.Type("stty -echo; echo at $SSH_CONNECTION end\n");
+    rig.Type("stty -echo; echo at $SSH_CONNECTION e''nd\n"); // not the echo of what is typed
     EXPECT_TRUE(rig.UntilReceived(" end\r\n")) << rig.received.data() << rig.errors.join(u'|').toStdString();
     return rig.received.contains(QByteArray(" 127.0.0.1 ") + QByteArray::number(port) + " end");
 }
@@ -139,7 +139,8 @@ TEST(SshJump, ACommandOfTheConfigurationConnects)
     ReadConfiguration(home, {u"Host far\n ProxyCommand no-such-program %h"_s});
     LineRig broken(options);
     ASSERT_TRUE(broken.Opened().UntilClosed());
-    EXPECT_EQ(broken.errorWord, LineErrorWord(Device::Ssh, LineErrorNumber::ConnectionReset));
+    EXPECT_EQ(broken.errorWord, LineErrorWord(Device::Ssh, LineErrorNumber::ConnectionReset))
+        << broken.errors.join(u'|').toStdString();
 }
 
 // --- forwarded ports
