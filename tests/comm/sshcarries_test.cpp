@@ -31,7 +31,7 @@ TEST(SshJump, GoesByTheHostsOfTheSessionOrOfTheConfiguration)
     const OwnHome home;
     Sshd near(home);
     Sshd far(home);
-    ASSERT_TRUE(near.Answers() && far.Answers());
+    ASSERT_TRUE(near.Answers() && far.Answers()) << near.Log().data() << far.Log().data();
     const QString user = QString::fromUtf8(Sshd::User());
     const QString nearPlace = u"%1@127.0.0.1:%2"_s.arg(user).arg(near.Port());
     const QString key = far.Key(u"user_ed25519"_s);
@@ -78,7 +78,7 @@ TEST(SshJump, CarriesAFloodAndTellsWhenItIsLost)
     const OwnHome home;
     Sshd near(home);
     Sshd far(home);
-    ASSERT_TRUE(near.Answers() && far.Answers());
+    ASSERT_TRUE(near.Answers() && far.Answers()) << near.Log().data() << far.Log().data();
     LineOptions options = far.Options();
     options.ssh.jump = u"%1@127.0.0.1:%2"_s.arg(QString::fromUtf8(Sshd::User())).arg(near.Port());
     LineRig rig(options);

@@ -44,14 +44,16 @@ if [ "$(id -u)" != 0 ]; then
     exec /usr/sbin/sshd -D -e -f "$CONFIGURATION"
 fi
 printf 'UsePAM yes\nPermitRootLogin no\n' >> "$CONFIGURATION"
-HASH=$(openssl passwd -6 'secret 1')
-{ cat /etc/passwd; echo "tkey:x:4001:4001::$D/home/tkey:/bin/bash"; echo "tpass:x:4002:4002::$D/home/tpass:/bin/bash"; } > "$D/passwd"
-{ cat /etc/shadow; echo "tkey:*:19000:0:99999:7:::"; echo "tpass:$HASH:19000:0:99999:7:::"; } > "$D/shadow"
-chmod 600 "$D/shadow"
-{ cat /etc/group; echo "tkey:x:4001:"; echo "tpass:x:4002:"; } > "$D/group"
-chown 4001:4001 "$D/home/tkey"
-chown 4002:4002 "$D/home/tpass"
-printf 'auth required pam_unix.so nodelay\naccount required pam_unix.so\nsession required pam_permit.so\n' > "$D/pam"
+if [ ! -e "$D/pam" ]; then # once: a server that runs already has them as its own
+    HASH=$(openssl passwd -6 'secret 1')
+    { cat /etc/passwd; echo "tkey:x:4001:4001::$D/home/tkey:/bin/bash"; echo "tpass:x:4002:4002::$D/home/tpass:/bin/bash"; } > "$D/passwd"
+    { cat /etc/shadow; echo "tkey:*:19000:0:99999:7:::"; echo "tpass:$HASH:19000:0:99999:7:::"; } > "$D/shadow"
+    chmod 600 "$D/shadow"
+    { cat /etc/group; echo "tkey:x:4001:"; echo "tpass:x:4002:"; } > "$D/group"
+    chown 4001:4001 "$D/home/tkey"
+    chown 4002:4002 "$D/home/tpass"
+    printf 'auth required pam_unix.so nodelay\naccount required pam_unix.so\nsession required pam_permit.so\n' > "$D/pam"
+fi
 export D CONFIGURATION
 exec 9>&-
 # Mounts of its own, so that the users exist for this server alone; processes of its own, so that they end with it.
