@@ -34,8 +34,23 @@ public:
         options.ssh.hostKeyValidation = HostKeyValidation::None;
         return options;
     }
+    // Its processes of the sessions, which run as root like the listener, their parent, below unshare.
+    void KillSessions()
+    {
+        const QByteArray listener = Output(u"pgrep"_s, {u"-P"_s, QString::number(ProcessId())}).trimmed();
+        EXPECT_EQ(QProcess::execute(u"pkill"_s, {u"-KILL"_s, u"-P"_s, QString::fromLatin1(listener)}), 0)
+            << listener.data();
+    }
 
 private:
+    static QByteArray Output(const QString& program, const QStringList& arguments)
+    {
+        QProcess process;
+        process.start(program, arguments);
+        process.waitForFinished();
+        return process.readAllStandardOutput();
+    }
+
     const OwnHome& home_;
 };
 
@@ -67,11 +82,12 @@ void WorksOnItsTerminal()
     rig.Type("stty -echo; echo TERM=$TERM $(stty size)\n");
     EXPECT_TRUE(rig.UntilReceived("TERM=vt220 30 100")) << rig.received.data();
     rig.received.clear();
-    rig.Type("vim -u NONE -N\n");
+    rig.Type("vim -u NONE -N; echo go''ne\n");
     ASSERT_TRUE(rig.UntilReceived("~\x1b") || rig.UntilReceived("~\r\n")) << rig.received.data();
     rig.line->Resize({.cols = 132, .rows = 50});
     rig.line->Break(500); // refused, and nothing else happens
     rig.Type("\x1b:q!\n");
+    EXPECT_TRUE(rig.UntilReceived("gone\r\n")) << "vim takes along what is typed before it has gone";
     rig.Type("stty size\n");
     EXPECT_TRUE(rig.UntilReceived("50 132\r\n")) << rig.received.data();
     rig.Type("exit 9\n");
@@ -86,10 +102,10 @@ void WorksOnItsTerminal()
     typed.onQuestion = Answering({u"secret 1"_s});
     ASSERT_TRUE(typed.Opened().UntilOpen()) << typed.errors.join(u'|').toStdString() << server.Log().data();
     EXPECT_EQ(typed.questions.size(), 1U);
-    typed.Type("trap 'echo inter''rupted' INT; echo re''ady; sleep 60; echo af''ter\n");
+    typed.Type("bash -c \"trap 'echo inter''rupted' INT; sleep 60 & echo re''ady; wait\"\n");
     ASSERT_TRUE(typed.UntilReceived("ready\r\n"));
     typed.line->Break(0);
-    EXPECT_TRUE(typed.UntilReceived("interrupted"));
+    EXPECT_TRUE(typed.UntilReceived("interrupted")) << typed.received.data();
 }
 
 void IsLostComesBackAndHasAnotherKey()
@@ -101,7 +117,7 @@ void IsLostComesBackAndHasAnotherKey()
     options.ssh.hostKeyValidation = HostKeyValidation::AcceptNew;
     LineRig rig(options);
     ASSERT_TRUE(rig.Opened().UntilOpen()) << rig.errors.join(u'|').toStdString();
-    rig.Type("kill -9 $PPID\n"); // the server's process of this session
+    server->KillSessions();
     ASSERT_TRUE(rig.UntilClosed());
     EXPECT_EQ(rig.programEnds, 0);
     LineRig again(options);

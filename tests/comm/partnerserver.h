@@ -53,6 +53,7 @@ public:
         });
     }
     quint16 Port() const { return port_; }
+    qint64 ProcessId() const { return process_.processId(); }
     QByteArray Log() { return process_.readAll(); }
 
 private:

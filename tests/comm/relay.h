@@ -64,8 +64,11 @@ private:
             if (secret == 0 || said.size() <= secret || said.size() < secret + 1 + said[secret])
                 return;
             const bool right = said.mid(at, login.size()) == login;
-            relay.refused += right ? 0 : 1;
-            caller->write(right ? QByteArray("\1\0", 2) : QByteArray("\1\1", 2));
+            if (answeredBefore < 2) {
+                caller->write(right ? QByteArray("\1\0", 2) : QByteArray("\1\1", 2));
+                caller->setProperty("answered", 2);
+                relay.refused += right ? 0 : 1;
+            }
             if (!right)
                 return caller->disconnectFromHost();
             at += login.size();

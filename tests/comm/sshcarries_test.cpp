@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 // What the shell that was reached says about itself: the server's port is the third word.
 bool ReachesServer(LineRig& rig, quint16 port)
 {
-    rig.Type("stty -echo; echo at $SSH_CONNECTION end\n");
+    rig.Type("stty -echo; echo at $SSH_CONNECTION e''nd\n"); // not the echo of what is typed
     EXPECT_TRUE(rig.UntilReceived(" end\r\n")) << rig.received.data() << rig.errors.join(u'|').toStdString();
     return rig.received.contains(QByteArray(" 127.0.0.1 ") + QByteArray::number(port) + " end");
 }
@@ -31,7 +31,7 @@ TEST(SshJump, GoesByTheHostsOfTheSessionOrOfTheConfiguration)
     const OwnHome home;
     Sshd near(home);
     Sshd far(home);
-    ASSERT_TRUE(near.Answers() && far.Answers());
+    ASSERT_TRUE(near.Answers() && far.Answers()) << near.Log().data() << far.Log().data();
     const QString user = QString::fromUtf8(Sshd::User());
     const QString nearPlace = u"%1@127.0.0.1:%2"_s.arg(user).arg(near.Port());
     const QString key = far.Key(u"user_ed25519"_s);
@@ -78,7 +78,7 @@ TEST(SshJump, CarriesAFloodAndTellsWhenItIsLost)
     const OwnHome home;
     Sshd near(home);
     Sshd far(home);
-    ASSERT_TRUE(near.Answers() && far.Answers());
+    ASSERT_TRUE(near.Answers() && far.Answers()) << near.Log().data() << far.Log().data();
     LineOptions options = far.Options();
     options.ssh.jump = u"%1@127.0.0.1:%2"_s.arg(QString::fromUtf8(Sshd::User())).arg(near.Port());
     LineRig rig(options);
@@ -139,7 +139,8 @@ TEST(SshJump, ACommandOfTheConfigurationConnects)
     ReadConfiguration(home, {u"Host far\n ProxyCommand no-such-program %h"_s});
     LineRig broken(options);
     ASSERT_TRUE(broken.Opened().UntilClosed());
-    EXPECT_EQ(broken.errorWord, LineErrorWord(Device::Ssh, LineErrorNumber::ConnectionReset));
+    EXPECT_EQ(broken.errorWord, LineErrorWord(Device::Ssh, LineErrorNumber::ConnectionReset))
+        << broken.errors.join(u'|').toStdString();
 }
 
 // --- forwarded ports

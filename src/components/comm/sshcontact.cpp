@@ -11,6 +11,8 @@
 #include <QFile>
 
 #include <algorithm>
+#include <array>
+#include <system_error>
 
 namespace kestrune::comm {
 
@@ -162,7 +164,9 @@ void SshContact::FailToAgree()
             if (reason.contains(subject.mark))
                 Fail(LineErrorNumber::ProtocolNotSupported, Say(subject.text).arg(host_, offer));
     }
-    if (reason.contains("Socket error"_L1) || reason.isEmpty())
+    // A socket that has ended without an error has the system's word for that as its reason: "Success".
+    const QString noError = QString::fromStdString(std::generic_category().message(0));
+    if (reason.contains("Socket error"_L1) || reason.isEmpty() || reason == noError)
         Fail(LineErrorNumber::ConnectionReset,
              Say("Unable to connect to %1: the host has closed the connection before the login.").arg(host_));
     Fail(LineErrorNumber::ProtocolNotSupported, Say("Unable to connect to %1: %2").arg(host_, reason));

@@ -55,6 +55,9 @@ SshShell::SshShell(SshContact& contact)
                                                  const char*, void* self) {
         static_cast<SshShell*>(self)->signalNumber_ = SignalNumber(name);
     };
+    callbacks_.channel_close_function = [](ssh_session, ssh_channel, void* self) {
+        static_cast<SshShell*>(self)->closed_ = true;
+    };
     ssh_callbacks_init(&callbacks_);
     // Before the request: a short program's exit status may come with the answer to it.
     ssh_set_channel_callbacks(channel_.get(), &callbacks_);
@@ -184,13 +187,14 @@ SshEnding SshShell::Run()
             throw SshFailure(SshEnding{});
         const bool more = forwards_->Move();
         const bool allRead = mail.Room() > 0;
-        if (allRead && ssh_channel_is_closed(channel_.get()))
+        const bool hasEnded = closed_ || exitCode_ || signalNumber_ != 0; // some hosts tell the end and hang up
+        if (allRead && contact_.IsLost() && !hasEnded)
+            contact_.FailAsLost();
+        if (allRead && (closed_ || contact_.IsLost()))
             return {.number = 0,
                     .text = ShellText::tr("The host %1 has closed the connection.").arg(contact_.Host()),
                     .exitCode = exitCode_,
                     .signalNumber = signalNumber_};
-        if (allRead && contact_.IsLost())
-            contact_.FailAsLost();
         if (!more && contact_.Heard() == heard)
             ssh_event_dopoll(event_.get(), -1);
     }

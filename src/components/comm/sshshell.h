@@ -36,6 +36,7 @@ private:
     qsizetype sent_ = 0;      // of sending_
     quint64 heardBefore_ = 0; // at the last sign of life
     int silences_ = 0;        // signs of life in a row that the host has said nothing after
+    bool closed_ = false;     // by the host; the library calls a channel closed as well when its connection is lost
     std::optional<int> exitCode_;
     int signalNumber_ = 0;
 };
