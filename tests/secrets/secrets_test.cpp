@@ -88,7 +88,8 @@ private:
         QFile file(folder_.filePath(u"bus.conf"_s));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write("<busconfig><type>session</type><listen>unix:dir=" + folder_.path().toUtf8() +
-                   "</listen><policy context=\"default\"><allow send_destination=\"*\"/><allow own=\"*\"/></policy>"
+                   "</listen><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                   "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy>"
                    "</busconfig>\n");
         return file.fileName();
     }
