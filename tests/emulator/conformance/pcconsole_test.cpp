@@ -45,6 +45,7 @@ const ConsoleCase kCases[] = {
     {"size of the screen", Type::Ansi, "\x1b[255n", "", {0, 0}, "\x1b[5;10R"},
     {"SCO is silent", Type::Sco, "\x1b[c\x1b[>c\x1b[=c\x1b[=0M", "", {0, 0}},
     {"REP takes a number and a count", Type::Sco, "\x1b[42;3b\x1b[196;2b", "***──", {5, 0}},
+    {"REP with a count alone repeats the last one", Type::Sco, "a\x1b[2bb", "aaab", {4, 0}},
     {"REP elsewhere repeats the last one", Type::Ansi, "a\x1b[2b", "aaa", {3, 0}},
     {"REP fills no more than the screen",
      Type::Sco,

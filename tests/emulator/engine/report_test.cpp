@@ -31,6 +31,8 @@ TEST(EngineReports, AnswersOfTheTypes)
         {"DA2 is not the Linux console's", Type::Linux, "\x1b[>c", ""},
         {"DA3", Type::Vt420, "\x1b[=c", "\x1bP!|00000000\x1b\\"},
         {"DA3 is not a VT220's", Type::Vt220, "\x1b[=c", ""},
+        {"back from VT52 mode as a VT100", Type::Vt420, "\x1b[?2l\x1b<\x1b[c\x1b[=c", "\x1b[?1;2c"},
+        {"and to its own level by DECSCL", Type::Vt220, "\x1b[?2l\x1b<\x1b[62;1\"p\x1b[c", "\x1b[?62;1;2;6;8;9c"},
         {"VT52 identity", Type::Vt220, "\x1b[?2l\x1bZ", "\x1b/Z"},
         {"VT52's own identity", Type::Vt52, "\x1bZ", "\x1b/K"},
         {"status", Type::Vt220, "\x1b[5n", "\x1b[0n"},

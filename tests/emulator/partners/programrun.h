@@ -58,15 +58,19 @@ public:
         const winsize window = WindowOf(size);
         ioctl(master_, TIOCSWINSZ, &window);
     }
-    // Until `shows` holds for the screen, or the program has been silent or gone for too long; then what there is.
+    // Until `shows` holds for the screen and the program says no more, or it is gone or takes too long; then what there
+    // is. A program that is still drawing could miss what is done to it next, as less does a new size.
     template <typename Shows>
     std::string Until(Shows&& shows)
     {
         const auto end = std::chrono::steady_clock::now() + kLongest;
-        std::string screen = Screen();
-        while (!shows(screen) && std::chrono::steady_clock::now() < end && Feed())
-            screen = Screen();
-        return screen;
+        for (;;) {
+            const Heard heard = Feed();
+            std::string screen = Screen();
+            if (heard == Heard::End || (heard == Heard::Nothing && shows(screen)) ||
+                std::chrono::steady_clock::now() >= end)
+                return screen;
+        }
     }
 
     // Until it waits for a key: it has been silent for a while, and `asks` holds or the silence is a long one.
@@ -78,7 +82,7 @@ public:
             pollfd ready{master_, POLLIN, 0};
             if (poll(&ready, 1, kPause) == 0)
                 silent += asks(Screen()) ? kLongPause / 2 : kPause;
-            else if (!Feed())
+            else if (Feed() == Heard::End)
                 break;
             else
                 silent = 0;
@@ -106,19 +110,25 @@ private:
         window.ws_row = static_cast<unsigned short>(size.rows);
         return window;
     }
-    bool Feed() // false: the program has gone
+    enum class Heard
+    {
+        Nothing,
+        Output,
+        End
+    };
+    Heard Feed()
     {
         pollfd ready{master_, POLLIN, 0};
         if (poll(&ready, 1, kWaitMilliseconds) == 0)
-            return true;
+            return Heard::Nothing;
         char piece[4096];
         const ssize_t got = read(master_, piece, sizeof piece);
         if (got <= 0)
-            return false;
+            return Heard::End;
         bench_.HostSays({piece, size_t(got)});
         if (const std::string replies = bench_.Replies(); !replies.empty())
             Type(replies);
-        return true;
+        return Heard::Output;
     }
     std::string Screen() const
     {

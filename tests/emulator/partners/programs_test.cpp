@@ -39,23 +39,34 @@ struct Program
     const char* keys;    // typed then
     const char* after;   // what they lead to
     const char* rows;    // only rows with one of these, separated by '|'; nullptr: all, the rest changes with time
+    std::string_view notUnder = {};   // entries whose terminals cannot show it as the program writes it, after spaces
+    std::string_view notResized = {}; // and those where that goes for a new size only
 };
 
 void PrintTo(const Program& program, std::ostream* out) { *out << program.name; }
 
+// A VT52 has neither corners nor vertical lines. tmux counts on wrapping, which a VT52 does not do, and on staying in
+// the last column, where the PC consoles wrap at once and scroll. nano asks for bracketed paste after each new size,
+// whatever the terminal; a VT52 shows it. vim takes every VT52 for one with the insertion and deletion of lines of a
+// later home computer, and has to be told.
 constexpr Program kPrograms[] = {
-    {"vim", "vim -u NONE -N -n text", "Line 1 ", "Gddix\x1bggOinserted at the top\x1b:3d\r", "inserted at the top",
-     nullptr},
+    {"vim", "vim -u NONE -N -n -c \"if &term == \\\"vt52\\\" | set t_al= t_dl= | endif\" text", "Line 1 ",
+     "Gddix\x1bggOinserted at the top\x1b:3d\r", "inserted at the top", nullptr},
     {"less", "less text", "Line 1 ", "/Line 77\r", "Line 77 ", nullptr},
-    {"nano", "nano -I text", "Line 1 ", "typed \x0e\x0e\x0b", "typed Line 1", nullptr},
+    {"nano", "nano -I text", "Line 1 ", "typed \x0e\x0e\x0b", "typed Line 1", nullptr, {}, " vt52"},
     {"dialog", "dialog --no-shadow --title Choice --menu \"Choose one\" 15 40 5 one first two second three third",
      "second", "t", "third", nullptr},
     {"mc", "mc -u -a files other", "beta", "\t\t\x0e", "gamma", nullptr},
-    {"mc with lines", "mc -u files other", "beta", "\t\t\x0e", "gamma", nullptr},
+    {"mc with lines", "mc -u files other", "beta", "\t\t\x0e", "gamma", nullptr, " vt52"},
     {"htop", "htop", "PID", "", "F1", "PID USER|F1Help"},
     {"tmux", "tmux -L inner -f inner.conf new-session \"cat text; sh -i\"", "Line 120", "echo typ''ed\r", "typed",
-     nullptr},
+     nullptr, " vt52 ansi scoansi"},
 };
+
+bool Names(std::string_view entries, const char* term)
+{
+    return (std::string(entries) + ' ').find(std::string(" ") + term + ' ') != std::string::npos;
+}
 
 std::string Plain(const std::string& utf8)
 {
@@ -128,7 +139,15 @@ public:
     }
     Workplace(const Workplace&) = delete;
     Workplace& operator=(const Workplace&) = delete;
-    ~Workplace() { std::filesystem::remove_all(folder_); }
+    ~Workplace()
+    {
+        // Programs that are just ending may still write what they remember.
+        std::error_code error;
+        for (int tries = 0; tries < 50 && (tries == 0 || error); ++tries) {
+            poll(nullptr, 0, tries == 0 ? 0 : 100);
+            std::filesystem::remove_all(folder_, error);
+        }
+    }
     std::string Folder() const { return folder_.string(); }
     std::string In(const std::string& command) const
     {
@@ -141,11 +160,13 @@ private:
 
 // Drives either side through the same story and tells of each scene: what it is called, and the program's marker.
 template <typename Screen, typename Scene>
-void Play(const Program& program, Screen& screen, Scene&& scene)
+void Play(const Program& program, bool resized, Screen& screen, Scene&& scene)
 {
     scene("started", program.marker);
     screen.Type(program.keys);
     scene("after its keys", program.after);
+    if (!resized)
+        return;
     screen.Resize(kLarge);
     scene("made larger", program.after);
     screen.Resize(kUsual);
@@ -160,7 +181,7 @@ protected:
         Workplace place;
         ReferenceScreen reference(place.Folder(), place.In(program.command), kUsual);
         std::map<std::string, std::string> scenes;
-        Play(program, reference, [&](const char* scene, const char* marker) {
+        Play(program, true, reference, [&](const char* scene, const char* marker) {
             scenes[scene] = Compared(WithoutFolder(reference.Settled(marker), place), program.rows);
         });
         return scenes;
@@ -180,9 +201,11 @@ TEST_P(Programs, ShowTheSameUnderEveryType)
     const Program& program = GetParam();
     const auto expected = Expected(program);
     for (const HostType& type : kTypes) {
+        if (Names(program.notUnder, type.term))
+            continue;
         Workplace place;
         ProgramRun run(place.Folder(), place.In(program.command), type.number, type.term, kUsual);
-        Play(program, run, [&](const char* scene, const char*) {
+        Play(program, !Names(program.notResized, type.term), run, [&](const char* scene, const char*) {
             const std::string& wanted = expected.at(scene);
             const auto shown = [&](const std::string& screen) {
                 return Compared(WithoutFolder(screen, place), program.rows);

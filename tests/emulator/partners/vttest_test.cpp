@@ -124,15 +124,15 @@ private:
         std::istringstream lines(screen_);
         for (std::string line; std::getline(lines, line);)
             for (const char* word : {"bad format", "failed", "FAIL", "rror", "not ok", "Unknown", "unexpected"})
-                if (line.find(word) != line.npos && !IsOfLaterModel(line))
+                if (line.find(word) != line.npos && !IsOfLaterModel(path + line))
                     complaints_ += path + ": " + line + '\n';
     }
     // vttest offers every question to every model; one that came later does not get an answer from an earlier one.
-    bool IsOfLaterModel(const std::string& line) const
+    bool IsOfLaterModel(const std::string& question) const
     {
         std::string own = model_.term; // "vt220"
         for (const char* later : {"VT220", "VT320", "VT420", "VT510", "VT520"})
-            if (line.find(later) != line.npos && own.substr(2) < std::string(later).substr(2))
+            if (question.find(later) != question.npos && own.substr(2) < std::string(later).substr(2))
                 return true;
         return false;
     }

@@ -65,7 +65,7 @@ void KeypadMode(Machine& m, bool on) { m.Switches().Set(Mode::NumericKeypad, on)
 void LeaveVt52(Machine& m)
 {
     m.Switches().Set(Mode::Ansi, true);
-    m.UpdateRules();
+    m.LowerToVt100(); // whatever level it had: the later models come back as a VT100, until the next DECSCL
 }
 
 void Vt52Graphics(Machine& m, bool on)

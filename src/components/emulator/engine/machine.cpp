@@ -282,6 +282,13 @@ void Machine::SetLevel(int level, bool eightBit)
     UpdateRules();
 }
 
+void Machine::LowerToVt100()
+{
+    level_ = std::min(level_, 1); // types that have no levels stay at 0
+    eightBitReplies_ = false;
+    UpdateRules();
+}
+
 void Machine::SelectUtf8(bool on)
 {
     // "Default" is the encoding that the user has chosen, or Latin-1 if that is UTF-8.

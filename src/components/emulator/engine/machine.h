@@ -85,6 +85,7 @@ public:
     void SetMode(const ModeRow& row, bool on);
     void SoftReset();
     void SetLevel(int level, bool eightBit); // DECSCL
+    void LowerToVt100();                     // without the soft reset of DECSCL
     void SetEightBitReplies(bool on) { eightBitReplies_ = on; }
     void Designate(int which, bool wide96, std::string_view designator);
     void LockingShift(int which) { screen_.Charsets().gl = which; }

@@ -115,6 +115,11 @@ void ScoGlyph(Machine& machine, const ControlSequence& sequence)
 // The console takes the character as a number and the count after it; everybody else repeats the last one.
 void ScoRepeat(Machine& machine, const ControlSequence& sequence)
 {
+    // Under the name "ansi", which this type tells its hosts, others know REP as ECMA-48 has it: a count alone.
+    if (sequence.params.Size() < 2) {
+        machine.Display().Repeat(sequence.params.Count(0));
+        return;
+    }
     const int character = sequence.params.At(0);
     if (sequence.params.Size() != 2 || character < 0x20 || character > 0xFF)
         return;
