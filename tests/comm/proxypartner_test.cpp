@@ -62,7 +62,7 @@ TEST(ProxyPartner, ReachesAHostThatOnlyTheProxyKnows)
             ASSERT_TRUE(rig.Opened().UntilReceived("ready")) << kind << rig.errors.join(u' ').toStdString();
             EXPECT_EQ(rig.questions.size(), proxy == &locked ? 1U : 0U);
             rig.Type("hello\r");
-            EXPECT_TRUE(rig.UntilReceived("got hello"));
+            EXPECT_TRUE(rig.UntilReceived("got hello")) << kind << rig.received.toHex(32).constData();
             ASSERT_TRUE(rig.UntilClosed());
             EXPECT_EQ(rig.errors, QStringList());
         }

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <regex>
 #include <sstream>
 
 namespace kestrune::emu::partners {
@@ -73,13 +72,17 @@ private:
     // Items of a menu as number and title.
     static std::vector<std::pair<std::string, std::string>> Items(const std::string& screen)
     {
-        static const std::regex kItem("^ +([0-9]+)[.*] (.+)$");
         std::vector<std::pair<std::string, std::string>> items;
         std::istringstream lines(screen);
-        std::smatch match;
-        for (std::string line; std::getline(lines, line);)
-            if (std::regex_match(line, match, kItem) && match[1] != "0")
-                items.emplace_back(match[1], match[2]);
+        for (std::string line; std::getline(lines, line);) { // "  12. Title"; a star in place of the dot
+            const size_t first = line.find_first_not_of(' ');
+            const size_t end = first == line.npos ? line.npos : line.find_first_not_of("0123456789", first);
+            if (first == 0 || end == line.npos || end == first || line.size() < end + 3 ||
+                (line[end] != '.' && line[end] != '*') || line[end + 1] != ' ')
+                continue;
+            if (const std::string number = line.substr(first, end - first); number != "0")
+                items.emplace_back(number, line.substr(end + 2));
+        }
         return items;
     }
     static bool IsLeftOut(const std::string& title)
