@@ -152,7 +152,16 @@ public:
     {
         if (!typedAhead.empty())
             channel_.Send(Packet::Data, typedAhead);
-        while (channel_.IsOpen()) {
+        for (;;) {
+            // Before any wait: the first output may have come together with the agreement.
+            while (const auto message = channel_.Next()) {
+                if (message->kind == Packet::Exit)
+                    return std::atoi(message->payload.c_str()); // NOLINT(cert-err34-c): ours
+                if (message->kind == Packet::Data && !WriteAll(message->payload))
+                    return {};
+            }
+            if (!channel_.IsOpen())
+                return {};
             Wait(channel_.Unsent() < kMostUnsent);
             if (windowChanged != 0) {
                 windowChanged = 0;
@@ -162,14 +171,7 @@ public:
                 return {};
             channel_.Read();
             channel_.Write();
-            while (const auto message = channel_.Next()) {
-                if (message->kind == Packet::Exit)
-                    return std::atoi(message->payload.c_str()); // NOLINT(cert-err34-c): ours
-                if (message->kind == Packet::Data && !WriteAll(message->payload))
-                    return {};
-            }
         }
-        return {};
     }
 
 private:
