@@ -1,6 +1,7 @@
-// What stands between a network device and its host when a real proxy (tests/partners/proxy.py) refuses.
+// Network devices through a proxy that really passes bytes on, to a real telnet server (tests/partners/proxy.py).
 
 #include "scriptedhost.h"
+#include "telnetserver.h"
 
 #include <gtest/gtest.h>
 
@@ -39,7 +40,35 @@ private:
     quint16 port_;
 };
 
+// The daemon drops what a script prints with its last breath: it waits to be let go.
+constexpr auto ReadyScript = "#!/bin/bash\necho ready\nread line\necho \"got $line\"\nread line\n";
 constexpr int Socks5 = 1, HttpConnect = 2;
+
+TEST(ProxyPartner, ReachesAHostThatOnlyTheProxyKnows)
+{
+    TelnetServer server(ReadyScript);
+    ASSERT_TRUE(server.Answers());
+    const RealProxy open, locked({u"ann"_s, u"open sesame"_s});
+    for (const int kind : {Socks5, HttpConnect})
+        for (const RealProxy* proxy : {&open, &locked}) {
+            LineOptions options = server.Options();
+            options.hostName = u"far.example"_s;
+            options.proxy = proxy->Options(kind, proxy == &locked ? u"ann"_s : QString());
+            LineRig rig(options);
+            rig.onQuestion = [](const LineQuestion& question) {
+                LineAnswer answer{.question = question.id, .choice = LineAnswer::Choice::Continue};
+                answer.values.emplace_back("open sesame");
+                return answer;
+            };
+            ASSERT_TRUE(rig.Opened().UntilReceived("ready")) << kind << rig.errors.join(u' ').toStdString();
+            EXPECT_EQ(rig.questions.size(), proxy == &locked ? 1U : 0U);
+            rig.Type("hello\r");
+            EXPECT_TRUE(rig.UntilReceived("got hello"));
+            rig.Type("bye\r");
+            ASSERT_TRUE(rig.UntilClosed());
+            EXPECT_EQ(rig.errors, QStringList());
+        }
+}
 
 TEST(ProxyPartner, SaysWhatIsInTheWay)
 {

@@ -10,6 +10,8 @@ namespace {
 constexpr char Version5 = 5;
 constexpr char Version4 = 4;
 constexpr char ConnectCommand = 1;
+constexpr char RefusedCommand = 7; // of the replies of RFC 1928, 6
+constexpr char RefusedAddress = 8;
 constexpr std::size_t LongestOldRequest = 600; // user name and host name, both ended by NUL
 
 constexpr unsigned Byte(char c) { return static_cast<unsigned char>(c); }
@@ -77,8 +79,7 @@ SocksServer::Progress SocksServer::TakeRequest()
     const std::size_t prefix = kind == 3 ? 1 : 0;
     const std::size_t length = kind == 1 ? 4 : kind == 4 ? 16 : kind == 3 ? Byte(said_[Head]) : 0;
     if (length == 0 || said_[1] != ConnectCommand) {
-        const char why = length == 0 ? '\x08' : '\x07'; // kind of address, command: not supported
-        answer_ = {Version5, why, 0, 1, 0, 0, 0, 0, 0, 0};
+        answer_ = {Version5, length == 0 ? RefusedAddress : RefusedCommand, 0, 1, 0, 0, 0, 0, 0, 0};
         return Progress::Refused;
     }
     if (said_.size() < Head + prefix + length + 2)
