@@ -17,7 +17,7 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
     constexpr int sessions = 100, rounds = 3;
     FormBench bench;
-    bench.form->resize(1280, 860);
+    bench.window->resize(1280, 860);
     std::vector<std::shared_ptr<clsSession>> all;
     for (int i = 0; i < sessions; ++i)
         all.push_back(bench.Open(QStringLiteral("host %1.orcf").arg(i + 1)));

@@ -29,7 +29,7 @@ TEST(Frame, TabsFollowTheSessionsAndADraggedOneMovesItsSession)
     windows.action = u"[#514]"_s;
     MenuTool menu;
     menu.tools = {windows};
-    bench.Application().Menu().BandOpen(bench.form->Menu(), menu, nullptr);
+    bench.Application().Menu().BandOpen(bench.window->Menu(), menu, nullptr);
     ASSERT_EQ(menu.tools.size(), 4u);
     EXPECT_EQ(menu.tools[1].caption, u"&1  c"_s) << "the Window list has the same order";
 
@@ -43,14 +43,14 @@ TEST(Frame, ATabIsRenamedInPlace)
 {
     FormBench bench;
     const auto session = bench.Open(u"a.orcf"_s);
-    ASSERT_TRUE(bench.form->RenameTab(*session));
+    ASSERT_TRUE(bench.window->RenameTab(*session));
     auto* box = bench.Tabs().findChild<QLineEdit*>(u"frmRename"_s);
     QTest::keyClicks(box, u"Payroll & co"_s);
     QTest::keyClick(box, Qt::Key_Return);
     bench.Settle();
     EXPECT_EQ(session->frmSession()->Title(), u"Payroll & co"_s);
     EXPECT_EQ(bench.TabTexts(), QStringList{u"Payroll && co"_s});
-    EXPECT_TRUE(bench.form->windowTitle().endsWith(u"[Payroll & co]"_s));
+    EXPECT_TRUE(bench.window->windowTitle().endsWith(u"[Payroll & co]"_s));
 }
 
 TEST(Frame, ATabTellsOfASessionThatIsNotLookedAt)
@@ -97,7 +97,7 @@ TEST(Frame, ASwitchOfSessionsMovesNoBar)
     FormBench bench;
     const auto a = bench.Open(u"a.orcf"_s), b = bench.Open(u"b.orcf"_s);
     Changes changes;
-    changes.frame = bench.form;
+    changes.frame = bench.window;
     qApp->installEventFilter(&changes);
     for (int i = 0; i < 4; ++i) {
         (i % 2 == 0 ? a : b)->Activate();
@@ -119,14 +119,14 @@ TEST(Frame, BarPlacesAreKeptAsTheyAreMoved)
         bench.Settle();
         places = bench.Stored(u"BarPlaces"_s);
         EXPECT_NE(places, u"-"_s);
-        EXPECT_EQ(bench.form->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left) << "in every menu";
+        EXPECT_EQ(bench.window->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left) << "in every menu";
     }
     FormBench again;
-    again.form->RestoreBars(places);
+    again.window->RestoreBars(places);
     again.Settle();
-    EXPECT_EQ(again.form->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left);
-    again.form->RestoreBars(u"%% not even this"_s);
-    EXPECT_EQ(again.form->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left);
+    EXPECT_EQ(again.window->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left);
+    again.window->RestoreBars(u"%% not even this"_s);
+    EXPECT_EQ(again.window->Menu().Band(u"Toolbar"_s)->dock, BandDock::Left);
 }
 
 TEST(Frame, CtrlTabWalksBackThroughTheSessionsAsTheyWereUsed)
@@ -136,7 +136,7 @@ TEST(Frame, CtrlTabWalksBackThroughTheSessionsAsTheyWereUsed)
     emit bench.Tabs().Dragged(c->frmSession()->Handle(), a->frmSession()->Handle()); // the order of tabs is another
     a->Activate();
     bench.Settle();
-    const auto active = [&] { return dynamic_cast<frmMdiChild*>(bench.form->ActiveChild()); };
+    const auto active = [&] { return dynamic_cast<frmMdiChild*>(bench.window->ActiveChild()); };
     ASSERT_EQ(active(), &FormBench::WindowOf(*a));
     QTest::keyPress(&active()->View(), Qt::Key_Tab, Qt::ControlModifier);
     bench.Settle();
