@@ -272,6 +272,11 @@ void clsSession::SetSessionTitle()
                                         .format = application_.TitleFormat(),
                                         .id = id_,
                                         .ordinal = OrdinalAmongSameFile()});
+    // The same again leaves a tab that the user has renamed as it is: titles are refreshed whenever any session comes,
+    // goes or moves.
+    if (title == title_)
+        return;
+    title_ = title;
     frmSession_->ChangeCaption(title);
     frmSession_->Emulator().SetTitle(title);
     application_.Frame()->RefreshSessionBar();

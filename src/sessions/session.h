@@ -190,6 +190,7 @@ private:
     int serverMode_ = 0;
     QString serverName_;
     QString caption_;
+    QString title_; // that SetSessionTitle last gave the window
     QString fileName_;
     QString icon_;
     QString saveDir_;

@@ -51,6 +51,14 @@ TEST(Frame, ATabIsRenamedInPlace)
     EXPECT_EQ(session->frmSession()->Title(), u"Payroll & co"_s);
     EXPECT_EQ(bench.TabTexts(), QStringList{u"Payroll && co"_s});
     EXPECT_TRUE(bench.window->windowTitle().endsWith(u"[Payroll & co]"_s));
+
+    const auto other = bench.Open(u"b.orcf"_s);
+    emit bench.Tabs().Dragged(session->frmSession()->Handle(), 0);
+    bench.Settle();
+    EXPECT_EQ(bench.TabTexts(), (QStringList{u"b"_s, u"Payroll && co"_s})) << "it holds while others come and move";
+    session->SetCaption(u"Sales"_s);
+    bench.Settle();
+    EXPECT_EQ(bench.TabTexts(), (QStringList{u"b"_s, u"Sales"_s})) << "until the session itself is named anew";
 }
 
 TEST(Frame, ATabTellsOfASessionThatIsNotLookedAt)

@@ -188,16 +188,25 @@ void ToolBars::Restore(const QByteArray& places)
     auto* tabs = SessionRow();
     const Qt::ToolBarArea side = tabs != nullptr ? window_.toolBarArea(tabs) : Qt::NoToolBarArea;
     window_.restoreState(places, PlacesVersion);
-    if (tabs != nullptr) { // it is no bar of ours, and its old height may be that of no tabs
-        window_.removeToolBar(tabs);
-        window_.addToolBarBreak(side);
-        window_.addToolBar(side, tabs);
-    }
+    SetTabsInmost(side); // not where they were: they are no bar of ours, and their old height may be that of no tabs
     for (QToolBar* bar : all)
         bar->setVisible(seen.contains(bar));
     for (const Bar& bar : bars_)
         BringBack(*bar.widget);
     last_ = Places();
+}
+
+// The tabs have a row of their own, next to the sessions; a bar that was dropped into it or behind it makes way.
+void ToolBars::SetTabsInmost(Qt::ToolBarArea side)
+{
+    QToolBar* tabs = SessionRow();
+    if (tabs == nullptr)
+        return;
+    const bool hidden = tabs->isHidden();
+    window_.removeToolBar(tabs);
+    window_.addToolBarBreak(side);
+    window_.addToolBar(side, tabs);
+    tabs->setVisible(!hidden);
 }
 
 void ToolBars::BringBack(QToolBar& bar) const
@@ -222,8 +231,10 @@ void ToolBars::CheckPlaces()
             checking_ = false;
             if (QGuiApplication::mouseButtons() != Qt::NoButton)
                 return; // still in the hand; letting go comes here again
-            if (const QByteArray now = Places(); now != last_) {
-                last_ = now;
+            if (Places() != last_) {
+                if (const QToolBar* tabs = SessionRow())
+                    SetTabsInmost(window_.toolBarArea(tabs));
+                last_ = Places();
                 if (model_)
                     WriteDocks(*model_);
                 emit Moved();

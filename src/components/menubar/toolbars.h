@@ -57,6 +57,7 @@ private:
     void Dock(QToolBar& bar, BandDock to);
     BandDock DockOf(const QToolBar& bar) const;
     void Restore(const QByteArray& places);
+    void SetTabsInmost(Qt::ToolBarArea side);
     void BringBack(QToolBar& bar) const;
     void CheckPlaces();
 
