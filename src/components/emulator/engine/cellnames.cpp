@@ -85,6 +85,8 @@ void Screen::Sweep()
     clusters_.Keep(clusters);
     links_.Keep(links);
     history_.ForgetNumbers();
+    if (reflown_ != nullptr)
+        reflown_->ForgetNumbers();
     const bool crowded = styles_.Live() > StyleTable::Max / 8 * 7 || clusters_.Live() > ClusterTable::Max / 8 * 7 ||
                          links_.Live() > LinkTable::Max / 8 * 7;
     refusalsUntilSweep_ = crowded ? kSweepPause : 0;

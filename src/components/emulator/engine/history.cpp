@@ -330,6 +330,27 @@ void History::Unpack(const Block& block, uint64_t serial, Look& look)
     look.row.size = head.size;
 }
 
+void History::ContinueAfter(const History& other)
+{
+    constexpr uint64_t apart = 1 << 21; // more than there are lines: nobody finds an old line under a new number
+    first_ = end_ = other.end_ + apart;
+    pushed_ = other.pushed_ + apart;
+}
+
+void History::TakeOver(History& other)
+{
+    std::swap(first_, other.first_);
+    std::swap(end_, other.end_);
+    std::swap(pushed_, other.pushed_);
+    std::swap(blocks_, other.blocks_);
+    std::swap(newest_, other.newest_);
+    std::swap(spare_, other.spare_);
+    std::swap(epoch_, other.epoch_);
+    std::swap(localStyles_, other.localStyles_);
+    std::swap(localClusters_, other.localClusters_);
+    std::swap(looks_, other.looks_);
+}
+
 void History::DropNewest()
 {
     Block& newest = blocks_.back();

@@ -35,6 +35,7 @@ public:
     explicit History(CellNames& names) : names_(names) {}
 
     void SetLimit(int rows); // 0 to 1,000,000; drops the oldest
+    int Limit() const { return limit_; }
     int Count() const { return int(end_ - first_); }
     uint64_t Pushed() const { return pushed_; }
     void Push(const Row& row);
@@ -44,6 +45,9 @@ public:
     // changes.
     const Row& At(int index);
     void DropNewest(); // it went back to the screen
+    // An empty one that is to take the place of the other: no number of a line comes twice.
+    void ContinueAfter(const History& other);
+    void TakeOver(History& other); // its lines and looks in place of these, which it gets; the limits stay
     // The numbers of styles that stand in rows handed out by At change after a sweep unless they are kept.
     template <typename Visit>
     void VisitLooks(Visit&& visit) const

@@ -42,6 +42,7 @@ Machine::Machine(const TerminalOptions& options, const Personality& personality,
 {
     screen_.Scrollback().SetLimit(options.historyRows);
     screen_.SetPageCount(options.pages);
+    screen_.SetReflow(options.reflow);
     options_.answerBack.resize(std::min(options_.answerBack.size(), kMaxAnswerBack));
     PowerUp();
     FitSize(options_.startsExtended);
@@ -124,6 +125,7 @@ void Machine::SetOptions(const TerminalOptions& options)
     screen_.Scrollback().SetLimit(options.historyRows);
     SetCharset(options.charset);
     screen_.SetPageCount(options.pages);
+    screen_.SetReflow(options.reflow);
     FitStatusRows();
     if (startsExtended != options.startsExtended)
         modes_.Set(Mode::Columns132, options.startsExtended);

@@ -546,7 +546,11 @@ void Screen::Resize(Size size)
     CursorState bottom; // of the first page while the host works on another: nothing but blank rows is cut off
     for (bottom.row = main_->Extent().rows - 1; bottom.row > 0 && main_->IsBlank(bottom.row);)
         --bottom.row;
-    ResizeMain(size, active_ != 0 ? bottom : IsAlternate() ? saved_[0] : cursor_);
+    CursorState& onFirst = active_ != 0 ? bottom : IsAlternate() ? saved_[0] : cursor_;
+    if (reflows_ && size.cols != main_->Extent().cols)
+        ReflowMain(size, onFirst);
+    else
+        ResizeMain(size, onFirst);
     ResizeRows(*alternate_, size, IsAlternate() ? cursor_ : saved_[1]);
     ResizeOthers(size);
     ResetMargins();

@@ -181,7 +181,8 @@ public:
     bool IsAlternate() const { return isAlternate_; }
     void ClearAlternate() { alternate_->FillRows(0, alternate_->Extent().rows, 0); }
     void Resize(Size size);
-    void ClearPage(); // blank and home, in the pen's background
+    void SetReflow(bool on) { reflows_ = on; } // lines are wrapped anew when the width changes
+    void ClearPage();                          // blank and home, in the pen's background
     void HardReset();
     void SoftReset();
 
@@ -249,6 +250,7 @@ private:
     void Sweep();
     void MarkRow(const Row& row, std::vector<bool>& styles, std::vector<bool>& clusters) const;
     void ResizeMain(Size size, CursorState& cursor);
+    void ReflowMain(Size size, CursorState& cursor);
     static void ResizeRows(Page& page, Size size, CursorState& cursor);
     void ResizeOthers(Size size);
     Page& MemoryPage(int number);
@@ -296,6 +298,8 @@ private:
     LineWatcher* watcher_ = nullptr;
     char32_t lastPoint_ = 0;
     int historyAdded_ = 0;
+    bool reflows_ = false;
+    History* reflown_ = nullptr; // a second history while lines are wrapped anew
     uint32_t refusalsUntilSweep_ = 0;
 };
 

@@ -98,6 +98,7 @@ struct TerminalOptions
     Size size;
     Size extended{132, 0}; // what DECCOLM and ShowExtended change to; no rows: as many as there are
     bool startsExtended = false;
+    bool reflow = false;  // a new width wraps lines anew, history included
     int pages = 1;        // of memory, 1 to 32
     int messageRows = -1; // for a status line: 0 none, -1 one while the host has it on, else always so many, at most 4
     int historyRows = 0;  // lines kept above the screen, 0 to 1,000,000
