@@ -45,9 +45,9 @@ public:
     // changes.
     const Row& At(int index);
     void DropNewest(); // it went back to the screen
-    // An empty one that is to take the place of the other: no number of a line comes twice.
-    void ContinueAfter(const History& other);
-    void TakeOver(History& other); // its lines and looks in place of these, which it gets; the limits stay
+    // The lines of `other`, which has the same names, in place of those from `index` on. All lines get new numbers;
+    // there may be more than the limit afterwards.
+    void ReplaceFrom(int index, History& other);
     // The numbers of styles that stand in rows handed out by At change after a sweep unless they are kept.
     template <typename Visit>
     void VisitLooks(Visit&& visit) const
@@ -97,6 +97,8 @@ private:
     uint8_t* PackRuns(Block& block, std::span<const Cell> cells, uint8_t* to, uint16_t& count);
     void Unpack(const Block& block, uint64_t serial, Look& look);
     const Block& BlockOf(uint64_t serial) const;
+    void CutFrom(int index);
+    void Renumber(uint64_t shift);
     void StartEpoch();
 
     CellNames& names_;

@@ -1,129 +1,81 @@
-// Lines of text laid out anew for another width: rows that one line was wrapped over become one line again, and that
-// is wrapped at the new width. The history and the first page are one text in this.
+// The history and the first page laid out anew as one text when the width changes.
 
+#include "linewrapper.h"
 #include "screen.h"
 
 #include <algorithm>
-#include <optional>
-#include <utility>
 
 namespace kestrune::emu {
 namespace {
 
-// Takes the rows of a text in their order and gives them out in another width. Holds two rows at most.
-class LineWrapper
-{
-public:
-    LineWrapper(int fromCols, int toCols, History& to) : from_(size_t(fromCols)), to_(size_t(toCols)), history_(to) {}
-
-    // cursorCol: the cursor stands in this row.
-    void Take(const Row& row, std::optional<int> cursorCol)
-    {
-        if (row.size != LineSize::Normal)
-            EndLine(); // a row of double width is a line of its own
-        if (cursorCol)
-            cursor_ = cells_.size() + size_t(*cursorCol);
-        const std::span<const Cell> used = row.Used().first(std::min(row.Used().size(), from_));
-        cells_.insert(cells_.end(), used.begin(), used.end());
-        size_ = row.size;
-        if (row.size != LineSize::Normal || !row.wraps) {
-            EndLine();
-            return;
-        }
-        cells_.resize(cells_.size() + from_ - used.size());
-        while (cells_.size() > to_)
-            Give(FirstPart(), true);
-    }
-    void EndLine()
-    {
-        if (!isOpen_ && cells_.empty() && size_ == std::nullopt)
-            return;
-        const auto isBlank = [](const Cell& cell) {
-            return (cell.text == 0 || cell.text == U' ') && cell.style == 0 && cell.flags == 0;
-        };
-        while (!cells_.empty() && isBlank(cells_.back())) // what the terminal adds itself when it is wider
-            cells_.pop_back();
-        if (size_ == LineSize::Normal)
-            while (cells_.size() > to_)
-                Give(FirstPart(), true);
-        if (cursor_)
-            *cursor_ = std::min(*cursor_, to_ - 1);
-        Give(cells_.size(), false);
-        size_.reset();
-    }
-    int Given() const { return given_; }
-    Position Cursor() const { return found_; } // row: counted as given
-
-private:
-    size_t FirstPart() const // a wide character goes to the next row whole
-    {
-        return to_ > 1 && (cells_[to_].flags & Cell::WideTail) ? to_ - 1 : to_;
-    }
-    void Give(size_t count, bool wraps)
-    {
-        if (cursor_ && (*cursor_ < count || !wraps)) {
-            found_ = {int(*cursor_), given_};
-            cursor_.reset();
-        } else if (cursor_) {
-            *cursor_ -= count;
-        }
-        Row row;
-        row.cells = cells_.data();
-        row.used = int(count);
-        row.wraps = wraps;
-        row.hasWide = true;
-        row.plain = false;
-        row.size = size_.value_or(LineSize::Normal);
-        history_.Push(row);
-        cells_.erase(cells_.begin(), cells_.begin() + ptrdiff_t(count));
-        ++given_;
-        isOpen_ = wraps;
-    }
-
-    size_t from_;
-    size_t to_;
-    History& history_;
-    std::vector<Cell> cells_;
-    std::optional<LineSize> size_;
-    bool isOpen_ = false;
-    std::optional<size_t> cursor_; // in cells_
-    Position found_;
-    int given_ = 0;
-};
+// So many lines of the history take part at once; those above stay as they are. Each step of a window that is being
+// drawn smaller lays all of them out: this is some 20 ms.
+constexpr int kRowsAtOnce = 20'000;
 
 } // namespace
 
-void Screen::ReflowMain(Size size, CursorState& cursor)
+// The oldest row that the screen may show again. A screen that is full shows as much as it can hold; on one that is
+// not, what was scrolled or cleared away stays away, but for the rows that a narrower screen has put up there.
+int Screen::OldestToShow(bool isFull) const
+{
+    if (history_.Pushed() == reflowed_.pushed)
+        return -std::min(reflowed_.rows, history_.Count());
+    return isFull ? -history_.Count() : 0;
+}
+
+void Screen::ReflowMain(Size size, CursorState& cursor, std::span<Position> followed)
 {
     const Size before = main_->Extent();
     int last = before.rows - 1;
     while (last > cursor.row && main_->IsBlank(last))
         --last;
+    int first = -std::min(history_.Count(), kRowsAtOnce);
+    while (first > -history_.Count() && first < 0 && history_.At(history_.Count() + first - 1).wraps)
+        ++first;
+    const int untouched = history_.Count() + first;
+
+    Position cursorAt{cursor.col + (cursor.pendingWrap ? 1 : 0), cursor.row};
+    Position savedAt{saved_[0].col, saved_[0].row};
+    Position top{0, std::max(first, OldestToShow(last == before.rows - 1))};
+    std::vector<Position*> places{&cursorAt, &savedAt, &top};
+    for (Position& place : followed)
+        if (place.row < 0 || shownPage_ == main_.get())
+            places.push_back(&place);
 
     History fresh(*this);
-    fresh.ContinueAfter(history_);
     fresh.SetLimit(history_.Limit() + size.rows);
-    reflown_ = &fresh;
-    LineWrapper lines(before.cols, size.cols, fresh);
-    for (int row = 0; row < history_.Count(); ++row)
-        lines.Take(history_.At(row), std::nullopt);
+    LineWrapper wrapper(size.cols, fresh, places);
+    wrapper_ = &wrapper;
+    for (int row = first; row < 0; ++row)
+        wrapper.Take(history_.At(history_.Count() + row), row, 0);
     for (int row = 0; row <= last; ++row)
-        lines.Take(main_->At(row), row == cursor.row ? std::optional(cursor.col) : std::nullopt);
-    lines.EndLine();
-    reflown_ = nullptr;
-    history_.TakeOver(fresh);
+        wrapper.Take(main_->At(row), row, before.cols);
+    wrapper.End();
+    wrapper_ = nullptr;
 
+    const int given = wrapper.Given();
+    const int oldestShown = std::max(0, top.row - std::max(0, size.rows - before.rows));
+    const int shownFrom = std::clamp(given - size.rows, oldestShown, given);
+    history_.ReplaceFrom(untouched, fresh);
     main_->FillRows(0, before.rows, 0);
     main_->Resize(size);
-    const int back = std::min(size.rows, lines.Given());
-    for (int row = back - 1; row >= 0; --row) {
-        const Row& line = history_.At(history_.Count() - 1);
-        main_->Assign(row, line.Used(), line.wraps, line.size);
+    for (int row = given - shownFrom - 1; row >= 0; --row) {
+        main_->Assign(row, history_.At(history_.Count() - 1));
         history_.DropNewest();
     }
-    history_.SetLimit(history_.Limit()); // the oldest that were held for the screen's rows
-    cursor.row = std::max(0, lines.Cursor().row - (lines.Given() - back));
-    cursor.col = lines.Cursor().col;
+    history_.SetLimit(history_.Limit()); // room was made for the rows of the screen
+    reflowed_ = {history_.Pushed(), shownFrom - oldestShown};
+
+    for (Position* place : places)
+        *place = {std::min(place->col, size.cols), place->row - shownFrom};
+    const bool isFullRow = cursorAt.col == size.cols;
+    cursor.row = std::clamp(cursorAt.row, 0, size.rows - 1);
+    cursor.col = cursorAt.col - (isFullRow ? 1 : 0);
+    cursor.pendingWrap = isFullRow && cursor.autoWrap && wrapStyle_ == WrapStyle::Pending;
+    if (&cursor != &saved_[0] && saved_[0].page == 0) {
+        saved_[0].row = savedAt.row;
+        saved_[0].col = savedAt.col;
+    }
 }
 
 } // namespace kestrune::emu

@@ -190,8 +190,10 @@ public:
     void Receive(std::string_view bytes);
 
     // --- from the user's side
-    // 1..1000 cols, 1..500 rows, clamped. In extended size this is what the screen goes back to.
-    void Resize(Size size);
+    // 1..1000 cols, 1..500 rows, clamped. In extended size this is what the screen goes back to. True: lines were
+    // wrapped anew; no line has the number of before (HistoryPushed), and `followed`, rows as for Row, have moved with
+    // their text.
+    bool Resize(Size size, std::span<Position> followed = {});
     void ShowExtended(bool on); // the text stays
     void SetPage(int page);     // 0 to PageCount() - 1, clamped; nothing while the host uses the alternate screen
     void SetHistoryRows(int rows);
