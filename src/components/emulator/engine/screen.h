@@ -60,6 +60,14 @@ enum class Selective : uint8_t // DECSED and DECSEL leave protected cells alone
     Yes
 };
 
+enum class WrappedLines : uint8_t // when the width changes
+{
+    AsTheyAre,
+    WrappedAnew
+};
+
+class LineWrapper;
+
 // Told when the cursor leaves a line by a line feed or a wrap, for auto print.
 class LineWatcher
 {
@@ -184,7 +192,8 @@ public:
     void SwitchPage(bool alternate);
     bool IsAlternate() const { return isAlternate_; }
     void ClearAlternate() { alternate_->FillRows(0, alternate_->Extent().rows, 0); }
-    void Resize(Size size);
+    // followed: places, as RowAt counts rows, that move with their text when lines are wrapped anew. True: they were.
+    bool Resize(Size size, WrappedLines lines, std::span<Position> followed = {});
     void ClearPage(); // blank and home, in the pen's background
     void HardReset();
     void SoftReset();
@@ -254,6 +263,8 @@ private:
     void Sweep();
     void MarkRow(const Row& row, std::vector<bool>& styles, std::vector<bool>& clusters) const;
     void ResizeMain(Size size, CursorState& cursor);
+    void ReflowMain(Size size, CursorState& cursor, std::span<Position> followed);
+    int OldestToShow(bool isFull) const;
     static void ResizeRows(Page& page, Size size, CursorState& cursor);
     void ResizeOthers(Size size);
     Page& MemoryPage(int number);
@@ -301,7 +312,16 @@ private:
     LineWatcher* watcher_ = nullptr;
     char32_t lastPoint_ = 0;
     int historyAdded_ = 0;
+<<<<<<< HEAD
     std::vector<std::span<const uint8_t>> newestLines_; // TakeLines'
+=======
+    LineWrapper* wrapper_ = nullptr; // while lines are wrapped anew
+    struct
+    {
+        uint64_t pushed = ~uint64_t(0); // the history's count afterwards
+        int rows = 0;                   // in the history that the screen may show again
+    } reflowed_;
+>>>>>>> dec-4
     uint32_t refusalsUntilSweep_ = 0;
 };
 
