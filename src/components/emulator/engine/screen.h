@@ -312,16 +312,13 @@ private:
     LineWatcher* watcher_ = nullptr;
     char32_t lastPoint_ = 0;
     int historyAdded_ = 0;
-<<<<<<< HEAD
     std::vector<std::span<const uint8_t>> newestLines_; // TakeLines'
-=======
     LineWrapper* wrapper_ = nullptr; // while lines are wrapped anew
     struct
     {
         uint64_t pushed = ~uint64_t(0); // the history's count afterwards
         int rows = 0;                   // in the history that the screen may show again
     } reflowed_;
->>>>>>> dec-4
     uint32_t refusalsUntilSweep_ = 0;
 };
 
