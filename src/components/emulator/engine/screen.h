@@ -313,7 +313,7 @@ private:
     char32_t lastPoint_ = 0;
     int historyAdded_ = 0;
     std::vector<std::span<const uint8_t>> newestLines_; // TakeLines'
-    LineWrapper* wrapper_ = nullptr; // while lines are wrapped anew
+    LineWrapper* wrapper_ = nullptr;                    // while lines are wrapped anew
     struct
     {
         uint64_t pushed = ~uint64_t(0); // the history's count afterwards
