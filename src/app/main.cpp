@@ -269,6 +269,9 @@ int Run(int argc, char** argv)
         return 1;
     }
 
+    // Our menu bar carries the buttons of a maximised session and opens by our key: a bar that the desktop draws
+    // elsewhere can do neither. Asking for one would also make every start wait for the session bus.
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     int programOnly = 1; // arguments are ours alone: a file may be called like one of the toolkit's options
     QApplication application(programOnly, argv);
     QApplication::setApplicationName(u"kestrune"_s);

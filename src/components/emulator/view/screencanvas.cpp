@@ -232,8 +232,10 @@ void ScreenCanvas::ScreenChanged()
     }
     if (frame_.isActive())
         return;
-    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : kFrameMilliseconds;
-    frame_.start(int(std::max<qint64>(0, kFrameMilliseconds - since)));
+    // A screen that is slow to paint leaves the host as much time as it takes itself.
+    const qint64 pause = std::max<qint64>(kFrameMilliseconds, 2 * paintTime_);
+    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : pause;
+    frame_.start(int(std::max<qint64>(0, pause - since)));
 }
 
 RowLook ScreenCanvas::LookOf(int line) const
@@ -375,6 +377,8 @@ void ScreenCanvas::SetPreedit(const QString& text)
 
 void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
 {
+    QElapsedTimer painting;
+    painting.start();
     if (host_.devicePixelRatioF() != ratio_)
         LookChanged(); // moved to a screen of another resolution
     const emu::Terminal& screen = emulator_.Screen();
@@ -410,6 +414,7 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     PaintLink(painter);
     PaintCursor(painter, rowPainter);
     PaintSigns(painter);
+    paintTime_ = painting.elapsed();
 }
 
 void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
