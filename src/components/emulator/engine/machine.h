@@ -147,10 +147,7 @@ private:
     void PowerUp();
     void TakeKeyOptions();
     Size ExtendedSize() const;
-    WrappedLines LinesForUser() const
-    {
-        return options_.reflow ? WrappedLines::WrappedAnew : WrappedLines::AsTheyAre;
-    }
+    WrappedLines LinesForUser() const { return options_.reflow ? WrappedLines::WrappedAnew : WrappedLines::AsTheyAre; }
     void FitStatusRows();
     void UpdateIndicator();
     void BuildIndex();
