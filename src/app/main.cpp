@@ -1,6 +1,7 @@
 // The one place that joins concrete parts together.
 
 #include <app/affinity.h>
+#include <app/housestyle.h>
 #include <app/mdiparntform.h>
 #include <app/missingpieces.h>
 #include <app/ormain.h>
@@ -268,11 +269,15 @@ int Run(int argc, char** argv)
         return 1;
     }
 
+    // Our menu bar carries the buttons of a maximised session and opens by our key: a bar that the desktop draws
+    // elsewhere can do neither. Asking for one would also make every start wait for the session bus.
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     int programOnly = 1; // arguments are ours alone: a file may be called like one of the toolkit's options
     QApplication application(programOnly, argv);
     QApplication::setApplicationName(u"kestrune"_s);
     QApplication::setDesktopFileName(u"kestrune"_s);
     QApplication::setWindowIcon(ProgramIcon());
+    DressApplication(application);
     QApplication::setQuitOnLastWindowClosed(false); // the process ends when its last work is done
 
     Program program(commandLine, StartedByPlatform(NativeSystem(), arguments));

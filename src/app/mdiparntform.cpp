@@ -66,7 +66,6 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
       bars_(new MenuBarView(*this, {.locks = parts_.keyboardLocks})), emptyPage_(new EmptyPage), area_(new SessionArea),
       tabs_(new SessionTabs(application, *this))
 {
-    setWindowIcon(ProgramIcon());
     setContextMenuPolicy(Qt::NoContextMenu);
     area_->setFrameShape(QFrame::NoFrame);
     area_->setBackground(palette().brush(QPalette::Mid));
@@ -341,7 +340,7 @@ void frmMdiParent::ShowAbout()
                                    "later.</p>")
                                     .arg(application_.ProductRelease()),
                                 QMessageBox::Ok, this);
-    box->setIconPixmap(ProgramIcon().pixmap(64, 64));
+    box->setIconPixmap(ProgramPicture(64, devicePixelRatioF()));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

@@ -2,7 +2,8 @@
 
 #include <QPainter>
 #include <QPainterPath>
-#include <QPixmap>
+
+#include <cmath>
 
 namespace kestrune {
 
@@ -44,10 +45,18 @@ QPixmap DrawProgramIcon(int side)
 
 } // namespace
 
+QPixmap ProgramPicture(int side, double ratio)
+{
+    QPixmap picture = DrawProgramIcon(int(std::lround(side * ratio)));
+    picture.setDevicePixelRatio(ratio);
+    return picture;
+}
+
 QIcon ProgramIcon()
 {
     QIcon icon;
-    for (const int side : {16, 24, 32, 48, 64, 128, 256})
+    // The display server is sent all of them for each window; one of 256 alone would be a quarter of a megabyte.
+    for (const int side : {16, 24, 32, 48, 64})
         icon.addPixmap(DrawProgramIcon(side));
     return icon;
 }

@@ -1,9 +1,13 @@
 #pragma once
 
+// The program's own picture: drawn, so that it needs no file and is sharp in every size.
+
 #include <QIcon>
+#include <QPixmap>
 
 namespace kestrune {
 
-QIcon ProgramIcon(); // drawn at every size the desktop asks for
+QIcon ProgramIcon();                            // for windows
+QPixmap ProgramPicture(int side, double ratio); // side: in pixels of the toolkit; ratio: device pixels in one
 
 } // namespace kestrune

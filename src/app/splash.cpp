@@ -77,7 +77,7 @@ void frmSplash::paintEvent(QPaintEvent*)
     }
     const QColor ground(0x1d, 0x23, 0x2b);
     painter.fillRect(rect(), ground);
-    painter.drawPixmap(28, (height() - 64) / 2, ProgramIcon().pixmap(64, 64));
+    painter.drawPixmap(28, (height() - 64) / 2, ProgramPicture(64, devicePixelRatioF()));
     painter.setPen(QColor(0xee, 0xf1, 0xf4));
     QFont font = painter.font();
     font.setPointSizeF(font.pointSizeF() * 2.0);

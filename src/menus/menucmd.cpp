@@ -194,7 +194,7 @@ void MenuCmd::ReloadMenus()
 {
     ++reloads_;
     if (MainWindow* frame = application_.Frame())
-        if (taMenuBar* menu = BarsOf(frame->Tools()))
+        if (taMenuBar* menu = BarsOf(frame->Tools()); menu != nullptr && frameSource_)
             LoadFrameMenu(*menu);
     for (const auto& session : application_.Sessions().All())
         if (session->frmSession() != nullptr)

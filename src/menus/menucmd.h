@@ -57,7 +57,7 @@ public:
     void MacroListChanged();
     // On the main window's menu and every session's: the bands of that name or, when it is empty, of that type.
     void SetBandProperty(const QString& name, BandType type, BandProperty property, bool value);
-    MenuSource FrameMenuSource() const { return frameSource_; }
+    MenuSource FrameMenuSource() const { return frameSource_.value_or(MenuSource::BuiltIn); }
     int Reloads() const { return reloads_; } // how often ReloadMenus ran
     bool HostToolsOn() const;                // the MultiValue services of the installation
     // The popup of a session's tab. False: no such session, or no such popup.
@@ -78,7 +78,7 @@ private:
     ApplicationPort& application_;
     MenuHost& host_;
     CommandPieces& pieces_;
-    MenuSource frameSource_ = MenuSource::BuiltIn;
+    std::optional<MenuSource> frameSource_; // nothing: the settings are still being read, and it is loaded after them
     int reloads_ = 0;
 };
 

@@ -202,9 +202,24 @@ void History::Push(const Row& row)
         PushPlain(row);
     else
         PushAny(row);
-    ++end_;
-    if (Count() > limit_)
-        DropOldest();
+    LineAdded();
+}
+
+void History::PushText(std::span<const uint8_t> text)
+{
+    ++pushed_;
+    if (limit_ == 0)
+        return;
+    size_t length = text.size();
+    while (length != 0 && text[length - 1] == ' ')
+        --length;
+    Block& block = RoomFor(kHeadBytes + length);
+    uint8_t* const start = block.bytes.get() + block.fill;
+    Write(start, {uint16_t(length), 0, 1, 0, LineSize::Normal});
+    std::memcpy(start + kHeadBytes, text.data(), length);
+    block.offsets.push_back(uint16_t(block.fill));
+    block.fill += kHeadBytes + length;
+    LineAdded();
 }
 
 // Most lines by far.

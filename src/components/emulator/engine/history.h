@@ -39,6 +39,7 @@ public:
     int Count() const { return int(end_ - first_); }
     uint64_t Pushed() const { return pushed_; }
     void Push(const Row& row);
+    void PushText(std::span<const uint8_t> text); // a line of plain ASCII
     void Clear();
 
     // index 0 is the oldest line. The row stays as it is until 512 others have been asked for, or the history
@@ -90,6 +91,12 @@ private:
     }
     Block& NewBlock();
     void PushPlain(const Row& row);
+    void LineAdded()
+    {
+        ++end_;
+        if (Count() > limit_)
+            DropOldest();
+    }
     void PushAny(const Row& row);
     void DropOldest();
     uint16_t LocalStyle(Block& block, StyleId id);

@@ -471,6 +471,13 @@ void Machine::LineEnd() // also under LNM, whose second return changes nothing
     screen_.LineFeed();
 }
 
+LinesTaken Machine::Lines(std::span<const uint8_t> bytes)
+{
+    const CharsetState& sets = screen_.Charsets();
+    const bool isPlain = singleShift_ < 0 && romFont_ == RomFont::Off && sets.g[size_t(sets.gl)] == &AsciiSet();
+    return isPlain ? screen_.TakeLines(bytes) : LinesTaken{0, 0};
+}
+
 void Machine::Aborted(uint8_t)
 {
     if (Speaks(Dialect::Vt220))

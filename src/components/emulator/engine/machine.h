@@ -130,6 +130,7 @@ public:
     void Execute(uint8_t control) override;
     void Delete() override;
     void LineEnd() override;
+    LinesTaken Lines(std::span<const uint8_t> bytes) override;
     void Aborted(uint8_t by) override;
     void Escape(char intermediate, char final) override;
     void Control(const ControlSequence& sequence) override;

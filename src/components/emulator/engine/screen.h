@@ -9,6 +9,7 @@
 #include "interned.h"
 #include "modes.h"
 #include "page.h"
+#include "runs.h"
 
 #include <array>
 #include <functional>
@@ -83,6 +84,9 @@ public:
     // --- text
     void WriteBytes(std::span<const uint8_t> run); // 0x20..0x7E as they are
     void WritePoints(std::span<const char32_t> run);
+    // Whole lines of plain text, each with its CR and LF, as many from the front as need not come to the screen. The
+    // rest is to be written as ever.
+    LinesTaken TakeLines(std::span<const uint8_t> bytes);
     void Repeat(int count); // the last character once more (REP)
 
     // --- cursor
@@ -254,6 +258,7 @@ private:
     bool JoinBefore(char32_t point, uint8_t traits);
     void EraseSpan(int row, int from, int to, Selective selective);
     void PushToHistory(int count);
+    bool PassesLinesOn();
     void CollapsePendingWrap() { cursor_.pendingWrap = false; }
     void Sweep();
     void MarkRow(const Row& row, std::vector<bool>& styles, std::vector<bool>& clusters) const;
@@ -307,7 +312,8 @@ private:
     LineWatcher* watcher_ = nullptr;
     char32_t lastPoint_ = 0;
     int historyAdded_ = 0;
-    LineWrapper* wrapper_ = nullptr; // while lines are wrapped anew
+    std::vector<std::span<const uint8_t>> newestLines_; // TakeLines'
+    LineWrapper* wrapper_ = nullptr;                    // while lines are wrapped anew
     struct
     {
         uint64_t pushed = ~uint64_t(0); // the history's count afterwards

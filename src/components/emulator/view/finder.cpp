@@ -17,21 +17,34 @@ QString Say(const char* text) { return QCoreApplication::translate("FindBar", te
 } // namespace
 
 Finder::Finder(ctlEmulator& emulator, QWidget& host, std::function<void()> marksChanged)
-    : emulator_(emulator), host_(host), marksChanged_(std::move(marksChanged)), search_(emulator.Screen()), bar_(&host)
+    : emulator_(emulator), host_(host), marksChanged_(std::move(marksChanged)), search_(emulator.Screen())
 {
     slice_.setSingleShot(true);
-    QObject::connect(&slice_, &QTimer::timeout, &bar_, [this] { Slice(); });
-    QObject::connect(&bar_, &FindBar::QueryChanged, &bar_, [this] { Start(); });
-    QObject::connect(&bar_, &FindBar::OlderWanted, &bar_, [this] { Go(true); });
-    QObject::connect(&bar_, &FindBar::NewerWanted, &bar_, [this] { Go(false); });
-    QObject::connect(&bar_, &FindBar::Closed, &bar_, [this] { Close(); });
+    QObject::connect(&slice_, &QTimer::timeout, &slice_, [this] { Slice(); });
+}
+
+void Finder::MakeBar()
+{
+    bar_ = std::make_unique<FindBar>(&host_);
+    QObject::connect(bar_.get(), &FindBar::QueryChanged, bar_.get(), [this] { Start(); });
+    QObject::connect(bar_.get(), &FindBar::OlderWanted, bar_.get(), [this] { Go(true); });
+    QObject::connect(bar_.get(), &FindBar::NewerWanted, bar_.get(), [this] { Go(false); });
+    QObject::connect(bar_.get(), &FindBar::Closed, bar_.get(), [this] { Close(); });
+}
+
+void Finder::KeepPlace(int rightEdge)
+{
+    if (bar_)
+        bar_->KeepPlace(rightEdge);
 }
 
 void Finder::Open()
 {
+    if (!bar_)
+        MakeBar();
     const QString selected = emulator_.Selection();
-    const bool wasShown = bar_.isVisible();
-    bar_.Ask(selected.contains(u'\n') ? QString() : selected);
+    const bool wasShown = bar_->isVisible();
+    bar_->Ask(selected.contains(u'\n') ? QString() : selected);
     if (!wasShown)
         Start();
 }
@@ -40,7 +53,7 @@ void Finder::Close()
 {
     search_.Stop();
     slice_.stop();
-    bar_.hide();
+    bar_->hide();
     host_.setFocus(Qt::OtherFocusReason);
     marksChanged_();
 }
@@ -48,8 +61,8 @@ void Finder::Close()
 void Finder::Start()
 {
     wentRound_ = chosen_ = false;
-    if (const QString error = search_.Start(bar_.Query()); !error.isEmpty()) {
-        bar_.ShowState(error, true);
+    if (const QString error = search_.Start(bar_->Query()); !error.isEmpty()) {
+        bar_->ShowState(error, true);
         marksChanged_();
         return;
     }
@@ -111,7 +124,7 @@ void Finder::ShowState()
         text = QString::number(search_.CurrentNumber()) + QStringLiteral(" / ") + QString::number(count) +
                (search_.IsFull() || slice_.isActive() ? QStringLiteral("+") : QString()) +
                (wentRound_ ? QStringLiteral(" ↻") : QString());
-    bar_.ShowState(text, search_.IsOn() && count == 0 && !slice_.isActive());
+    bar_->ShowState(text, search_.IsOn() && count == 0 && !slice_.isActive());
 }
 
 } // namespace kestrune

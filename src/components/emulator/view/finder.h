@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 namespace kestrune {
 
@@ -23,10 +24,11 @@ public:
     void Open(); // with the selected text, if it stands in one line
     void Close();
     void ScreenShown(); // after each frame
-    void KeepPlace(int rightEdge) { bar_.KeepPlace(rightEdge); }
+    void KeepPlace(int rightEdge);
     std::vector<TextSearch::Span> SpansOf(int row) const { return search_.SpansOf(row); }
 
 private:
+    void MakeBar();
     void Start();
     void Slice();
     void Go(bool older);
@@ -37,7 +39,7 @@ private:
     QWidget& host_;
     std::function<void()> marksChanged_;
     TextSearch search_;
-    FindBar bar_;
+    std::unique_ptr<FindBar> bar_; // from the first search on: most sessions never have one
     QTimer slice_;
     uint64_t seen_ = 0; // generation of the screen that was searched last
     bool wentRound_ = false;

@@ -3,6 +3,8 @@
 // A font laid on a grid: the cell in device pixels, and glyphs of the font itself by code point. What the font
 // lacks is left to the platform's fallback fonts.
 
+#include "emojipictures.h"
+
 #include <QFont>
 #include <QHash>
 #include <QRawFont>
@@ -28,6 +30,7 @@ public:
 
     const QFont& Font(int variant);
     const QFont& EmojiFont(); // pictures in colour before signs in black and white
+    EmojiPictures& Emoji() { return emojiPictures_; }
     const QRawFont& Raw(int variant);
     quint32 GlyphOf(int variant, char32_t c); // 0: not in this font
 
@@ -43,6 +46,7 @@ private:
 
     QFont base_;
     std::unique_ptr<QFont> emoji_; // made when first used
+    EmojiPictures emojiPictures_;
     int cellWidth_ = 8;
     int cellHeight_ = 16;
     int ascent_ = 12;

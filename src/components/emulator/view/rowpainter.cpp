@@ -242,11 +242,28 @@ void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints j
         DrawCharacter(painter, cell.text, where, QColor(color));
         return;
     }
+    const QString text = TextOfCell(screen_, cell);
+    if (IsEmoji(cell, text))
+        return PaintEmoji(painter, text, where, color);
     // A joiner beside a letter gives it the form that it has inside a word.
     const QString joiner{QChar(kJoiner)};
-    const QString text = TextOfCell(screen_, cell);
-    QTextLayout layout((joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString()),
-                       IsEmoji(cell, text) ? font_.EmojiFont() : font_.Font(variant));
+    PaintLaidOut(painter, (joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString()),
+                 font_.Font(variant), where, color);
+}
+
+void RowPainter::PaintEmoji(QPainter& painter, const QString& text, const QRect& where, QRgb color)
+{
+    if (painter.deviceTransform().type() > QTransform::TxTranslate) // in a magnified row
+        return PaintLaidOut(painter, text, font_.EmojiFont(), where, color);
+    painter.drawImage(where.topLeft(), font_.Emoji().Of(text, where.size(), color, [&](QPainter& picture) {
+        PaintLaidOut(picture, text, font_.EmojiFont(), QRect(QPoint(0, 0), where.size()), color);
+    }));
+}
+
+void RowPainter::PaintLaidOut(QPainter& painter, const QString& text, const QFont& font, const QRect& where,
+                              QRgb color) const
+{
+    QTextLayout layout(text, font);
     layout.beginLayout();
     QTextLine line = layout.createLine();
     layout.endLayout();

@@ -233,9 +233,12 @@ void ScreenCanvas::ScreenChanged()
     }
     if (frame_.isActive())
         return;
-    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : kFrameMilliseconds;
-    frame_.start(int(std::max<qint64>(0, kFrameMilliseconds - since)));
+    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : FramePause();
+    frame_.start(int(std::max<qint64>(0, FramePause() - since)));
 }
+
+// A screen that is slow to paint leaves the host as much time as it takes itself.
+qint64 ScreenCanvas::FramePause() const { return std::max<qint64>(kFrameMilliseconds, 2 * paintTime_); }
 
 // Smooth scroll is for a screen whose lines go up as a whole, as into the history.
 void ScreenCanvas::FollowLines()
@@ -287,7 +290,7 @@ void ScreenCanvas::Frame()
     glide_.Advance(double(sinceFrame_.isValid() ? sinceFrame_.elapsed() : 0));
     sinceFrame_.start();
     if (glide_.Offset() != 0)
-        frame_.start(kFrameMilliseconds);
+        frame_.start(int(FramePause()));
     if (glide_.Offset() != paintedOffset_)
         host_.update();
     const int rows = LineCount();
@@ -392,6 +395,8 @@ void ScreenCanvas::SetPreedit(const QString& text)
 
 void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
 {
+    QElapsedTimer painting;
+    painting.start();
     if (host_.devicePixelRatioF() != ratio_)
         LookChanged(); // moved to a screen of another resolution
     const emu::Terminal& screen = emulator_.Screen();
@@ -431,6 +436,7 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     else
         PaintOverRows(painter, rowPainter);
     PaintSigns(painter);
+    paintTime_ = painting.elapsed();
 }
 
 void ScreenCanvas::PaintGliding(QPainter& painter, RowPainter& rows)

@@ -96,6 +96,7 @@ private:
     void RebuildFont();
     void Frame();
     void FollowLines();
+    qint64 FramePause() const; // milliseconds
     void Invalidate();
     void BlinkTurn();
     void KeepBlinking();
@@ -141,7 +142,8 @@ private:
     Marks marks_;
     std::vector<LinkSpan> link_;
     QElapsedTimer sinceFrame_;
-    QElapsedTimer held_; // since the host began a synchronised update
+    qint64 paintTime_ = 0; // of the last frame, in milliseconds
+    QElapsedTimer held_;   // since the host began a synchronised update
     QTimer frame_;
     QTimer blink_;
     QTimer flash_;
