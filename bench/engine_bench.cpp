@@ -119,6 +119,24 @@ double BytesPerHistoryLine()
     return double(ResidentBytes() - before) / terminal.HistoryCount();
 }
 
+// What each step costs while the user draws the window's edge, with a history of coloured lines of which some are
+// wrapped.
+double MillisecondsToWrapAnew(int historyRows)
+{
+    TerminalOptions options = Options();
+    options.historyRows = historyRows;
+    options.reflow = true;
+    Silent listener;
+    Terminal terminal(options, *FindPersonality(8), listener);
+    for (int line = 0; terminal.HistoryCount() < historyRows; ++line)
+        terminal.Receive("\x1b[32m" + std::string(size_t(line % 100), 'x') + "\x1b[m and some plain text\r\n");
+    constexpr int kSteps = 10;
+    const double start = ProcessorSeconds();
+    for (int step = 1; step <= kSteps; ++step)
+        terminal.Resize({80 - step, 24});
+    return (ProcessorSeconds() - start) * 1000 / kSteps;
+}
+
 void Measure(std::string_view name, const Effort& effort, bool withPeer)
 {
     const std::string stream = bench::Stream(name, effort.streamBytes);
@@ -136,8 +154,12 @@ int main(int argc, char** argv)
 {
     std::vector<std::string_view> wanted(argv + 1, argv + argc);
     const bool quick = std::erase(wanted, "--quick") != 0;
-    if (wanted.empty()) // first, while no memory lies about that could be used again
+    if (wanted.empty()) { // first, while no memory lies about that could be used again
         std::printf("engine history        %8.0f bytes a line of 78 characters\n", BytesPerHistoryLine());
+        for (const int rows : {10'000, 100'000})
+            std::printf("engine new width      %8.1f ms with %d lines of history\n", MillisecondsToWrapAnew(rows),
+                        rows);
+    }
     for (const auto& names : {bench::StreamNames(), bench::HostileNames()}) {
         const bool hostile = names.data() == bench::HostileNames().data();
         if (wanted.empty() && hostile)

@@ -57,6 +57,29 @@ TEST(EmulatorScreen, ProtectedTextCanBeLeftOut)
     EXPECT_EQ(bench.control.GetText(0, 0, 9, true), u"      Ada"_s);
 }
 
+TEST(EmulatorScreen, LinesWrappedAnewTakeTheSelectionAndTheViewAlong)
+{
+    EmulatorBench bench(EmulatorBench::Vt220, 20, 4);
+    bench.Connect();
+    bench.control.Settings().SetValue(Setting("ReflowOnResize"), true);
+    bench.HostSays("a line of some length\r\n1\r\n2\r\n3\r\nthe second long line");
+    bench.control.ScrollTo(1);
+    bench.control.SetSelection(4, 3, 13, 3);
+    ASSERT_EQ(bench.control.Selection(), u"second lon"_s);
+
+    bench.control.Resize(10, 4, 80, 64);
+    EXPECT_EQ(bench.control.Selection(), u"second lon"_s);
+    EXPECT_EQ(bench.control.RowsBack(), 2);
+    EXPECT_EQ(bench.control.GetText(0, -bench.control.RowsBack()).trimmed(), u"h"_s) << "the same line on top";
+    bench.control.Resize(30, 4, 240, 64);
+    EXPECT_EQ(bench.control.Selection(), u"second lon"_s);
+    EXPECT_EQ(bench.RowText(3), u"the second long line"_s);
+
+    bench.control.SetSelection(SelectionArea{0, 0, 5, 2, true});
+    bench.control.Resize(12, 4, 96, 64);
+    EXPECT_EQ(bench.control.Selection(), QString()) << "a rectangle does not stand on lines";
+}
+
 struct SelectionCase
 {
     const char* name;

@@ -149,13 +149,13 @@ TEST(EngineReflow, OfAVeryLongHistoryTheNewestPartTakesPart)
 {
     ReflowBench bench(2, 10, 100'000);
     std::string text;
-    for (int i = 0; i < 15'000; ++i)
+    for (int i = 0; i < 30'000; ++i)
         text += "0123456789abc\r\n";
     bench.HostSays(text);
     const int before = bench.terminal.HistoryCount();
     bench.Wide(20);
-    EXPECT_EQ(bench.terminal.HistoryCount(), before - 10'000);
-    EXPECT_EQ(bench.Line(-9'999), "0123456789abc");
+    EXPECT_EQ(bench.terminal.HistoryCount(), before - 20'000);
+    EXPECT_EQ(bench.Line(-19'999), "0123456789abc");
     EXPECT_EQ(bench.Line(-bench.terminal.HistoryCount()), "0123456789");
     EXPECT_EQ(bench.Wide(10).terminal.HistoryCount(), before);
 }

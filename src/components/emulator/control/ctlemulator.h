@@ -297,6 +297,7 @@ public:
     int Download(const QString& fileName, int protocol, int mode, int overwrite = 0, int wait = 0);
 
     // --- for the view
+    bool ScrollsSmoothly() const; // as ScrollMode says, or the host (DECSCLM)
     const emu::Terminal& Screen() const { return *terminal_; }
     // The window has this many cells. The line is told once for each call that changes anything.
     void Resize(int cols, int rows, int pixelWidth, int pixelHeight);
@@ -375,6 +376,7 @@ private:
     void ShowScreen(std::unique_ptr<emu::Terminal> other, bool keep);
     void RefuseDevice(Device device);
     void TellSize();
+    void ResizeScreen(emu::Size size);
     void Received(std::string_view bytes);
     void ShowHostBytes(std::string_view bytes);
     void ToSink(std::string_view bytes);

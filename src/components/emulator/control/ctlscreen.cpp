@@ -148,13 +148,31 @@ void ctlEmulator::Resize(int cols, int rows, int pixelWidth, int pixelHeight)
     const TerminalSize before = size_;
     size_.pixelWidth = pixelWidth;
     size_.pixelHeight = pixelHeight;
-    terminal_->Resize({cols, rows});
+    ResizeScreen({cols, rows});
     const auto [nowCols, nowRows] = terminal_->ScreenSize();
     size_.cols = nowCols;
     size_.rows = nowRows;
     if (line_ && !(size_ == before))
         line_->Resize(size_);
     AfterChange();
+}
+
+// What is selected and what is looked at stay on their text when lines are wrapped anew.
+void ctlEmulator::ResizeScreen(emu::Size size)
+{
+    const auto selected = selection_->Area(*terminal_);
+    const SelectionArea area = selected.value_or(SelectionArea{});
+    std::array places{emu::Position{0, -scrollback_}, emu::Position{area.left, area.top},
+                      emu::Position{area.right, area.bottom}};
+    const bool onAlternate = terminal_->Modes().alternateScreen;
+    if (!terminal_->Resize(size, places))
+        return;
+    const auto& [top, from, to] = places;
+    scrollback_ = scrollback_ > 0 ? std::max(0, -top.row) : 0;
+    if (!selected || area.block || onAlternate) // a rectangle does not stand on lines
+        selection_->Clear();
+    else
+        selection_->Set(*terminal_, {from.col, from.row, std::min(to.col, size.cols - 1), to.row, false});
 }
 
 int ctlEmulator::ScrMode() const { return terminal_->Modes().extended ? 1 : 0; }
@@ -165,6 +183,17 @@ void ctlEmulator::SetScrMode(int mode)
         RaiseBadArgument(tr("There is no screen mode %1.").arg(mode));
     terminal_->ShowExtended(mode == 1);
     AfterChange();
+}
+
+bool ctlEmulator::ScrollsSmoothly() const
+{
+    switch (settings_.Integer(Setting("ScrollMode"))) {
+    case 0:
+        return true;
+    case 1:
+        return false;
+    }
+    return terminal_->Modes().smoothScroll;
 }
 
 // --- history

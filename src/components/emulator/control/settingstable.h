@@ -140,7 +140,7 @@ inline constexpr auto SettingsTable = [] {
         B("KermitQuote", true),
         B("KermitRept"),
         B("KermitCRC"),
-        I("ScrollMode", 2),
+        I("ScrollMode", 2), // 0 smooth, 1 jump, 2 as the host asks
         B("LockBaudRate"),
         B("OverrideModemConfig").As("sOverrideCfg"),
         T("Sound"), // of the bell: empty a flash, "none" nothing, else a wave file and a flash

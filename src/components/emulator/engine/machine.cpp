@@ -531,6 +531,7 @@ ModesView Machine::View() const
     view.localEcho = !modes_.Has(Mode::SendReceive);
     view.backspaceSendsBs = modes_.Has(Mode::BackspaceSendsBs);
     view.synchronizedUpdate = modes_.Has(Mode::SynchronizedUpdate);
+    view.smoothScroll = modes_.Has(Mode::SmoothScroll);
     view.keyboardLocked = modes_.Has(Mode::KeyboardAction);
     if (modes_.Has(Mode::MouseX10) || modes_.Has(Mode::MouseClick))
         view.mouse = MouseReport::Click;

@@ -156,6 +156,7 @@ struct ModesView // what drawing and input need to know
     bool localEcho = false;          // SRM reset
     bool backspaceSendsBs = true;    // DECBKM
     bool synchronizedUpdate = false; // hold drawing
+    bool smoothScroll = false;       // DECSCLM
     bool keyboardLocked = false;
     MouseReport mouse = MouseReport::None;
     CursorShape cursor = CursorShape::BlinkBlock;

@@ -223,6 +223,7 @@ QFont ScreenCanvas::Font() const
 
 void ScreenCanvas::ScreenChanged()
 {
+    FollowLines();
     if (!host_.isVisible())
         return;
     // What a key brings back is shown at once; one more frame for a key press costs nothing, whatever the flood.
@@ -232,10 +233,22 @@ void ScreenCanvas::ScreenChanged()
     }
     if (frame_.isActive())
         return;
-    // A screen that is slow to paint leaves the host as much time as it takes itself.
-    const qint64 pause = std::max<qint64>(kFrameMilliseconds, 2 * paintTime_);
-    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : pause;
-    frame_.start(int(std::max<qint64>(0, pause - since)));
+    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : FramePause();
+    frame_.start(int(std::max<qint64>(0, FramePause() - since)));
+}
+
+// A screen that is slow to paint leaves the host as much time as it takes itself.
+qint64 ScreenCanvas::FramePause() const { return std::max<qint64>(kFrameMilliseconds, 2 * paintTime_); }
+
+// Smooth scroll is for a screen whose lines go up as a whole, as into the history.
+void ScreenCanvas::FollowLines()
+{
+    const uint64_t pushed = emulator_.Screen().HistoryPushed();
+    const auto lines = int64_t(pushed - std::exchange(linesPushed_, pushed));
+    if (emulator_.ScrollsSmoothly() && emulator_.RowsBack() == 0 && host_.isVisible())
+        glide_.LinesMoved(lines, font_->CellHeight());
+    else
+        glide_.Stop();
 }
 
 RowLook ScreenCanvas::LookOf(int line) const
@@ -274,7 +287,12 @@ void ScreenCanvas::Frame()
         frame_.start(kFrameMilliseconds);
         return;
     }
+    glide_.Advance(double(sinceFrame_.isValid() ? sinceFrame_.elapsed() : 0));
     sinceFrame_.start();
+    if (glide_.Offset() != 0)
+        frame_.start(int(FramePause()));
+    if (glide_.Offset() != paintedOffset_)
+        host_.update();
     const int rows = LineCount();
     if (scheme_.Follow(screen) || int(painted_.size()) != rows) {
         Invalidate();
@@ -407,14 +425,43 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     rowPainter.LetBackdropShow(backdrop_.IsOn());
     const int first = std::max(0, (dirty.top() - Margin()) / font_->CellHeight());
     const int last = std::min(rows - 1, (dirty.bottom() - Margin()) / font_->CellHeight());
-    for (int line = first; line <= last; ++line)
+    paintedOffset_ = glide_.Offset();
+    const bool glides = paintedOffset_ != 0;
+    const int still = glides ? screen.ScreenSize().rows : 0; // the status line stays where it is
+    for (int line = std::max(first, still); line <= last; ++line)
         if (region.intersects(LineRect(line)))
             PaintLine(painter, rowPainter, line);
-    PaintPictures(painter);
-    PaintLink(painter);
-    PaintCursor(painter, rowPainter);
+    if (glides)
+        PaintGliding(painter, rowPainter);
+    else
+        PaintOverRows(painter, rowPainter);
     PaintSigns(painter);
     paintTime_ = painting.elapsed();
+}
+
+void ScreenCanvas::PaintGliding(QPainter& painter, RowPainter& rows)
+{
+    const emu::Terminal& screen = emulator_.Screen();
+    const int height = font_->CellHeight();
+    const QRect grid(QPoint(Margin(), Margin()), GridPixels(screen.ScreenSize()));
+    painter.save();
+    painter.setClipRect(grid);
+    painter.translate(0, glide_.Offset());
+    if (screen.HistoryCount() > 0)
+        rows.PaintRow(painter, -1, grid.left(), grid.top() - height, LookOf(-1));
+    else if (!backdrop_.IsOn())
+        painter.fillRect(grid.left(), grid.top() - height, grid.width(), height, QColor(scheme_.Background()));
+    for (int line = 0; line < screen.ScreenSize().rows; ++line)
+        PaintLine(painter, rows, line);
+    PaintOverRows(painter, rows);
+    painter.restore();
+}
+
+void ScreenCanvas::PaintOverRows(QPainter& painter, RowPainter& rows)
+{
+    PaintPictures(painter);
+    PaintLink(painter);
+    PaintCursor(painter, rows);
 }
 
 void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)

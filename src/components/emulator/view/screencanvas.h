@@ -4,6 +4,7 @@
 // the cursor, and the signs laid over the text. Nothing is painted more often than once a frame.
 
 #include "backdrop.h"
+#include "glide.h"
 #include "gridfont.h"
 #include "links.h"
 #include "picturelayer.h"
@@ -94,6 +95,8 @@ private:
     QRect FromDevice(const QRect& rect) const;
     void RebuildFont();
     void Frame();
+    void FollowLines();
+    qint64 FramePause() const; // milliseconds
     void Invalidate();
     void BlinkTurn();
     void KeepBlinking();
@@ -104,6 +107,8 @@ private:
     int LineCount() const;     // of the screen and the status line
     int RowOf(int line) const; // the status line stays when the history is looked at
     bool CursorShown() const;
+    void PaintGliding(QPainter& painter, RowPainter& rows);
+    void PaintOverRows(QPainter& painter, RowPainter& rows);
     void PaintPictures(QPainter& painter);
     void PaintLine(QPainter& painter, RowPainter& rows, int line);
     void PaintCursor(QPainter& painter, RowPainter& rows);
@@ -126,6 +131,9 @@ private:
     std::vector<PaintedRow> painted_;
     PaintedCursor paintedCursor_;
     int shownBack_ = 0;
+    Glide glide_;
+    int paintedOffset_ = 0;    // of the glide
+    uint64_t linesPushed_ = 0; // when the glide was last told
     bool echoExpected_ = false;
     bool blinkHidden_ = false;
     bool flashing_ = false;
