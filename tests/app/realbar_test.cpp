@@ -165,7 +165,7 @@ QString Arranged(BarBench& b)
 QString About(BarBench& b)
 {
     auto* box = b.window->findChild<QMessageBox*>();
-    const QString text = box != nullptr ? box->windowTitle() : QString();
+    QString text = box != nullptr ? box->windowTitle() : QString();
     delete box;
     return text;
 }

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 
 namespace kestrune {
@@ -22,9 +23,10 @@ inline void PrintTo(const QByteArray& bytes, std::ostream* out)
 }
 
 // Runs the event loop until it has happened; false: it never did.
-inline bool WaitUntil(const std::function<bool()>& happened)
+inline bool WaitUntil(const std::function<bool()>& happened,
+                      std::chrono::milliseconds limit = std::chrono::seconds(30)) // reached only when a test fails
 {
-    const QDeadlineTimer longEnough(30000); // reached only when a test fails
+    const QDeadlineTimer longEnough(limit);
     QTimer look;
     look.start(5);
     while (!happened()) {

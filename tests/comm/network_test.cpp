@@ -1,78 +1,15 @@
 // What networks do to a connection: a cable pulled and put back, packets that vanish, a host that is gone without a
 // word. Real servers behind a cable of the test's own, see twohosts.h.
 
-#include "telnetserver.h"
-#include "twohosts.h"
-
-#include <QCoreApplication>
-#include <QTemporaryDir>
+#include "farhosts.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdio>
-#include <sched.h>
 
 namespace kestrune {
 
 namespace {
 
 using namespace Qt::StringLiterals;
-
-constexpr auto EchoScript = R"script(#!/bin/bash
-echo ready
-while read line; do echo "got $line"; done
-)script";
-
-// A server that echoes behind TLS; its certificate is nobody's concern here.
-class FarTlsEcho
-{
-public:
-    explicit FarTlsEcho(const TwoHosts& hosts)
-    {
-        QProcess openssl;
-        openssl.setWorkingDirectory(folder_.path());
-        openssl.start(u"openssl"_s, u"req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -subj /CN=far "
-                                    "-days 30 -keyout far.key -out far.pem"_s.split(u' '));
-        EXPECT_TRUE(openssl.waitForFinished(30000) && openssl.exitCode() == 0);
-        QStringList command = hosts.Prefix();
-        command << u"timeout -k 1 90 socat OPENSSL-LISTEN:9992,reuseaddr,fork,verify=0,cert=far.pem,key=far.key "
-                   "EXEC:cat"_s.split(u' ');
-        process_.setWorkingDirectory(folder_.path());
-        process_.start(command.takeFirst(), command);
-        EXPECT_TRUE(WaitUntil([] {
-            QTcpSocket caller;
-            caller.connectToHost(TwoHosts::FarAddress(), 9992);
-            return caller.waitForConnected(200);
-        }));
-    }
-    ~FarTlsEcho()
-    {
-        process_.terminate();
-        process_.waitForFinished();
-    }
-    static LineOptions Options()
-    {
-        LineOptions options;
-        options.device = Device::SslTelnet;
-        options.hostName = TwoHosts::FarAddress();
-        options.hostPort = u"9992"_s;
-        options.telnet.bypass = true;
-        options.tls.validation = CertificateValidation::None;
-        return options;
-    }
-
-private:
-    QTemporaryDir folder_;
-    QProcess process_;
-};
-
-struct FarTelnet : TelnetServer
-{
-    explicit FarTelnet(const TwoHosts& hosts) : TelnetServer(EchoScript, hosts.Prefix(), TwoHosts::FarAddress())
-    {
-        EXPECT_TRUE(Answers());
-    }
-};
 
 bool Echoes(LineRig& rig, const QByteArray& text)
 {
@@ -113,23 +50,38 @@ TEST(Network, TlsSurvivesACableThatIsPulledAndPacketsThatVanish)
     SurvivesTheCable(hosts, FarTlsEcho::Options());
 }
 
+TEST(Network, SshSurvivesACableThatIsPulledAndPacketsThatVanish)
+{
+    const TwoHosts hosts;
+    const OwnHome home;
+    const FarSsh server(hosts, home);
+    SurvivesTheCable(hosts, server.Options());
+}
+
 TEST(Network, AHostThatIsGoneWithoutAWordIsFoundOutAndReconnected)
 {
     const TwoHosts hosts;
     const FarTelnet telnet(hosts);
     const FarTlsEcho tls(hosts);
+    const OwnHome home;
+    const FarSsh ssh(hosts, home);
+    LineOptions sshRequests = ssh.Options();
+    sshRequests.ssh.keepAlive = 1;
     struct Case
     {
         const char* name;
         LineOptions options;
         bool nop, typing;
+        int probes = 1; // KeepaliveInterval
     };
-    for (const Case& c : {Case{"keep-alive probes", telnet.Options(), false, false},
-                          Case{"keep-alive by NOP", telnet.Options(), true, false},
-                          Case{"what was typed is not answered", telnet.Options(), false, true},
-                          Case{"under TLS", FarTlsEcho::Options(), false, false}}) {
+    for (const Case& c :
+         {Case{"keep-alive probes", telnet.Options(), false, false},
+          Case{"keep-alive by NOP", telnet.Options(), true, false},
+          Case{"what was typed is not answered", telnet.Options(), false, true},
+          Case{"under TLS", FarTlsEcho::Options(), false, false}, Case{"under SSH", ssh.Options(), false, false},
+          Case{"under SSH, its own requests", sshRequests, false, false, 0}}) {
         LineOptions options = c.options;
-        options.keepaliveInterval = 1;
+        options.keepaliveInterval = c.probes;
         options.telnet.keepaliveIsNop = c.nop;
         LineRig rig(options);
         ASSERT_TRUE(rig.Opened().UntilOpen());
@@ -139,7 +91,7 @@ TEST(Network, AHostThatIsGoneWithoutAWordIsFoundOutAndReconnected)
             rig.Type("anybody there?");
         ASSERT_TRUE(rig.UntilClosed()) << c.name;
         EXPECT_EQ(rig.errors.size(), 1) << c.name;
-        EXPECT_TRUE(rig.errors.value(0).startsWith(u"The connection to 10.77.0.2 was lost: "_s))
+        EXPECT_TRUE(rig.errors.value(0).startsWith(u"The connection to 10.77.0.2 was lost"_s))
             << rig.errors.value(0).toStdString();
         hosts.Plug();
         LineRig again(options);
@@ -174,15 +126,3 @@ TEST(Network, AHostThatCannotBeReachedIsSaidSo)
 } // namespace
 
 } // namespace kestrune
-
-int main(int argc, char** argv)
-{
-    // The test is only registered where this is permitted.
-    if (::unshare(CLONE_NEWNET) != 0) {
-        std::perror("network_test: no network namespace of its own");
-        return 1;
-    }
-    QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -28,14 +28,16 @@ inline quint16 FreePort()
 class PartnerServer
 {
 public:
-    // arguments: with %1 for the port. It goes with this process, however that ends.
-    PartnerServer(const QString& program, QStringList arguments) : port_(FreePort())
+    // With %1 for the port. It goes with this process, however that ends.
+    PartnerServer(const QString& program, const QStringList& arguments)
+        : PartnerServer(QStringList{program} + arguments)
+    {}
+    explicit PartnerServer(QStringList command) : port_(FreePort())
     {
-        for (QString& argument : arguments)
-            argument.replace(QStringLiteral("%1"), QString::number(port_));
+        command.replaceInStrings(QStringLiteral("%1"), QString::number(port_));
         process_.setProcessChannelMode(QProcess::MergedChannels);
         process_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-        process_.start(program, arguments);
+        process_.start(command.takeFirst(), command);
     }
     ~PartnerServer() { Kill(); }
     void Kill()
@@ -44,11 +46,11 @@ public:
         process_.waitForFinished();
     }
     // Ready when it answers, whatever it says.
-    bool Answers()
+    bool Answers(const QString& address = QStringLiteral("127.0.0.1"))
     {
-        return WaitUntil([this] {
+        return WaitUntil([&] {
             QTcpSocket caller;
-            caller.connectToHost(QHostAddress::LocalHost, port_);
+            caller.connectToHost(address, port_);
             return caller.waitForConnected(200);
         });
     }

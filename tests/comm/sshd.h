@@ -11,10 +11,10 @@ namespace kestrune {
 class Sshd : public PartnerServer
 {
 public:
-    // configuration: lines for the server's own.
-    explicit Sshd(const OwnHome& home, const QStringList& configuration = {})
-        : PartnerServer(QStringLiteral(KESTRUNE_TESTS "/partners/sshd.sh"),
-                        QStringList{home.Path(QStringLiteral("sshd")), QStringLiteral("%1")} + configuration),
+    // configuration: lines for the server's own. prefix: a command that runs another one where the server is to be.
+    explicit Sshd(const OwnHome& home, const QStringList& configuration = {}, QStringList prefix = {})
+        : PartnerServer(prefix << QStringLiteral(KESTRUNE_TESTS "/partners/sshd.sh")
+                               << home.Path(QStringLiteral("sshd")) << QStringLiteral("%1") << configuration),
           home_(home)
     {}
 
@@ -38,6 +38,13 @@ public:
 private:
     const OwnHome& home_;
 };
+
+// A command that runs another one as somebody without rights: as root, a user who exists for that command alone.
+inline QStringList AsOrdinaryUser()
+{
+    return ::getuid() == 0 ? QStringList{QStringLiteral(KESTRUNE_TESTS "/partners/as-user.sh")} : QStringList();
+}
+inline QByteArray OrdinaryUser() { return ::getuid() == 0 ? "tuser" : qgetenv("USER"); }
 
 // Each question is answered alike: with the values given, or with the choice alone.
 inline std::function<LineAnswer(const LineQuestion&)>

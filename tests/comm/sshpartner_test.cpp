@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace kestrune {
 
 namespace {
@@ -206,7 +208,10 @@ class SshRefusals : public testing::TestWithParam<Refusal>
 TEST_P(SshRefusals, AreToldInWords)
 {
     const OwnHome home;
-    Sshd server(home, {GetParam().configuration});
+    if (GetParam().configuration.contains(u"host_rsa"_s))
+        QProcess::execute(u"ssh-keygen"_s,
+                          {u"-q"_s, u"-t"_s, u"rsa"_s, u"-N"_s, QString(), u"-f"_s, home.Path(u"host_rsa"_s)});
+    Sshd server(home, {QString(GetParam().configuration).replace(u"%1/host_rsa"_s, home.Path(u"host_rsa"_s))});
     ASSERT_TRUE(server.Answers());
     LineOptions options = server.Options();
     GetParam().change(options);
@@ -229,6 +234,14 @@ INSTANTIATE_TEST_SUITE_P(
                 LineErrorNumber::ProtocolNotSupported, u"no cipher in common. The host offers aes256-ctr."_s},
         Refusal{"OldCipherOfTheHost", u"Ciphers 3des-cbc"_s, [](LineOptions&) {}, LineErrorNumber::ProtocolNotSupported,
                 u"The host offers 3des-cbc."_s},
+        Refusal{"OldKeyExchangeOfTheHost", u"KexAlgorithms diffie-hellman-group1-sha1"_s, [](LineOptions&) {},
+                LineErrorNumber::ProtocolNotSupported,
+                u"no key exchange in common. The host offers diffie-hellman-group1-sha1"_s},
+        Refusal{"OldCheckOfMessages", u"Ciphers aes256-ctr\nMACs hmac-md5"_s, [](LineOptions&) {},
+                LineErrorNumber::ProtocolNotSupported,
+                u"no way of checking messages in common. The host offers hmac-md5."_s},
+        Refusal{"OldKindOfHostKey", u"HostKeyAlgorithms ssh-rsa\nHostKey %1/host_rsa"_s, [](LineOptions&) {},
+                LineErrorNumber::ProtocolNotSupported, u"no kind of host key in common. The host offers ssh-rsa."_s},
         Refusal{"KeyThatTheHostDoesNotTake", u"PasswordAuthentication no\nKbdInteractiveAuthentication no"_s,
                 [](LineOptions& options) { options.ssh.keyFile.replace(u"user_ed25519"_s, u"authority"_s); },
                 LineErrorNumber::AccessDenied, u"The host takes: publickey. The host does not take the key"_s},
@@ -260,29 +273,74 @@ TEST(SshPartner, SaysThatTheConnectionIsGoneAndAnotherLineReconnects)
     EXPECT_TRUE(again.Opened().UntilOpen());
 }
 
-// What nobody takes stays with the host; what is typed meanwhile gets there all the same.
-TEST(SshPartner, HoldsAFloodBackWhileNobodyReceives)
+// What nobody takes stays with the host, so that memory is bounded; what is typed meanwhile gets there all the same.
+TEST(SshPartner, AGreetingOf100MegabytesIsHeldBackWhileNobodyReceives)
 {
     const OwnHome home;
     Sshd server(home);
     ASSERT_TRUE(server.Answers());
     LineRig rig(server.Options());
-    ASSERT_TRUE(rig.Opened().UntilOpen());
     rig.keep = false;
-    rig.Type("stty -echo; head -c 20000000 /dev/zero; echo; touch ~/flood_done\n");
-    ASSERT_TRUE(rig.Until([&] { return rig.receivedBytes > 1000000; }));
+    ASSERT_TRUE(rig.Opened().UntilOpen());
+    const auto file = u"sshd/home/tkey/sent"_s; // megabytes that the host has got rid of
+    rig.Type("stty -echo -opost; one=$(head -c 1000000 /dev/zero | tr '\\0' x); "
+             "for ((i = 1; i <= 100; ++i)); do printf %s $one; echo $i > " +
+             home.Path(file).toUtf8() + "; done; read word; echo \"<$word>\"\n");
+    ASSERT_TRUE(rig.Until([&] { return rig.receivedBytes > 1'000'000; }));
     rig.line->SetReceiving(rig.receiving = false);
     const qint64 before = rig.receivedBytes;
-    QTimer pause; // the host would be through long before
-    pause.setSingleShot(true);
-    pause.start(300);
-    rig.Until([&] { return !pause.isActive(); });
+    int sent = -1, looks = 0;
+    QTimer look; // the host would be through long before
+    QObject::connect(&look, &QTimer::timeout, [&] {
+        const int now = home.Read(file).trimmed().toInt();
+        looks = std::exchange(sent, now) == now ? looks + 1 : 0;
+    });
+    look.start(200);
+    ASSERT_TRUE(rig.Until([&] { return looks >= 3; }));
     EXPECT_EQ(rig.receivedBytes, before);
+    EXPECT_LT(sent, 30) << "the system's own buffers, and little more";
     rig.line->SetReceiving(rig.receiving = true);
-    EXPECT_TRUE(rig.Until([&] { return rig.receivedBytes >= 20000000; }));
+    EXPECT_TRUE(rig.Until([&] { return rig.receivedBytes >= 100'000'000; }));
     rig.keep = true;
-    rig.Type("echo through\n");
-    EXPECT_TRUE(rig.UntilReceived("through"));
+    rig.Type("through\n");
+    EXPECT_TRUE(rig.UntilReceived("<through>"));
+}
+
+// RFC 4252 5.4 lets a host say anything before the login; a page of it is shown.
+TEST(SshPartner, ABannerOfAMegabyteIsCut)
+{
+    const OwnHome home;
+    home.Write(u"banner"_s, "Authorised use only.\n" + QByteArray(1'000'000, 'x'));
+    Sshd server(home, {u"Banner "_s + home.Path(u"banner"_s)});
+    ASSERT_TRUE(server.Answers());
+    LineRig rig(server.Options());
+    ASSERT_TRUE(rig.Opened().UntilReceived("Authorised use only.\r\nxxx"));
+    ASSERT_TRUE(rig.UntilOpen());
+    EXPECT_LT(rig.receivedBytes, 10'000);
+}
+
+// A server that a person runs for themselves: it can let nobody in but them, and knows no passwords.
+TEST(SshPartner, AServerOfAnOrdinaryUserTakesTheirKeyAndNoPassword)
+{
+    const OwnHome home;
+    Sshd server(home, {}, AsOrdinaryUser());
+    ASSERT_TRUE(server.Answers());
+    LineOptions options = server.Options();
+    options.userName = OrdinaryUser();
+    LineRig byKey(options);
+    ASSERT_TRUE(byKey.Opened().UntilOpen()) << byKey.errors.join(u'|').toStdString() << server.Log().data();
+    byKey.Type("id -un; exit 4\n");
+    ASSERT_TRUE(byKey.UntilClosed());
+    EXPECT_TRUE(byKey.received.contains("\n" + OrdinaryUser() + "\r\n")) << byKey.received.data();
+    EXPECT_EQ(byKey.exitCode, 4);
+
+    options.ssh.auth = SshAuth::Password;
+    LineRig byPassword(options);
+    byPassword.onQuestion = Answering({u"secret 1"_s});
+    ASSERT_TRUE(byPassword.Opened().UntilClosed());
+    EXPECT_EQ(byPassword.errorWord, LineErrorWord(Device::Ssh, LineErrorNumber::AccessDenied));
+    EXPECT_TRUE(byPassword.errors.join(u'|').contains(u"The host takes: "_s))
+        << byPassword.errors.join(u'|').toStdString();
 }
 
 } // namespace

@@ -30,7 +30,7 @@ public:
         port_ = free.serverPort();
         free.close();
         QStringList command = prefix;
-        command << QStringLiteral("timeout") << QStringLiteral("-k") << QStringLiteral("1") << QStringLiteral("90")
+        command << QStringLiteral("timeout") << QStringLiteral("-k") << QStringLiteral("1") << QStringLiteral("300")
                 << QStringLiteral("socat")
                 << QStringLiteral("TCP-LISTEN:%1,bind=%2,reuseaddr,fork").arg(port_).arg(address)
                 << QStringLiteral("EXEC:/usr/sbin/telnetd -h --accept-env=USER --exec-login=%1,nofork")

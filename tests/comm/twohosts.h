@@ -20,7 +20,7 @@ public:
     TwoHosts()
     {
         holder_.start(QStringLiteral("unshare"),
-                      {QStringLiteral("-n"), QStringLiteral("sleep"), QStringLiteral("100")});
+                      {QStringLiteral("-n"), QStringLiteral("sleep"), QStringLiteral("300")});
         EXPECT_TRUE(holder_.waitForStarted());
         const auto space = [](const QString& task) { // "net:[4026531840]"
             std::error_code none;
@@ -35,6 +35,7 @@ public:
         Run("ip link add near type veth peer name far netns " + Holder().toLatin1());
         Run("ip addr add 10.77.0.1/30 dev near");
         Run("ip link set near up");
+        RunFar("ip link set lo up");
         RunFar("ip addr add 10.77.0.2/30 dev far");
         RunFar("ip link set far up");
     }
