@@ -81,7 +81,7 @@ void ScreenCanvas::RebuildFont()
 void ScreenCanvas::LookChanged()
 {
     RebuildFont();
-    scheme_.Load(emulator_.Settings());
+    scheme_.Load(emulator_.Settings(), emulator_.DesktopGround());
     scheme_.Follow(emulator_.Screen());
     backdrop_.Load(emulator_.Settings());
     Invalidate();
@@ -215,7 +215,7 @@ QRect ScreenCanvas::LineRect(int line) const
 QFont ScreenCanvas::Font() const
 {
     QFont font = font_->Font(0);
-    font.setPixelSize(std::max(1, int(font.pixelSize() / ratio_)));
+    font.setPointSizeF(font.pointSizeF() / ratio_);
     return font;
 }
 
@@ -233,7 +233,8 @@ void ScreenCanvas::ScreenChanged()
     if (frame_.isActive())
         return;
     const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : kFrameMilliseconds;
-    frame_.start(int(std::max<qint64>(0, kFrameMilliseconds - since)));
+    const qint64 rest = sincePaint_.isValid() ? paintedFor_ - sincePaint_.elapsed() : 0;
+    frame_.start(int(std::max({qint64(0), kFrameMilliseconds - since, rest})));
 }
 
 RowLook ScreenCanvas::LookOf(int line) const
@@ -375,6 +376,8 @@ void ScreenCanvas::SetPreedit(const QString& text)
 
 void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
 {
+    QElapsedTimer time;
+    time.start();
     if (host_.devicePixelRatioF() != ratio_)
         LookChanged(); // moved to a screen of another resolution
     const emu::Terminal& screen = emulator_.Screen();
@@ -410,6 +413,8 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     PaintLink(painter);
     PaintCursor(painter, rowPainter);
     PaintSigns(painter);
+    paintedFor_ = time.elapsed();
+    sincePaint_.start();
 }
 
 void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
