@@ -17,6 +17,7 @@ house_layer(ports dispatch ${_qt_core})
 house_layer(platform dispatch ports ${_qt_core}) # raises Failure, gives the event loop's Clock
 house_layer(printing ports dispatch platform ${_qt_core} Qt6::Gui Qt6::PrintSupport)
 house_layer(secrets ports ${_qt_core} Qt6::DBus)
+house_layer(desktop ${_qt_core} Qt6::Gui Qt6::DBus)
 house_layer(media ports dispatch ${_qt_core} Qt6::Gui)
 house_layer(support_core ports dispatch platform ${_qt_core})
 house_layer(support_ui support_core ports dispatch platform ${_qt_ui})

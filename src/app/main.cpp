@@ -10,6 +10,8 @@
 #include <app/shutdown.h>
 #include <app/splash.h>
 #include <comm/commlibrary.h>
+#include <desktop/darkchoice.h>
+#include <desktop/darkpalette.h>
 #include <emulator/control/ctlemulator.h>
 #include <emulator/view/systemclipboard.h>
 #include <help/helpkey.h>
@@ -280,6 +282,8 @@ int Run(int argc, char** argv)
     DressApplication(application);
     QApplication::setQuitOnLastWindowClosed(false); // the process ends when its last work is done
 
+    DarkWindows windows;
+    const DarkChoice choice(QDBusConnection::sessionBus(), [&windows](bool dark) { windows.Follow(dark); });
     Program program(commandLine, StartedByPlatform(NativeSystem(), arguments));
     if (program.Main().Main() == Ormain::Outcome::Ends)
         return 0;

@@ -441,6 +441,8 @@ void frmMdiParent::changeEvent(QEvent* event)
         logic_->Activated();
     else if (event->type() == QEvent::WindowStateChange)
         logic_->PlaceChanged();
+    else if (event->type() == QEvent::PaletteChange)
+        tabs_->TakeNewColors();
 }
 
 void frmMdiParent::closeEvent(QCloseEvent* event)

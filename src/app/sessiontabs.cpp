@@ -67,6 +67,9 @@ SessionTabs::SessionTabs(Kestrune& application, QMainWindow& window)
     ConnectTabs();
 }
 
+// Widgets below a style sheet keep the colours of the time when it was set.
+void SessionTabs::TakeNewColors() { row_->setStyleSheet(row_->styleSheet()); }
+
 void SessionTabs::ConnectTabs()
 {
     const auto find = [this](quintptr window) { return application_.Menu().SessionOfWindow(window); };

@@ -28,6 +28,7 @@ public:
     // active, band: may be null. The band says how the tabs look and on which side they stand.
     void Fill(const frmMdiChild* active, const MenuBand* band);
     bool Rename(const clsSession& session); // in place; false: it has no tab
+    void TakeNewColors();                   // after the desktop's have changed
 
 signals:
     void CloseWanted(quintptr window);

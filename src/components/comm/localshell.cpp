@@ -18,7 +18,7 @@ namespace {
 
 // One wake-up takes so much at most, by amount or time; the window is drawn between wake-ups.
 constexpr qsizetype WakeUpBytes = qsizetype{256} * 1024;
-constexpr qint64 WakeUpNanoseconds = 1'000'000;
+constexpr qint64 WakeUpNanoseconds = 250'000;
 constexpr std::size_t PieceBytes = std::size_t{16} * 1024;
 // Once the program has ended the system holds at most some 64 KiB of its output. What comes beyond this amount
 // is a background process's that has kept the terminal, and is not waited for.

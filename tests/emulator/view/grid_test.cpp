@@ -35,6 +35,23 @@ TEST(ViewGrid, ExtendedScreenIsShownWholeWhateverTheWindow)
     EXPECT_EQ(bench.control.Rows(), 24);
 }
 
+TEST(ViewGrid, FontsHaveSizesBetweenWholePixels)
+{
+    ViewBench bench;
+    QSet<int> inks;
+    for (const double points : {10.0, 10.2, 10.4, 10.6}) { // within one and a half pixels
+        bench.control.Settings().SetValue(Setting("FontSize"), points);
+        bench.HostSays("\x1b[H\x1b[2JMMMMM\x1b[3H");
+        const QImage picture = bench.Picture();
+        int ink = 0;
+        for (int y = 0; y < bench.view.CellRect(0, 0).bottom(); ++y)
+            for (int x = 0; x < bench.view.CellRect(5, 0).left(); ++x)
+                ink += picture.pixelColor(x, y).lightness();
+        inks.insert(ink);
+    }
+    EXPECT_EQ(inks.size(), 4);
+}
+
 TEST(ViewGrid, StatusLineIsPaintedBelowTheScreenAndStaysWhileTheHistoryIsSeen)
 {
     constexpr int kVt320 = 13;

@@ -88,6 +88,19 @@ TEST(ViewPaint, ColoursOfTheSettingsAreFollowedLive)
     EXPECT_EQ(bench.ColorAt(0, 0).name(), kText.name());
 }
 
+TEST(ViewPaint, TurnsLightAndDarkWithTheDesktop)
+{
+    ViewBench bench;
+    bench.HostSays("█\x1b[3;5H");
+    EXPECT_EQ(bench.ColorAt(3, 0).name(), kPaper.name());
+    bench.view.setPalette(QPalette(QColor(Qt::white)));
+    EXPECT_GT(bench.ColorAt(3, 0).lightness(), 200);
+    EXPECT_LT(bench.ColorAt(0, 0).lightness(), 100);
+    EXPECT_NE(bench.ColorAt(4, 2), bench.ColorAt(3, 0)) << "the cursor";
+    bench.view.setPalette(QPalette());
+    EXPECT_EQ(bench.ColorAt(3, 0).name(), kPaper.name());
+}
+
 TEST(ViewPaint, SelectionCursorAndSignsAreSeen)
 {
     ViewBench bench;

@@ -5,8 +5,10 @@
 #include <emulator/view/terminalview.h>
 #include <fakes/emulatorbench.h>
 
+#include <QApplication>
 #include <QImage>
 #include <QPaintEvent>
+#include <QPalette>
 #include <QPixmap>
 #include <QTest>
 
@@ -14,7 +16,13 @@
 
 namespace kestrune {
 
-struct ViewBench : EmulatorBench
+// On which sessions have the default palette.
+struct DarkDesktop
+{
+    DarkDesktop() { QApplication::setPalette(QPalette(QColor(0x30, 0x34, 0x3C))); }
+};
+
+struct ViewBench : DarkDesktop, EmulatorBench
 {
     explicit ViewBench(int cols = 40, int rows = 10, int termType = Vt220) : EmulatorBench(termType, cols, rows)
     {

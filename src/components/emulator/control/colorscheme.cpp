@@ -41,10 +41,11 @@ int AttributeValue(const emu::Style& style)
 
 } // namespace
 
-void ColorScheme::Load(const EmulatorSettings& settings)
+void ColorScheme::Load(const EmulatorSettings& settings, Ground desktop)
 {
+    light_ = desktop == Ground::Light && !HasOwnPalette(settings);
     for (int i = 0; i < PaletteSize; ++i)
-        palette_[size_t(i)] = FromBgr(settings.Palette(i));
+        palette_[size_t(i)] = light_ && i >= PaletteRole::Foreground ? LightRole(i) : FromBgr(settings.Palette(i));
     for (int i = 0; i < AttributeCount; ++i)
         attributes_[size_t(i)] = settings.Colors(i);
     legible_ = settings.Boolean(Setting("LegibleFont"));
@@ -65,6 +66,12 @@ Rgb ColorScheme::Indexed(int index) const
     if (const uint32_t set = host_[size_t(index)])
         return FromHost(set);
     return index < 16 ? palette_[size_t(index)] : CubeOrGrey(index);
+}
+
+// A colour for text on the bare background.
+Rgb ColorScheme::Ink(int index) const
+{
+    return light_ && index < 16 && host_[size_t(index)] == 0 ? LightInk(index) : Indexed(index);
 }
 
 Rgb ColorScheme::Entry(int paletteEntry) const
@@ -116,16 +123,18 @@ CellColors ColorScheme::Of(const emu::Style& style) const
     // A cell without any colour of its own looks as the attribute table says, its reverse included.
     const bool plain = style.foreground.What() == Kind::Default && style.background.What() == Kind::Default;
 
-    const auto resolve = [&](emu::Color color, int byDefault) {
+    const int backgroundEntry = plain ? AttributeBackground(own) : PaletteRole::Background;
+    const bool onBare = style.background.What() == Kind::Default && backgroundEntry == PaletteRole::Background;
+    const auto resolve = [&](emu::Color color, int byDefault, bool isInk) {
         switch (color.What()) {
         case Kind::Palette:
-            return Indexed(color.Index());
+            return isInk ? Ink(color.Index()) : Indexed(color.Index());
         case Kind::Direct:
             return MakeRgb(color.Red(), color.Green(), color.Blue());
         case Kind::Default:
             break;
         }
-        return Entry(byDefault);
+        return isInk && byDefault < 16 ? Ink(byDefault) : Entry(byDefault);
     };
     emu::Color foreground = style.foreground;
     // Bright is how the sixteen-colour terminals show bold.
@@ -133,20 +142,24 @@ CellColors ColorScheme::Of(const emu::Style& style) const
         foreground = emu::Color::Palette(uint8_t(foreground.Index() + 8));
 
     CellColors colors;
-    colors.foreground = resolve(foreground, plain ? AttributeForeground(own) : PaletteRole::Foreground);
-    colors.background = resolve(style.background, plain ? AttributeBackground(own) : PaletteRole::Background);
+    colors.foreground = resolve(foreground, plain ? AttributeForeground(own) : PaletteRole::Foreground, onBare);
+    colors.background = resolve(style.background, backgroundEntry, false);
+    // Who sets a background alone, of text or of the screen, counts on the light text of dark screens.
+    const bool hostSetPaper = host_[size_t(256 + PaletteRole::Background - PaletteRole::Foreground)] != 0;
+    if (light_ && (onBare ? hostSetPaper : foreground.What() == Kind::Default))
+        colors.foreground = LegibleOn(colors.background, colors.foreground);
     if (!plain && (style.attributes & emu::Attr::Reverse) != 0)
         std::swap(colors.foreground, colors.background);
     if (reverse_ && plain)
         std::swap(colors.foreground, colors.background);
-    if (legible_)
-        colors.foreground = LegibleOn(colors.background, colors.foreground);
     // A colour that the user has given to dim text is meant as it is.
     const bool hasOwnDim = plain && own != EmulatorSettings::DefaultColors(AttributeValue(style));
     if ((style.attributes & emu::Attr::Dim) != 0 && !hasOwnDim)
         colors.foreground = Mix(colors.foreground, colors.background, 60);
+    if (legible_) // also what was dimmed
+        colors.foreground = LegibleOn(colors.background, colors.foreground);
     colors.underline =
-        style.underlineColor.What() == Kind::Default ? colors.foreground : resolve(style.underlineColor, 0);
+        style.underlineColor.What() == Kind::Default ? colors.foreground : resolve(style.underlineColor, 0, onBare);
     if ((style.attributes & emu::Attr::Invisible) != 0)
         colors.foreground = colors.underline = colors.background;
     return colors;

@@ -4,6 +4,7 @@
 // what the host has changed of them (OSC 4, 10, 11 and 12).
 
 #include <emulator/control/emulatorsettings.h>
+#include <emulator/control/lightscheme.h>
 #include <emulator/control/rgb.h>
 #include <emulator/engine/terminal.h>
 
@@ -22,7 +23,8 @@ struct CellColors
 class ColorScheme
 {
 public:
-    void Load(const EmulatorSettings& settings);
+    // desktop: what the session takes when it has no palette of its own.
+    void Load(const EmulatorSettings& settings, Ground desktop);
     // Takes over what the host has set, and screen reverse. True: something changed, all rows look different.
     bool Follow(const emu::Terminal& screen);
 
@@ -40,11 +42,13 @@ private:
     static constexpr int kHostColors = 259; // 256 foreground, 257 background, 258 cursor
 
     Rgb Indexed(int index) const;
+    Rgb Ink(int index) const;
     Rgb Entry(int paletteEntry) const;
 
     std::array<Rgb, PaletteSize> palette_{};
     std::array<qint16, AttributeCount> attributes_{};
     std::array<uint32_t, kHostColors> host_{}; // 0: as here
+    bool light_ = false;                       // the light desktop's colours
     bool reverse_ = false;
     bool legible_ = false; // text keeps its distance from its background
 };

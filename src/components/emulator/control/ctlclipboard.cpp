@@ -29,7 +29,7 @@ void ctlEmulator::AnnounceSelection()
 void ctlEmulator::CopyArea(const SelectionArea& area)
 {
     ColorScheme colors;
-    colors.Load(settings_);
+    colors.Load(settings_, desktopGround_);
     colors.Follow(*terminal_);
     constexpr double usualPoints = 11;
     const double points = settings_.Number(Setting("FontSize"));

@@ -660,6 +660,12 @@ void ctlEmulator::WriteText(const QString& text)
     SendBytes(terminal_->EncodeText(text.toStdString()));
 }
 
+void ctlEmulator::SetDesktopGround(Ground ground)
+{
+    if (std::exchange(desktopGround_, ground) != ground)
+        emit LookChanged();
+}
+
 void ctlEmulator::SetTitle(const QString& title) { title_ = title; }
 
 void ctlEmulator::MouseTableAdd(int button, const QString& pattern, const QString& rClick, const QString& rDblClk)

@@ -11,6 +11,7 @@
 // What is not built yet raises Failure NotImplemented and says which feature it is.
 
 #include <emulator/control/emulatorsettings.h>
+#include <emulator/control/lightscheme.h>
 #include <emulator/control/screenpicture.h>
 #include <emulator/control/selectionarea.h>
 #include <emulator/engine/terminal.h>
@@ -273,6 +274,9 @@ public:
     void SetRecordingKeys(bool on) { recordingKeys_ = on; }
     quintptr hwnd() const { return hwnd_; } // of the view; 0 while there is none
     void SetHwnd(quintptr handle) { hwnd_ = handle; }
+    // What a session without a palette of its own is shown on: the desktop's choice, told by the view.
+    Ground DesktopGround() const { return desktopGround_; }
+    void SetDesktopGround(Ground ground);
     void RefreshMenu() {} // the control draws no menu of its own
     void MouseTableReset() { mouseTable_.clear(); }
     void MouseTableAdd(int button, const QString& pattern, const QString& rClick, const QString& rDblClk);
@@ -416,6 +420,7 @@ private:
     void TellTitle();
     SelectionArea Resolve(int left, int top, int right, int bottom) const;
     emu::Style StyleFor(int color) const;
+    void OnPage(int page, const std::function<void()>& act) const;
 
     // What was last told, so that an event comes only for a change.
     struct Told
@@ -480,6 +485,7 @@ private:
     QString deviceStatus_;
     std::unique_ptr<Clock::Timer> toldTimer_;
     int color_ = 0;
+    Ground desktopGround_ = Ground::Dark;
     bool lockHistory_ = false;
     bool lockKeyboard_ = false;
     bool capsLock_ = false;

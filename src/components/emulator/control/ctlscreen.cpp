@@ -121,25 +121,34 @@ QString ctlEmulator::GetText(int column, int row, int cols, bool noProtect) cons
     return text;
 }
 
+// The present page may be the alternate screen, which is no page of memory.
+void ctlEmulator::OnPage(int page, const std::function<void()>& act) const
+{
+    if (page != Present && (page < 0 || page >= terminal_->PageCount()))
+        RaiseBadArgument(tr("There is no page %1.").arg(page));
+    if (page == Present || page == Page())
+        act();
+    else
+        terminal_->OnPage(page, act);
+}
+
 Variant ctlEmulator::GetBlock(int left, int top, int right, int bottom, int page) const
 {
-    if (page != Present && page != Page())
-        RaiseBadArgument(tr("There is no page %1.").arg(page));
     const auto edge = [](int value, int last) { return value < 0 ? last : std::min(value, last); };
     const emu::Position from{std::clamp(left, 0, Cols() - 1), std::clamp(top, 0, Rows() - 1)};
     const emu::Position to{edge(right, Cols() - 1), edge(bottom, Rows() - 1)};
-    return MakeObject<ScreenBlock>(*terminal_, from, to);
+    Variant block;
+    OnPage(page, [&] { block = MakeObject<ScreenBlock>(*terminal_, from, to); });
+    return block;
 }
 
 void ctlEmulator::SetBlock(const Variant& block, int page)
 {
-    if (page != Present && page != Page())
-        RaiseBadArgument(tr("There is no page %1.").arg(page));
     const ObjectRef object = block.Resolved().ToObject();
     const auto* kept = dynamic_cast<const ScreenBlock*>(object.Get());
     if (!kept)
         throw Failure(ErrorNumber::TypeMismatch, tr("This is no block that GetBlock has made."), u"ctlEmulator"_s);
-    kept->PutOn(*terminal_);
+    OnPage(page, [&] { kept->PutOn(*terminal_); });
     AfterChange();
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 // A piece of the screen that a program keeps and puts back: text with its looks, for GetBlock and SetBlock. Opaque to
-// scripts: it has no members. Links of the host and double-size lines are not kept.
+// scripts: it has no members. Rows that it holds whole keep their size, too.
 
 #include <dispatch/object.h>
 #include <emulator/engine/terminal.h>
@@ -33,8 +33,15 @@ private:
         emu::Position at;
         int cols = 0;
         emu::Style style;
+        std::string link; // the style's number for it is good for one terminal alone
         std::string text; // UTF-8; empty: nothing was ever written there
     };
+    struct WholeRow
+    {
+        int row = 0;
+        emu::LineSize size{};
+    };
+    std::vector<WholeRow> rows_; // taken from edge to edge
     std::vector<Run> runs_;
 };
 

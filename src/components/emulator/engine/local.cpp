@@ -37,6 +37,14 @@ void Screen::PlaceBlanks(Position from, Position to, const Style& style)
         P().Fill(row, from.col, std::min(to.col + 1, P().Columns(row)), id);
 }
 
+void Screen::PlaceLineSize(int row, LineSize size)
+{
+    if (modes_.Has(Mode::SideMargins) || P().At(row).size == size)
+        return; // with side margins all lines are of normal size
+    P().SetLineSize(row, size);
+    cursor_.col = std::min(cursor_.col, P().Columns(cursor_.row) - 1);
+}
+
 void Screen::PlaceCursor(Position to)
 {
     cursor_.pendingWrap = false;
@@ -75,6 +83,12 @@ void Machine::EraseArea(Position from, Position to, const Style& style)
 {
     const Size size = screen_.ScreenExtent();
     screen_.OnScreen([&] { screen_.PlaceBlanks(Inside(from, size), Inside(to, size), style); });
+    Changed();
+}
+
+void Machine::SetLineSize(int row, LineSize size)
+{
+    screen_.OnScreen([&] { screen_.PlaceLineSize(Inside({0, row}, screen_.Extent()).row, size); });
     Changed();
 }
 

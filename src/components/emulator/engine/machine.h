@@ -52,6 +52,7 @@ public:
     void HardReset(); // RIS
     void PutText(Position at, std::string_view utf8, const Style& style);
     void EraseArea(Position from, Position to, const Style& style);
+    void SetLineSize(int row, LineSize size);
     void MoveCursor(Position to);
     void PrintNotice(std::string_view utf8);
     ModesView View() const;

@@ -56,6 +56,18 @@ void Screen::GoToPage(int page)
         ShowActivePage();
 }
 
+void Screen::OnPage(int page, const std::function<void()>& act)
+{
+    const bool wasOnStatus = onStatus_;
+    SelectStatusLine(false);
+    Page* const worked = std::exchange(page_, &MemoryPage(std::clamp(page, 0, pageCount_ - 1)));
+    Page* const seen = std::exchange(shownPage_, page_);
+    act();
+    page_ = worked;
+    shownPage_ = seen;
+    SelectStatusLine(wasOnStatus);
+}
+
 void Screen::ShowActivePage()
 {
     shown_ = active_;

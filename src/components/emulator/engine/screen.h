@@ -167,6 +167,8 @@ public:
     int PageCount() const { return pageCount_; }
     int ActivePage() const { return active_; }
     int ShownPage() const { return shown_; }
+    // What act does and sees is on that page of memory, clamped.
+    void OnPage(int page, const std::function<void()>& act);
     const Page* UsedPage(int page) const; // nullptr: nobody has been there
     void GoToPage(int page); // clamped; the cursor keeps its place, and the display follows when it is coupled
     void ShowActivePage();
@@ -201,6 +203,7 @@ public:
     // --- from a program on this side; all places lie inside the screen
     void PlaceText(Position at, std::u32string_view points, const Style& style); // stops at the end of the row
     void PlaceBlanks(Position from, Position to, const Style& style);            // both corners in it
+    void PlaceLineSize(int row, LineSize size);
     void PlaceCursor(Position to);
     bool IsBlankRow(int row) const;
 

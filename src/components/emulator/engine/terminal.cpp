@@ -38,6 +38,9 @@ void Terminal::PutText(Position at, std::string_view utf8, const Style& style)
     impl_->machine.PutText(at, utf8, style);
 }
 void Terminal::EraseArea(Position from, Position to, const Style& style) { impl_->machine.EraseArea(from, to, style); }
+void Terminal::SetLineSize(int row, LineSize size) { impl_->machine.SetLineSize(row, size); }
+void Terminal::OnPage(int page, const std::function<void()>& act) { impl_->machine.Display().OnPage(page, act); }
+uint16_t Terminal::LinkTo(std::string_view target) { return impl_->machine.Display().LinkFor(target, {}); }
 void Terminal::MoveCursor(Position to) { impl_->machine.MoveCursor(to); }
 void Terminal::PrintNotice(std::string_view utf8) { impl_->machine.PrintNotice(utf8); }
 

@@ -9,6 +9,7 @@
 #include <emulator/engine/keys.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -210,6 +211,10 @@ public:
     void PutText(Position at, std::string_view utf8,
                  const Style& style);                               // stops at the end of the row; the cursor stays
     void EraseArea(Position from, Position to, const Style& style); // a rectangle, both corners in it
+    void SetLineSize(int row, LineSize size);
+    // What is read, put and erased inside act is on that page of memory, 0 to PageCount() - 1; what is shown stays.
+    void OnPage(int page, const std::function<void()>& act);
+    uint16_t LinkTo(std::string_view target); // for a Style; 0: there are too many
     void MoveCursor(Position to);
     // The host has gone: an open sequence is dropped, the alternate screen and all modes of input end, and the text
     // stands dim on a line of its own.

@@ -1,5 +1,7 @@
 #include "findbar.h"
 
+#include <emulator/control/contrast.h>
+
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -16,6 +18,7 @@ namespace {
 
 constexpr int kDistance = 6; // from the corner
 constexpr int kTextWidth = 200;
+constexpr Rgb kWrong = MakeRgb(0xC0, 0x30, 0x30);
 
 } // namespace
 
@@ -90,7 +93,7 @@ void FindBar::ShowState(const QString& text, bool wrong)
     state_->setToolTip(text);
     QPalette shown = palette();
     if (wrong)
-        shown.setColor(QPalette::Text, QColor(0xC0, 0x30, 0x30));
+        shown.setColor(QPalette::Text, LegibleOn(shown.color(QPalette::Base).rgb(), kWrong));
     text_->setPalette(shown);
 }
 

@@ -1,5 +1,6 @@
 #include "functionbar.h"
 
+#include <emulator/control/colorscheme.h>
 #include <emulator/control/functionkeys.h>
 
 #include <QAbstractButton>
@@ -34,10 +35,11 @@ BarStyle StyleOf(const ctlEmulator& emulator)
     return style == 1 ? BarStyle::Stacked : style == 2 ? BarStyle::LabelOnly : BarStyle::SideBySide;
 }
 
-QColor RoleColorOf(const ctlEmulator& emulator, int role) // from 0x00BBGGRR
+QColor RoleColorOf(const ctlEmulator& emulator, int role)
 {
-    const qint32 color = emulator.Settings().Palette(role);
-    return {color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF};
+    ColorScheme scheme;
+    scheme.Load(emulator.Settings(), emulator.DesktopGround());
+    return QColor(scheme.Role(role));
 }
 
 // The terminal's own colours, mixed: the bar belongs to the screen, dark or light.

@@ -2,6 +2,9 @@
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +13,7 @@ namespace kestrune {
 
 namespace {
 
+constexpr double kLeastPixels = 4;
 constexpr int kCachedGlyphs = 4096; // besides Latin-1; started anew when full
 
 QString InstalledFamily(const QString& wanted)
@@ -34,7 +38,8 @@ GridFont::GridFont(const QString& family, double size, bool bold)
     base_.setFamily(InstalledFamily(family));
     base_.setStyleHint(QFont::Monospace);
     base_.setFixedPitch(true);
-    base_.setPixelSize(std::max(4, int(std::lround(size))));
+    // In pixels the toolkit takes whole sizes only: 10 and 10.5 points would often be the same.
+    base_.setPointSizeF(std::max(kLeastPixels, size) * 72 / QGuiApplication::primaryScreen()->logicalDotsPerInchY());
     base_.setKerning(false);
     base_.setBold(bold);
 
@@ -78,6 +83,23 @@ const QFont& GridFont::EmojiFont()
 }
 
 const QRawFont& GridFont::Raw(int variant) { return Of(variant).raw; }
+
+const GridFont::Shaped& GridFont::Shape(const QString& text, int variant, bool isEmoji)
+{
+    QHash<QString, Shaped>& known = isEmoji ? shapedEmoji_ : Of(variant).shaped;
+    if (const auto it = known.constFind(text); it != known.constEnd())
+        return *it;
+    if (known.size() >= kCachedGlyphs)
+        known.clear();
+    QTextLayout layout(text, isEmoji ? EmojiFont() : Font(variant));
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    Shaped shaped;
+    if (line.isValid())
+        shaped = {layout.glyphRuns(), line.naturalTextWidth(), line.ascent()};
+    return *known.insert(text, shaped);
+}
 
 quint32 GridFont::GlyphOf(int variant, char32_t c)
 {

@@ -6,6 +6,7 @@
 #include "emojipictures.h"
 
 #include <QFont>
+#include <QGlyphRun>
 #include <QHash>
 #include <QRawFont>
 
@@ -32,6 +33,14 @@ public:
     const QFont& EmojiFont(); // pictures in colour before signs in black and white
     EmojiPictures& Emoji() { return emojiPictures_; }
     const QRawFont& Raw(int variant);
+    // Text of one cell in whatever fonts it takes. Valid until the next one is asked for.
+    struct Shaped
+    {
+        QList<QGlyphRun> runs;
+        double width = 0;
+        double ascent = 0; // from the runs' own top to the base line
+    };
+    const Shaped& Shape(const QString& text, int variant, bool isEmoji);
     quint32 GlyphOf(int variant, char32_t c); // 0: not in this font
 
 private:
@@ -41,12 +50,14 @@ private:
         QRawFont raw;
         std::array<quint32, 256> latin{};
         QHash<char32_t, quint32> others; // bounded
+        QHash<QString, Shaped> shaped;   // bounded
     };
     Variant& Of(int variant);
 
     QFont base_;
     std::unique_ptr<QFont> emoji_; // made when first used
     EmojiPictures emojiPictures_;
+    QHash<QString, Shaped> shapedEmoji_;
     int cellWidth_ = 8;
     int cellHeight_ = 16;
     int ascent_ = 12;

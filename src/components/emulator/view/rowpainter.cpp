@@ -4,7 +4,6 @@
 
 #include <QGlyphRun>
 #include <QPainterPath>
-#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -247,50 +246,35 @@ void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints j
         return PaintEmoji(painter, text, where, color);
     // A joiner beside a letter gives it the form that it has inside a word.
     const QString joiner{QChar(kJoiner)};
-    PaintLaidOut(painter, (joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString()),
-                 font_.Font(variant), where, color);
+    PaintShaped(painter,
+                font_.Shape((joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString()), variant,
+                            false),
+                where, color);
 }
 
 void RowPainter::PaintEmoji(QPainter& painter, const QString& text, const QRect& where, QRgb color)
 {
+    const GridFont::Shaped& shaped = font_.Shape(text, 0, true);
     if (painter.deviceTransform().type() > QTransform::TxTranslate) // in a magnified row
-        return PaintLaidOut(painter, text, font_.EmojiFont(), where, color);
+        return PaintShaped(painter, shaped, where, color);
     painter.drawImage(where.topLeft(), font_.Emoji().Of(text, where.size(), color, [&](QPainter& picture) {
-        PaintLaidOut(picture, text, font_.EmojiFont(), QRect(QPoint(0, 0), where.size()), color);
+        PaintShaped(picture, shaped, QRect(QPoint(0, 0), where.size()), color);
     }));
 }
 
-void RowPainter::PaintLaidOut(QPainter& painter, const QString& text, const QFont& font, const QRect& where,
-                              QRgb color) const
+void RowPainter::PaintShaped(QPainter& painter, const GridFont::Shaped& shaped, const QRect& where, QRgb color) const
 {
-    QTextLayout layout(text, font);
-    layout.beginLayout();
-    QTextLine line = layout.createLine();
-    layout.endLayout();
-    if (!line.isValid())
-        return;
-    const double natural = line.naturalTextWidth();
     // Marks that a font cannot place stand beside their letter: better cut than too small to read.
-    const double scale = std::clamp(where.width() / std::max(1.0, natural), kLeastScale, 1.0);
-    const double left = std::max(0.0, (where.width() - natural * scale) / 2);
+    const double scale = std::clamp(where.width() / std::max(1.0, shaped.width), kLeastScale, 1.0);
+    const double left = std::max(0.0, (where.width() - shaped.width * scale) / 2);
     painter.save();
     painter.setPen(QColor(color));
     painter.setClipRect(where, Qt::IntersectClip);
-    painter.translate(where.left() + left, where.top() + font_.Ascent() - line.ascent() * scale);
+    painter.translate(where.left() + left, where.top() + font_.Ascent() - shaped.ascent * scale);
     painter.scale(scale, scale);
-    layout.draw(&painter, QPointF(0, 0));
+    for (const QGlyphRun& run : shaped.runs)
+        painter.drawGlyphRun(QPointF(0, 0), run);
     painter.restore();
-}
-
-void RowPainter::PaintLines(QPainter& painter, const Run& run, int x, int y) const
-{
-    const QRect line(x + run.first * font_.CellWidth(), y + font_.UnderlineTop(),
-                     (run.last - run.first) * font_.CellWidth(), font_.LineWidth());
-    DrawUnderline(painter, run.style->underline, line, run.colors.underline);
-    if ((run.style->attributes & emu::Attr::Strike) != 0)
-        painter.fillRect(line.translated(0, -font_.Ascent() * 2 / 5), QColor(run.colors.foreground));
-    if ((run.style->attributes & emu::Attr::Overline) != 0)
-        painter.fillRect(line.left(), y, line.width(), line.height(), QColor(run.colors.foreground));
 }
 
 // Text of cursive scripts runs to the left: the letter before stands to the right.

@@ -81,7 +81,7 @@ void ScreenCanvas::RebuildFont()
 void ScreenCanvas::LookChanged()
 {
     RebuildFont();
-    scheme_.Load(emulator_.Settings());
+    scheme_.Load(emulator_.Settings(), emulator_.DesktopGround());
     scheme_.Follow(emulator_.Screen());
     backdrop_.Load(emulator_.Settings());
     Invalidate();
@@ -215,7 +215,7 @@ QRect ScreenCanvas::LineRect(int line) const
 QFont ScreenCanvas::Font() const
 {
     QFont font = font_->Font(0);
-    font.setPixelSize(std::max(1, int(font.pixelSize() / ratio_)));
+    font.setPointSizeF(font.pointSizeF() / ratio_);
     return font;
 }
 

@@ -30,6 +30,13 @@ constexpr int kSettleMilliseconds = 60; // a window that is being dragged has se
 constexpr int kSettled = 1000;          // after it was shown
 constexpr int kQuietBell = 250;         // bells closer than this are one
 
+// Desktops do not all say which of their schemes is a dark one; their colours do.
+Ground GroundOf(const QPalette& desktop)
+{
+    const auto lightness = [&desktop](QPalette::ColorRole role) { return desktop.color(role).lightness(); };
+    return lightness(QPalette::WindowText) > lightness(QPalette::Window) ? Ground::Dark : Ground::Light;
+}
+
 } // namespace
 
 class TerminalView::Parts
@@ -82,6 +89,7 @@ TerminalView::TerminalView(ctlEmulator& emulator, QWidget* parent) : QWidget(par
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::IBeamCursor);
     setAcceptDrops(true);
+    emulator.SetDesktopGround(GroundOf(palette()));
     parts_ = std::make_unique<Parts>(emulator, *this, [this] {
         UpdateScrollBar();
         parts_->pointer.FollowModes();
@@ -396,6 +404,13 @@ void TerminalView::dropEvent(QDropEvent* event)
     event->accept();
     setFocus(Qt::MouseFocusReason);
     emulator_.PasteDropped(dropped.hasUrls() ? TextOfDroppedUrls(dropped.urls()) : dropped.text());
+}
+
+void TerminalView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        emulator_.SetDesktopGround(GroundOf(palette()));
+    QWidget::changeEvent(event);
 }
 
 void TerminalView::focusInEvent(QFocusEvent*)
