@@ -19,6 +19,7 @@ int main(int argc, char** argv)
     FormBench bench;
     bench.window->resize(1280, 860);
     std::vector<std::shared_ptr<clsSession>> all;
+    all.reserve(sessions);
     for (int i = 0; i < sessions; ++i)
         all.push_back(bench.Open(QStringLiteral("host %1.orcf").arg(i + 1)));
     std::vector<double> times;

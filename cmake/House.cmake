@@ -5,6 +5,7 @@
 # Each target gets an include root of its own that holds links to its public headers and nothing else,
 # so a header of a target that is not linked does not exist for the compiler.
 # house_test(name SOURCES .. DEPENDS ..): one test program, found by ctest case by case.
+#   MAIN     widgets: a QApplication without a display; events: an event loop; own: a main of the sources
 
 set(HOUSE_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 set(HOUSE_DEFINITIONS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_DISABLE_DEPRECATED_BEFORE=0x060400
@@ -79,9 +80,14 @@ function(house_library target)
 endfunction()
 
 function(house_test target)
-    cmake_parse_arguments(PARSE_ARGV 1 A "" "TIMEOUT" "SOURCES;DEPENDS;LABELS")
+    cmake_parse_arguments(PARSE_ARGV 1 A "" "MAIN;TIMEOUT" "SOURCES;DEPENDS;LABELS")
     add_executable(${target} ${A_SOURCES})
     target_link_libraries(${target} PRIVATE ${A_DEPENDS} GTest::gtest)
+    if(NOT A_MAIN)
+        target_link_libraries(${target} PRIVATE GTest::gtest_main)
+    elseif(NOT A_MAIN STREQUAL own)
+        target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/mains/${A_MAIN}.cpp)
+    endif()
     target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     set_target_properties(${target} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     house_common(${target})

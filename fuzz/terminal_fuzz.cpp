@@ -46,6 +46,7 @@ TerminalOptions OptionsFor(uint8_t charset, uint8_t cols, uint8_t rows)
     options.size = {cols % 90 + 1, rows % 40 + 1};
     options.historyRows = 30;
     options.pages = cols % 4;
+    options.reflow = rows % 2 == 0;
     options.extended = {rows % 140 + 1, charset % 30};
     options.startsExtended = charset % 7 == 0;
     options.messageRows = charset % 4 - 1;

@@ -1,6 +1,7 @@
 // The one place that joins concrete parts together.
 
 #include <app/affinity.h>
+#include <app/housestyle.h>
 #include <app/mdiparntform.h>
 #include <app/missingpieces.h>
 #include <app/ormain.h>
@@ -278,6 +279,7 @@ int Run(int argc, char** argv)
     QApplication::setApplicationName(u"kestrune"_s);
     QApplication::setDesktopFileName(u"kestrune"_s);
     QApplication::setWindowIcon(ProgramIcon());
+    DressApplication(application);
     QApplication::setQuitOnLastWindowClosed(false); // the process ends when its last work is done
 
     DarkWindows windows;

@@ -10,24 +10,21 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Given once; scripts and programs made since bind to them.
-constexpr ClassIdentity kMenuIdentity = {
-    "clsMenu",
-    "Orlin71.clsMenu",
-    QUuid(0xee334eb8, 0x95f0, 0x4dd0, 0xa7, 0x46, 0xf5, 0x14, 0x28, 0x39, 0x34, 0x24),
-    {{{"_clsMenu", QUuid(0x4e5fea22, 0xb8dc, 0x45b7, 0x8d, 0xc5, 0x34, 0xc5, 0x20, 0x3a, 0xe3, 0x1d)},
-      {"Menu", QUuid(0x2d67c370, 0xa5f6, 0x42f6, 0x83, 0x9c, 0x33, 0xe3, 0x10, 0x25, 0xdf, 0x36)}}}};
-constexpr ClassIdentity kMnuBandIdentity = {
-    "clsMnuBand",
-    "Orlin71.clsMnuBand",
-    QUuid(0xa9e1e94a, 0x6b80, 0x4092, 0xb6, 0xfd, 0xa3, 0x16, 0x1f, 0xf9, 0xab, 0xd6),
-    {{{"_clsMnuBand", QUuid(0x76794520, 0x85e4, 0x45ff, 0xa3, 0x7a, 0x86, 0xf9, 0xb9, 0x5d, 0x47, 0x5f)},
-      {"MnuBand", QUuid(0x72bb18a2, 0x027d, 0x4682, 0xaa, 0x22, 0x28, 0xfa, 0xf8, 0x75, 0x80, 0x72)}}}};
-constexpr ClassIdentity kMnuToolIdentity = {
-    "clsMnuTool",
-    "Orlin71.clsMnuTool",
-    QUuid(0x321403cc, 0x0295, 0x4754, 0xbe, 0xdf, 0x69, 0x02, 0x74, 0x5f, 0xaa, 0xb8),
-    {{{"_clsMnuTool", QUuid(0xbf41e43e, 0x044c, 0x4db2, 0xa8, 0xd3, 0xfa, 0xed, 0x3f, 0x15, 0xc8, 0x48)},
-      {"MnuTool", QUuid(0x3bce4d23, 0xfd46, 0x4971, 0xbe, 0xa8, 0xd6, 0x65, 0xc2, 0x1b, 0x5d, 0x7f)}}}};
+constexpr ClassIdentity kMenuIdentity = {"clsMenu",
+                                         "Orlin71.clsMenu",
+                                         IdOf("ee334eb8-95f0-4dd0-a746-f51428393424"),
+                                         {{{"_clsMenu", IdOf("4e5fea22-b8dc-45b7-8dc5-34c5203ae31d")},
+                                           {"Menu", IdOf("2d67c370-a5f6-42f6-839c-33e31025df36")}}}};
+constexpr ClassIdentity kMnuBandIdentity = {"clsMnuBand",
+                                            "Orlin71.clsMnuBand",
+                                            IdOf("a9e1e94a-6b80-4092-b6fd-a3161ff9abd6"),
+                                            {{{"_clsMnuBand", IdOf("76794520-85e4-45ff-a37a-86f9b95d475f")},
+                                              {"MnuBand", IdOf("72bb18a2-027d-4682-aa22-28faf8758072")}}}};
+constexpr ClassIdentity kMnuToolIdentity = {"clsMnuTool",
+                                            "Orlin71.clsMnuTool",
+                                            IdOf("321403cc-0295-4754-bedf-6902745faab8"),
+                                            {{{"_clsMnuTool", IdOf("bf41e43e-044c-4db2-a8d3-faed3f15c848")},
+                                              {"MnuTool", IdOf("3bce4d23-fd46-4971-bea8-d665c21b5d7f")}}}};
 
 constexpr quint8 kGetLet = InvokeKind::Get | InvokeKind::Let;
 constexpr quint8 kMethod = InvokeKind::Method;

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QLineEdit>
+
 namespace kestrune {
 
 using namespace Qt::StringLiterals;
@@ -87,6 +89,38 @@ TEST(MenuKeys, TheProgramsOwnKeysWorkInASession)
     bench.Press(Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier); // the menus, without the mouse
     EXPECT_TRUE(MenuIsUp(bench));
     EXPECT_EQ(bench.lines.Current().TakeSent(), "");
+}
+
+TEST(MenuKeys, EscapeGoesBackToTheSessionInOneStep)
+{
+    WindowBench bench;
+    bench.Open();
+    const auto session = bench.OpenSession();
+    for (const bool accessKeys : {false, true}) { // with them the bar itself takes the keyboard
+        bench.Application().SetBoolean(GlobalId::MenuAccessKeys, accessKeys);
+        bench.Settle();
+        bench.Press(accessKeys ? Qt::Key_F : Qt::Key_M,
+                    accessKeys ? Qt::AltModifier : Qt::ControlModifier | Qt::ShiftModifier);
+        ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+        EXPECT_FALSE(MenuIsUp(bench));
+        EXPECT_EQ(QApplication::focusWidget(), &bench.WindowOf(*session).View());
+        EXPECT_EQ(Pressed(bench, {Qt::Key_H, {}, ""}), "h") << "typed for the session, not for the bar";
+    }
+}
+
+TEST(MenuKeys, ATabIsRenamedByKey)
+{
+    WindowBench bench;
+    bench.Open();
+    const auto session = bench.OpenSession();
+    bench.Press(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
+    auto* box = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_NE(box, nullptr);
+    QTest::keyClicks(box, u"Stock"_s);
+    QTest::keyClick(box, Qt::Key_Return);
+    EXPECT_EQ(bench.WindowOf(*session).Title(), u"Stock"_s);
+    EXPECT_EQ(Pressed(bench, {Qt::Key_H, {}, ""}), "h") << "the keyboard is the session's again";
 }
 
 TEST(MenuKeys, AccessKeysCanBeGivenToTheMenusAndBack)

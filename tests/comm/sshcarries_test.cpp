@@ -120,6 +120,13 @@ TEST(SshJump, SaysWhereTheWayEnds)
     }
 }
 
+quint32 RefusalOf(const LineOptions& options)
+{
+    LineRig rig(options);
+    EXPECT_TRUE(rig.Opened().UntilClosed());
+    return rig.errorWord;
+}
+
 TEST(SshJump, ACommandOfTheConfigurationConnects)
 {
     const OwnHome home;
@@ -135,6 +142,24 @@ TEST(SshJump, ACommandOfTheConfigurationConnects)
     EXPECT_TRUE(ReachesServer(rig, server.Port()));
     EXPECT_EQ(home.Read(u"asked"_s),
               "nowhere.example " + QByteArray::number(server.Port()) + ' ' + Sshd::User() + '\n');
+
+    // What a session file says goes into a shell's hands here.
+    const QString harm = home.Path(u"harm"_s);
+    ReadConfiguration(home, {u"Host *\n ProxyCommand true %h %n %r"_s});
+    LineOptions evil = options;
+    for (const QString& name : {u"`touch$IFS%1`@far"_s.arg(harm), u"$(touch${IFS}%1)@far"_s.arg(harm)}) {
+        evil.hostName = name;
+        EXPECT_EQ(RefusalOf(evil), LineErrorWord(Device::Ssh, LineErrorNumber::InvalidArgument));
+    }
+    evil = options;
+    evil.userName = "-oProxyCommand=x";
+    EXPECT_EQ(RefusalOf(evil), LineErrorWord(Device::Ssh, LineErrorNumber::InvalidArgument));
+    evil = options;
+    for (const QString& jump : {u"`touch$IFS%1`"_s.arg(harm), u"a;touch %1"_s.arg(harm), u"-oProxyCommand=x"_s}) {
+        evil.ssh.jump = jump;
+        EXPECT_EQ(RefusalOf(evil), LineErrorWord(Device::Ssh, LineErrorNumber::InvalidArgument));
+    }
+    EXPECT_FALSE(QFile::exists(harm));
 
     ReadConfiguration(home, {u"Host far\n ProxyCommand no-such-program %h"_s});
     LineRig broken(options);

@@ -118,11 +118,3 @@ TEST(HelpKey, AsksForThePageOfWhatHasTheKeyboard)
 } // namespace
 
 } // namespace kestrune
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

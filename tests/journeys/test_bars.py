@@ -35,14 +35,17 @@ class Bars(desktop.Journey):
         cls.desktop.close()
         cls.desktop = desktop.Desktop(2200, 1500)
 
-    def look(self, name, other_than=None, seconds=10):
+    def look(self, name, other_than=None, seconds=20):
         """A picture, once two looks in a row are the same and not what was seen before: nothing moves any more."""
         seen = []
 
         def still():
-            seen.append(self.desktop.picture(name).read_bytes())
+            seen.append(self.desktop.pixels())
             return len(seen) > 1 and seen[-1] == seen[-2] and seen[-1] != other_than
-        until(still, f"{name} at rest", seconds, every=0.15)
+        try:
+            until(still, f"{name} at rest", seconds, every=0.1)
+        finally:
+            self.desktop.picture(name)
         return seen[-1]
 
     def begin(self, scale, dark, sessions):
@@ -56,7 +59,7 @@ class Bars(desktop.Journey):
         if names:
             layout = self.home / "three.orly"
             layout.write_text(f"[Kestrune Main]\r\nChildState=2\r\nFiles={len(names)}\r\n" + "".join(
-                f"[File{i}]\r\nFileName={self.session_file(name + '.orcf', HostName='/bin/cat').name}\r\n"
+                f"[File{i}]\r\nFileName={self.session_file(name + '.orcf', HostName='/bin/cat', CursorType=1).name}\r\n"
                 f"WindowState=2\r\nActive={i == 1}\r\n" for i, name in enumerate(names, 1)))
             opened = [layout]
         program = self.start(*opened, extra_env=env)

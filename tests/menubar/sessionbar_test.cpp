@@ -74,7 +74,7 @@ TEST(SessionBar, ADragSaysWhatMovesWhere)
     EXPECT_EQ(bench.Texts(), (QStringList{u"host 2"_s, u"host 1"_s, u"host 3"_s})) << "as it is seen";
 }
 
-TEST(SessionBar, MouseAndKeyboard)
+TEST(SessionBar, WhatTheMouseDoes)
 {
     TabsBench bench(3);
     QSignalSpy close(&bench.bar, &SessionBar::SessionTabClose), rename(&bench.bar, &SessionBar::RenameWanted),
@@ -82,11 +82,10 @@ TEST(SessionBar, MouseAndKeyboard)
     QTest::mouseClick(&bench.bar, Qt::MiddleButton, {}, bench.Middle(1));
     QTest::mouseClick(bench.bar.tabButton(2, QTabBar::RightSide), Qt::LeftButton);
     QTest::mouseDClick(&bench.bar, Qt::LeftButton, {}, bench.Middle(1));
-    QTest::keyClick(&bench.bar, Qt::Key_F2);
     EXPECT_EQ(close.count(), 2);
     EXPECT_EQ(close[0][0].value<quintptr>(), 2u);
     EXPECT_EQ(close[1][0].value<quintptr>(), 3u);
-    ASSERT_EQ(rename.count(), 2);
+    ASSERT_EQ(rename.count(), 1);
     EXPECT_EQ(rename[0][0].value<quintptr>(), 2u);
     QContextMenuEvent right(QContextMenuEvent::Mouse, bench.Middle(2), bench.bar.mapToGlobal(bench.Middle(2)));
     QCoreApplication::sendEvent(&bench.bar, &right);

@@ -8,7 +8,6 @@
 #include <sessions/sessionarea.h>
 
 #include <QAction>
-#include <QApplication>
 #include <QMainWindow>
 #include <QMenu>
 #include <QPointer>
@@ -198,11 +197,3 @@ TEST(SessionWindow, TitleIsShownAsItStandsAndAPopupNeedsItsBand)
 
 } // namespace
 } // namespace kestrune
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -60,6 +60,12 @@ SshApproach::Route SshApproach::RouteTo(const SshContact& host, const std::vecto
 int SshApproach::FirstSocket(SshContact& nearest, bool byCommand)
 {
     if (byCommand) {
+        if (nearest.ProxyCommand().contains(u"%r"_s) && !SshTarget::IsSafeInCommand(nearest.User()))
+            nearest.Fail(
+                LineErrorNumber::InvalidArgument,
+                ApproachText::tr("Unable to connect to %1: the user name \"%2\" cannot be given to the command "
+                                 "that leads there.")
+                    .arg(nearest.Host(), nearest.User().left(80)));
         const QString command =
             ExpandedCommand(nearest.ProxyCommand(), nearest.Host(), nearest.Port(), nearest.User(), nearest.Given());
         try {

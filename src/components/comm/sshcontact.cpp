@@ -55,6 +55,8 @@ SshContact::SshContact(SshMailbox& mail, const LineOptions& options, const SshTa
 {
     if (!session_)
         Fail(LineErrorNumber::NoBufferSpace, Say("The system has no room for another connection."));
+    if (const QString error = target.Error(options.tcpIdn); !error.isEmpty())
+        Fail(LineErrorNumber::InvalidArgument, error);
     ssh_set_blocking(session_.get(), 0);
     ssh_set_counters(session_.get(), nullptr, &counter_);
     DenyRequests();

@@ -32,11 +32,8 @@ void SshLine::Begin()
     const SshTarget target = SshTarget::From(Options().hostName);
     const QString port = Options().hostPort.trimmed().isEmpty() ? target.port : Options().hostPort;
     const HostAddress address = HostAddress::From(target.host, port, DefaultPort, Options().tcpIdn);
-    // A user name with a dash in front would be an option to a careless program on the way.
-    if (!address.error.isEmpty() || target.user.startsWith(u'-')) {
-        Fail(LineErrorNumber::InvalidArgument,
-             address.error.isEmpty() ? tr("Unable to connect: \"%1\" is not a user name.").arg(target.user)
-                                     : address.error);
+    if (!address.error.isEmpty()) {
+        Fail(LineErrorNumber::InvalidArgument, address.error);
         return;
     }
     if (const QString wrong = SshForwardList::From(Options().ssh.forwards).wrong; !wrong.isEmpty()) {

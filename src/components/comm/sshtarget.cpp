@@ -1,5 +1,9 @@
 #include <comm/sshtarget.h>
 
+#include "hostaddress.h"
+
+#include <algorithm>
+
 namespace kestrune::comm {
 
 SshTarget SshTarget::From(const QString& field)
@@ -25,6 +29,21 @@ SshTarget SshTarget::From(const QString& field)
         target.host = rest;
     }
     return target;
+}
+
+QString SshTarget::Error(bool idn) const
+{
+    constexpr quint16 usual = 22; // a port is looked at by whoever uses it
+    if (const QString error = HostAddress::From(host, {}, usual, idn).error; !error.isEmpty())
+        return error;
+    return user.startsWith(u'-') ? tr("Unable to connect: \"%1\" is not a user name.").arg(user.left(80)) : QString();
+}
+
+bool SshTarget::IsSafeInCommand(const QString& user)
+{
+    static constexpr QStringView special = u"'`\"\\$;&<>|(){}[]*?!#~";
+    return !user.startsWith(u'-') &&
+           std::ranges::none_of(user, [](QChar c) { return c.isSpace() || !c.isPrint() || special.contains(c); });
 }
 
 } // namespace kestrune::comm

@@ -1,13 +1,13 @@
 #include <menubar/icons.h>
 
-#include "mixedcolor.h"
+#include <menubar/mixedcolor.h>
+
+#include "drawnicon.h"
 #include "pictures.h"
 
 #include <QGuiApplication>
-#include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
-#include <QPixmap>
 
 #include <algorithm>
 #include <cmath>
@@ -59,7 +59,7 @@ private:
     double width_;
 };
 
-class LineIconEngine : public QIconEngine
+class LineIconEngine : public DrawnIcon
 {
 public:
     LineIconEngine(const Picture& picture, const Picture* badge) : picture_(picture), badge_(badge) {}
@@ -81,14 +81,6 @@ public:
         painter->scale(1 / scale, 1 / scale);
         DrawAt(*painter, QSizeF(rect.size()) * scale, ink, accent);
         painter->restore();
-    }
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
-    {
-        QPixmap picture(size);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        paint(&painter, QRect(QPoint(), size), mode, state);
-        return picture;
     }
     QIconEngine* clone() const override { return new LineIconEngine(picture_, badge_); }
 

@@ -10,6 +10,7 @@ namespace kestrune {
 namespace {
 
 constexpr int LeastWidth = 134, LeastHeight = 16; // 2000 by 240 twips, in pixels
+constexpr int Margin = 6;                         // between the box and its text, in pixels
 
 } // namespace
 
@@ -18,6 +19,7 @@ RenameBox::RenameBox(const QString& text, QWidget* over, const QRect& place) : Q
     setObjectName(QStringLiteral("frmRename"));
     setAccessibleName(tr("Session name"));
     setFrame(false);
+    setTextMargins(Margin, 0, Margin, 0);
     const int width = std::max(place.width(), LeastWidth);
     setGeometry(std::clamp(place.left(), 0, std::max(0, over->width() - width)), place.top(), width,
                 std::max(place.height(), LeastHeight));

@@ -169,7 +169,7 @@ QSize SessionBar::tabSizeHint(int index) const
     return {std::min(size.width(), WidestTab), size.height()};
 }
 
-// --- mouse and keyboard
+// --- mouse
 
 void SessionBar::contextMenuEvent(QContextMenuEvent* event)
 {
@@ -178,14 +178,6 @@ void SessionBar::contextMenuEvent(QContextMenuEvent* event)
         event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(tabRect(index).bottomLeft()) : event->globalPos();
     if (const quintptr handle = HandleAt(index))
         emit ToolRightClick(handle, at);
-}
-
-void SessionBar::keyPressEvent(QKeyEvent* event)
-{
-    if (event->key() == Qt::Key_F2 && HandleAt(currentIndex()) != 0)
-        emit RenameWanted(HandleAt(currentIndex()));
-    else
-        QTabBar::keyPressEvent(event);
 }
 
 void SessionBar::mousePressEvent(QMouseEvent* event)

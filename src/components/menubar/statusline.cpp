@@ -26,6 +26,9 @@ bool IsLock(ToolType type)
 
 bool IsTime(ToolType type) { return type == ToolType::Time || type == ToolType::Date || type == ToolType::TimeAndDate; }
 
+// A panel that is off has nothing to say: without a session for instance. Locks and clocks go on without one.
+bool IsSeen(const MenuTool& tool) { return tool.visible && (tool.enabled || IsLock(tool.type) || IsTime(tool.type)); }
+
 Qt::Alignment AlignmentOf(qint16 style)
 {
     switch (style & ToolStyle::AlignMask) {
@@ -54,7 +57,7 @@ PanelSize SizeOf(const StatusPanel& panel, const MenuTool& tool)
 {
     const int least = tool.width / TwipsPerPixel;
     const int size = tool.style & ToolStyle::SizeMask;
-    if (!tool.visible)
+    if (!IsSeen(tool))
         return {};
     if (size == ToolStyle::Spring)
         return {least, true};
@@ -164,7 +167,7 @@ QString StatusLine::TextOf(const MenuTool& tool) const
     case ToolType::TimeAndDate:
         return locale.toString(now, QLocale::ShortFormat);
     default:
-        return tool.enabled ? tool.caption : QString(); // what it stands for is not known: no session
+        return tool.caption;
     }
 }
 
@@ -251,7 +254,7 @@ void StatusLine::Arrange()
             notice_->setGeometry(place);
         if (i < panels_.size()) {
             panels_[i]->setGeometry(place);
-            panels_[i]->setVisible(tools[i].visible && !covered);
+            panels_[i]->setVisible(IsSeen(tools[i]) && !covered);
         }
     }
 }

@@ -1,6 +1,6 @@
 #include "statuspanel.h"
 
-#include "mixedcolor.h"
+#include <menubar/mixedcolor.h>
 
 #include <QEvent>
 #include <QHelpEvent>

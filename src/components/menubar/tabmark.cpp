@@ -1,8 +1,9 @@
 #include "tabmark.h"
 
+#include "drawnicon.h"
+
 #include <QCoreApplication>
 #include <QGuiApplication>
-#include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
@@ -54,7 +55,7 @@ const MarkRow* RowOf(SessionBar::Mark mark)
     return nullptr;
 }
 
-class MarkEngine : public QIconEngine
+class MarkEngine : public DrawnIcon
 {
 public:
     MarkEngine(const QIcon& picture, const MarkRow& row) : picture_(picture), row_(row) {}
@@ -79,14 +80,6 @@ public:
         else
             painter->fillPath(path, color);
         painter->restore();
-    }
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
-    {
-        QPixmap drawn(size);
-        drawn.fill(Qt::transparent);
-        QPainter painter(&drawn);
-        paint(&painter, QRect(QPoint(), size), mode, state);
-        return drawn;
     }
     QIconEngine* clone() const override { return new MarkEngine(picture_, row_); }
 

@@ -6,6 +6,8 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QToolBar>
 #include <QToolButton>
@@ -55,6 +57,19 @@ ToolList::ToolList(QMenu& menu, ToolList& above, std::size_t index)
 }
 
 ToolList::~ToolList() = default;
+
+// Escape leaves a menu of the menu bar and the bar with it. The toolkit stays on the bar, where the next thing that is
+// typed for the session would choose a menu.
+bool ToolList::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent*>(event) : nullptr;
+    if (key == nullptr || key->key() != Qt::Key_Escape)
+        return QObject::eventFilter(watched, event);
+    static_cast<QMenu*>(watched)->hide();
+    QKeyEvent leave(key->type(), key->key(), key->modifiers());
+    QCoreApplication::sendEvent(&widget_, &leave);
+    return true;
+}
 
 const std::vector<MenuTool>* ToolList::Tools() const
 {
@@ -172,6 +187,8 @@ void ToolList::AddItem(const MenuTool& tool, std::size_t index)
         item.menu = new QMenu(&widget_);
         item.below = new ToolList(*item.menu, *this, index);
         item.action->setMenu(item.menu);
+        if (look_ == Look::MenuBar)
+            item.menu->installEventFilter(this);
     }
     if (tool.type == ToolType::Group) {
         const bool goesOn = !items_.empty() && items_.back().group != nullptr && !tool.beginGroup;

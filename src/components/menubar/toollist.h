@@ -39,6 +39,9 @@ public:
     void Show(taMenuBar& model, const QString& band); // the tools of that band; none: it stands empty
     void Refresh(const QSet<int>& keys);              // the tools of these keys have changed
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     struct Item
     {

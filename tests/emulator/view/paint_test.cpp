@@ -53,6 +53,28 @@ INSTANTIATE_TEST_SUITE_P(
                     LookCase{"HostSetsPalette", "\x1b]4;1;#102030\x1b\\\x1b[31m", QColor(0x10, 0x20, 0x30), kPaper}),
     [](const auto& test) { return test.param.name; });
 
+// Emoji are drawn once and kept: as a picture where they stand, in the colours of each place, and large where rows are.
+TEST(ViewPaint, AnEmojiIsTheSameWhereverItStands)
+{
+    ViewBench bench;
+    bench.HostSays("\xf0\x9f\x98\x80 \xf0\x9f\x98\x80\r\n\x1b[7m\xf0\x9f\x98\x80\x1b[m\r\n\x1b#6\xf0\x9f\x98\x80\r\n");
+    const auto at = [&](int col, int row, int cells) {
+        return bench.Picture().copy(bench.view.CellRect(col, row).united(bench.view.CellRect(col + cells - 1, row)));
+    };
+    const auto painted = [](const QImage& picture) { // pixels that are not background
+        int count = 0;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                count += picture.pixelColor(x, y).name() != kPaper.name() ? 1 : 0;
+        return count;
+    };
+    const QImage first = at(0, 0, 2);
+    EXPECT_GT(painted(first), 20);
+    EXPECT_EQ(at(3, 0, 2), first);
+    EXPECT_EQ(at(0, 1, 2).pixelColor(0, 0).name(), kText.name());
+    EXPECT_GT(painted(at(0, 2, 2)), painted(first) * 3 / 2);
+}
+
 TEST(ViewPaint, ColoursOfTheSettingsAreFollowedLive)
 {
     ViewBench bench;
@@ -75,7 +97,7 @@ TEST(ViewPaint, TurnsLightAndDarkWithTheDesktop)
     EXPECT_GT(bench.ColorAt(3, 0).lightness(), 200);
     EXPECT_LT(bench.ColorAt(0, 0).lightness(), 100);
     EXPECT_NE(bench.ColorAt(4, 2), bench.ColorAt(3, 0)) << "the cursor";
-    bench.view.setPalette(QPalette());
+    bench.view.setPalette(QPalette(ViewBench::DarkDesktop));
     EXPECT_EQ(bench.ColorAt(3, 0).name(), kPaper.name());
 }
 

@@ -162,12 +162,12 @@ const emu::Personality& ctlEmulator::PersonalityFromSettings()
 
 void ctlEmulator::OnSettingChanged(SettingId id)
 {
-    static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),       Setting("NoAutoWrap"),
-                                       Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"), Setting("BkspSendsDel"),
-                                       Setting("AnswerBack"),    Setting("CursorType"),    Setting("LockFKeys"),
-                                       Setting("Pages"),         Setting("MessageRows"),   Setting("ScrMode"),
-                                       Setting("ExtCols"),       Setting("ExtRows"),       Setting("CharacterMapping"),
-                                       Setting("Ansi8Bit"),      Setting("DisableAppMode")};
+    static constexpr std::array engine{Setting("HistoryRows"),   Setting("Charset"),        Setting("NoAutoWrap"),
+                                       Setting("AnsiAppCursor"), Setting("AnsiAppKeypad"),  Setting("BkspSendsDel"),
+                                       Setting("AnswerBack"),    Setting("CursorType"),     Setting("LockFKeys"),
+                                       Setting("Pages"),         Setting("MessageRows"),    Setting("ScrMode"),
+                                       Setting("ExtCols"),       Setting("ExtRows"),        Setting("CharacterMapping"),
+                                       Setting("Ansi8Bit"),      Setting("DisableAppMode"), Setting("ReflowOnResize")};
     static constexpr std::array look{Setting("FontName"),
                                      Setting("FontSize"),
                                      Setting("BoldFont"),

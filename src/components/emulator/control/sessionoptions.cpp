@@ -54,6 +54,7 @@ emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Si
     options.size = size;
     options.extended = {settings.Integer(Setting("ExtCols")), settings.Integer(Setting("ExtRows"))};
     options.startsExtended = settings.Integer(Setting("ScrMode")) == 1;
+    options.reflow = settings.Boolean(Setting("ReflowOnResize"));
     options.pages = settings.Integer(Setting("Pages"));
     options.messageRows = settings.Integer(Setting("MessageRows"));
     options.historyRows = settings.Integer(Setting("HistoryRows"));

@@ -209,6 +209,7 @@ inline constexpr auto SettingsTable = [] {
         I("ResumeReconnectDelay", -1, -1, 3600),
         I("ResumeReconnectInterval", -1, -1, 3600),
         I("ResumeRetryCount", -1, -1, 1000),
+        B("ReflowOnResize", false), // a new width wraps lines anew, the history included
         I("ProxyType", 0, 0, 2), // 0 none, 1 SOCKS5, 2 HTTP CONNECT
         T("ProxyHost"),
         T("ProxyPort"),

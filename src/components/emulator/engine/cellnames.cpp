@@ -1,6 +1,7 @@
 // The screen as the giver of numbers: styles, clusters and links that cells name, and the sweep that takes back
 // what no cell names any more.
 
+#include "linewrapper.h"
 #include "screen.h"
 
 namespace kestrune::emu {
@@ -69,6 +70,10 @@ void Screen::Sweep()
     for (const Page* page : pages)
         for (int row = 0; page != nullptr && row < page->Extent().rows; ++row)
             MarkRow(page->At(row), styles, clusters);
+    if (wrapper_ != nullptr) {
+        MarkRow(wrapper_->Underway(), styles, clusters);
+        wrapper_->Target().ForgetNumbers();
+    }
     history_.VisitLooks([&](const Row& row) { MarkRow(row, styles, clusters); });
     styles[penId_] = true;
     styles[blankId_] = true;

@@ -202,9 +202,24 @@ void History::Push(const Row& row)
         PushPlain(row);
     else
         PushAny(row);
-    ++end_;
-    if (Count() > limit_)
-        DropOldest();
+    LineAdded();
+}
+
+void History::PushText(std::span<const uint8_t> text)
+{
+    ++pushed_;
+    if (limit_ == 0)
+        return;
+    size_t length = text.size();
+    while (length != 0 && text[length - 1] == ' ')
+        --length;
+    Block& block = RoomFor(kHeadBytes + length);
+    uint8_t* const start = block.bytes.get() + block.fill;
+    Write(start, {uint16_t(length), 0, 1, 0, LineSize::Normal});
+    std::memcpy(start + kHeadBytes, text.data(), length);
+    block.offsets.push_back(uint16_t(block.fill));
+    block.fill += kHeadBytes + length;
+    LineAdded();
 }
 
 // Most lines by far.
@@ -299,7 +314,7 @@ void History::Unpack(const Block& block, uint64_t serial, Look& look)
 
     // Asking for a number may start a sweep, which must see what this row already names.
     look.cells.clear();
-    look.cells.reserve(size_t(head.characters) * 2);
+    look.cells.reserve(size_t(head.characters) * 2 + kPackedAtOnce);
     look.serial = serial;
     look.row.cells = look.cells.data();
     const auto put = [&](Cell cell) {
@@ -325,9 +340,55 @@ void History::Unpack(const Block& block, uint64_t serial, Look& look)
                 put(Cell{0, style, Cell::WideTail});
         }
     }
+    look.cells.resize(look.cells.size() + kPackedAtOnce); // as rows of a page have room for whole steps
     look.row.generation = (uint64_t(1) << 63) | serial;
     look.row.wraps = head.wraps != 0;
+    look.row.plain = head.unit == 1 && head.runs == 0;
     look.row.size = head.size;
+}
+
+void History::CutFrom(int index)
+{
+    const uint64_t serial = first_ + uint64_t(index);
+    while (!blocks_.empty() && (blocks_.back().first >= serial || index == 0))
+        blocks_.pop_back();
+    end_ = serial;
+    if (blocks_.empty())
+        return;
+    Block& last = blocks_.back();
+    const auto kept = size_t(serial - last.first);
+    if (kept < last.offsets.size())
+        last.fill = last.offsets[kept];
+    last.offsets.resize(std::min(kept, last.offsets.size()));
+}
+
+void History::Renumber(uint64_t shift)
+{
+    first_ += shift;
+    end_ += shift;
+    for (Block& block : blocks_)
+        block.first += shift;
+    for (Look& look : looks_)
+        look.serial = kNone;
+}
+
+void History::ReplaceFrom(int index, History& other)
+{
+    constexpr uint64_t apart = 1 << 21; // more than there are lines: nobody finds an old line under a new number
+    const uint64_t shift = end_ - first_ + apart;
+    const uint64_t lost = other.blocks_.empty() ? 0 : other.first_ - other.blocks_.front().first;
+    CutFrom(lost == 0 ? index : 0); // those above are even older than what the other has lost
+    first_ += lost;
+    for (Block& block : other.blocks_) {
+        block.first = end_;
+        end_ += block.offsets.size();
+        blocks_.push_back(std::move(block));
+    }
+    other.Clear();
+    newest_ = blocks_.empty() ? nullptr : &blocks_.back();
+    Renumber(shift);
+    pushed_ += apart;
+    ForgetNumbers();
 }
 
 void History::DropNewest()
@@ -344,12 +405,7 @@ void History::DropNewest()
     // The next line to be pushed is another one, so no number may be used again: all move on.
     const uint64_t shift = end_ - first_;
     --end_;
-    first_ += shift;
-    end_ += shift;
-    for (Block& block : blocks_)
-        block.first += shift;
-    for (Look& look : looks_)
-        look.serial = kNone;
+    Renumber(shift);
 }
 
 void History::VisitStyles(const std::function<void(const Style&)>& visit) const

@@ -35,15 +35,20 @@ public:
     explicit History(CellNames& names) : names_(names) {}
 
     void SetLimit(int rows); // 0 to 1,000,000; drops the oldest
+    int Limit() const { return limit_; }
     int Count() const { return int(end_ - first_); }
     uint64_t Pushed() const { return pushed_; }
     void Push(const Row& row);
+    void PushText(std::span<const uint8_t> text); // a line of plain ASCII
     void Clear();
 
     // index 0 is the oldest line. The row stays as it is until 512 others have been asked for, or the history
     // changes.
     const Row& At(int index);
     void DropNewest(); // it went back to the screen
+    // The lines of `other`, which has the same names, in place of those from `index` on. All lines get new numbers;
+    // there may be more than the limit afterwards.
+    void ReplaceFrom(int index, History& other);
     // The numbers of styles that stand in rows handed out by At change after a sweep unless they are kept.
     template <typename Visit>
     void VisitLooks(Visit&& visit) const
@@ -86,6 +91,12 @@ private:
     }
     Block& NewBlock();
     void PushPlain(const Row& row);
+    void LineAdded()
+    {
+        ++end_;
+        if (Count() > limit_)
+            DropOldest();
+    }
     void PushAny(const Row& row);
     void DropOldest();
     uint16_t LocalStyle(Block& block, StyleId id);
@@ -93,6 +104,8 @@ private:
     uint8_t* PackRuns(Block& block, std::span<const Cell> cells, uint8_t* to, uint16_t& count);
     void Unpack(const Block& block, uint64_t serial, Look& look);
     const Block& BlockOf(uint64_t serial) const;
+    void CutFrom(int index);
+    void Renumber(uint64_t shift);
     void StartEpoch();
 
     CellNames& names_;

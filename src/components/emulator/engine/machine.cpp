@@ -66,11 +66,11 @@ void Machine::Changed()
         listener_.HistoryAdded(rows);
 }
 
-void Machine::Resize(Size size)
+bool Machine::Resize(Size size, std::span<Position> followed)
 {
     size = Clamped(size);
     normalSize_ = size;
-    FitSize(modes_.Has(Mode::Columns132));
+    return FitSize(modes_.Has(Mode::Columns132), LinesForUser(), followed);
 }
 
 Size Machine::ExtendedSize() const
@@ -79,20 +79,21 @@ Size Machine::ExtendedSize() const
     return Clamped({size.cols, size.rows == 0 ? normalSize_.rows : size.rows});
 }
 
-void Machine::FitSize(bool extended)
+bool Machine::FitSize(bool extended, WrappedLines lines, std::span<Position> followed)
 {
     modes_.Set(Mode::Columns132, extended);
     const Size size = extended ? ExtendedSize() : normalSize_;
     if (size == screen_.ScreenExtent())
-        return;
-    screen_.Resize(size);
+        return false;
+    const bool rewrapped = screen_.Resize(size, lines, followed);
     Changed();
     listener_.ScreenSizeChanged(size);
+    return rewrapped;
 }
 
 void Machine::ShowExtended(bool on)
 {
-    FitSize(on);
+    FitSize(on, LinesForUser());
     Changed();
 }
 
@@ -468,6 +469,13 @@ void Machine::LineEnd() // also under LNM, whose second return changes nothing
 {
     screen_.CarriageReturn();
     screen_.LineFeed();
+}
+
+LinesTaken Machine::Lines(std::span<const uint8_t> bytes)
+{
+    const CharsetState& sets = screen_.Charsets();
+    const bool isPlain = singleShift_ < 0 && romFont_ == RomFont::Off && sets.g[size_t(sets.gl)] == &AsciiSet();
+    return isPlain ? screen_.TakeLines(bytes) : LinesTaken{0, 0};
 }
 
 void Machine::Aborted(uint8_t)

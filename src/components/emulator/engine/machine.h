@@ -42,7 +42,7 @@ public:
 
     // --- the public door, see terminal.h
     void Receive(std::string_view bytes);
-    void Resize(Size size);
+    bool Resize(Size size, std::span<Position> followed = {});
     void ShowExtended(bool on);
     void SetPage(int page);
     Size NormalSize() const { return normalSize_; }
@@ -109,7 +109,8 @@ public:
     CursorShape Shape() const { return cursorShape_; }
     void UpdateRules(); // after a change of type, level, charset or VT52 mode
     void SetColumns132(bool on);
-    void FitSize(bool extended); // DECSCPP: the same with nothing cleared
+    // DECSCPP: the same with nothing cleared. Lines are not wrapped anew for a host: it could ask without end.
+    bool FitSize(bool extended, WrappedLines lines = WrappedLines::AsTheyAre, std::span<Position> followed = {});
     StatusKind StatusLine() const { return statusKind_; }
     void SelectStatusKind(StatusKind kind); // DECSSDT
     void SelectStatusDisplay(bool on);      // DECSASD
@@ -130,6 +131,7 @@ public:
     void Execute(uint8_t control) override;
     void Delete() override;
     void LineEnd() override;
+    LinesTaken Lines(std::span<const uint8_t> bytes) override;
     void Aborted(uint8_t by) override;
     void Escape(char intermediate, char final) override;
     void Control(const ControlSequence& sequence) override;
@@ -147,6 +149,7 @@ private:
     void PowerUp();
     void TakeKeyOptions();
     Size ExtendedSize() const;
+    WrappedLines LinesForUser() const { return options_.reflow ? WrappedLines::WrappedAnew : WrappedLines::AsTheyAre; }
     void FitStatusRows();
     void UpdateIndicator();
     void BuildIndex();

@@ -264,14 +264,15 @@ void Page::Resize(Size size)
         rows_[i] = &storage_[size_t(i)];
 }
 
-void Page::Assign(int row, std::span<const Cell> cells, bool wraps, LineSize size)
+void Page::Assign(int row, const Row& from)
 {
     Row& line = *rows_[row];
     Blank(line, 0);
-    line.used = int(std::min(cells.size(), size_t(capacity_)));
-    std::copy(cells.begin(), cells.begin() + line.used, line.cells);
-    line.wraps = wraps;
-    line.size = size;
+    line.used = int(std::min(from.Used().size(), size_t(capacity_)));
+    std::copy(from.cells, from.cells + line.used, line.cells);
+    line.wraps = from.wraps;
+    line.plain = from.plain;
+    line.size = from.size;
     line.hasWide = true;
     Part(line, size_.cols, size_.cols);
 }

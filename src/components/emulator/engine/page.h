@@ -101,7 +101,7 @@ public:
     // Cuts or adds rows at the bottom. Columns cut off are kept out of sight until the row is next changed.
     void Resize(Size size);
     // A row given from outside, such as one that comes back from the history.
-    void Assign(int row, std::span<const Cell> cells, bool wraps, LineSize size);
+    void Assign(int row, const Row& from);
 
 private:
     Row& Touch(int row)

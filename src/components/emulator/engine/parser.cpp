@@ -2,6 +2,9 @@
 
 #include "runs.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace kestrune::emu {
 namespace {
 
@@ -67,8 +70,23 @@ void Parser::Feed(std::string_view bytes)
 {
     auto at = reinterpret_cast<Bytes>(bytes.data());
     const Bytes end = at + bytes.size();
+    const size_t outer = std::exchange(offerAgain_, bytes.size()); // of what is being fed when a macro is invoked
     while (at != end)
         at = state_ == State::Ground ? Ground(at, end) : Step(at, end);
+    offerAgain_ = outer;
+}
+
+// To be called after a line end.
+Parser::Bytes Parser::OfferLines(Bytes at, Bytes end)
+{
+    constexpr size_t worthALook = 1024; // bytes: a few lines are sooner written than looked at
+    const auto left = size_t(end - at);
+    if (left < worthALook || left > offerAgain_)
+        return at;
+    const LinesTaken taken = sink_.Lines({at, end});
+    offerAgain_ = left - taken.looked;
+    offerAgain_ -= std::min(offerAgain_, worthALook);
+    return at + taken.bytes;
 }
 
 void Parser::SetRules(const ParserRules& rules)
@@ -217,7 +235,7 @@ Parser::Bytes Parser::Ground(Bytes at, Bytes end)
             ++at;
             if (byte == '\r' && at != end && *at == '\n') {
                 sink_.LineEnd();
-                ++at;
+                at = OfferLines(at + 1, end);
                 continue;
             }
             if (byte == kEscape) {

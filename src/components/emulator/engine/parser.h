@@ -5,6 +5,7 @@
 // bytes are cut into pieces never matters. It knows forms, not meanings.
 
 #include "charsets.h"
+#include "runs.h"
 
 #include <cstdint>
 #include <span>
@@ -98,6 +99,8 @@ public:
         Execute('\r');
         Execute('\n');
     }
+    // More lines of plain text may follow: what is taken of them is not told otherwise.
+    virtual LinesTaken Lines(std::span<const uint8_t> bytes) { return {0, bytes.size()}; }
     virtual void Aborted(uint8_t by) = 0;                   // CAN or SUB inside a sequence
     virtual void Escape(char intermediate, char final) = 0; // C1 controls come in this form too
     virtual void Control(const ControlSequence& sequence) = 0;
@@ -150,6 +153,7 @@ private:
 
     Bytes Step(Bytes at, Bytes end);
     Bytes Ground(Bytes at, Bytes end);
+    Bytes OfferLines(Bytes at, Bytes end);
     Bytes Utf8Run(Bytes at, Bytes end);
     Bytes HighRun(Bytes at, Bytes end);
     Bytes Csi(Bytes at, Bytes end);
@@ -169,6 +173,7 @@ private:
     ParserSink& sink_;
     ParserRules rules_;
     State state_ = State::Ground;
+    size_t offerAgain_ = 0; // when so many bytes, or fewer, are left of those being fed
     ControlSequence sequence_;
     char escapeIntermediate_ = 0;
     bool tooManyIntermediates_ = false;

@@ -13,6 +13,13 @@
 
 namespace kestrune::emu {
 
+// What became of plain lines that were offered all at once.
+struct LinesTaken
+{
+    size_t bytes;  // from the front: these are done
+    size_t looked; // so many need not be offered again
+};
+
 // End of the run of 0x20..0x7E that begins at `at`.
 inline const uint8_t* GraphicRunEnd(const uint8_t* at, const uint8_t* end)
 {

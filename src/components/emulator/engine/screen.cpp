@@ -535,18 +535,23 @@ void Screen::SoftReset()
     ResetMargins();
 }
 
-void Screen::Resize(Size size)
+bool Screen::Resize(Size size, WrappedLines lines, std::span<Position> followed)
 {
     if (size == ScreenExtent())
-        return;
+        return false;
+    bool reflows = lines == WrappedLines::WrappedAnew && size.cols != ScreenExtent().cols;
     if (onStatus_) {
-        OnScreen([&] { Resize(size); });
-        return;
+        OnScreen([&] { reflows = Resize(size, lines, followed); });
+        return reflows;
     }
     CursorState bottom; // of the first page while the host works on another: nothing but blank rows is cut off
     for (bottom.row = main_->Extent().rows - 1; bottom.row > 0 && main_->IsBlank(bottom.row);)
         --bottom.row;
-    ResizeMain(size, active_ != 0 ? bottom : IsAlternate() ? saved_[0] : cursor_);
+    CursorState& onFirst = active_ != 0 ? bottom : IsAlternate() ? saved_[0] : cursor_;
+    if (reflows)
+        ReflowMain(size, onFirst, followed);
+    else
+        ResizeMain(size, onFirst);
     ResizeRows(*alternate_, size, IsAlternate() ? cursor_ : saved_[1]);
     ResizeOthers(size);
     ResetMargins();
@@ -557,9 +562,10 @@ void Screen::Resize(Size size)
     for (CursorState* state : {&cursor_, &saved_[0], &saved_[1]}) {
         state->row = std::clamp(state->row, 0, size.rows - 1);
         state->col = std::clamp(state->col, 0, size.cols - 1);
-        state->pendingWrap = false;
+        state->pendingWrap &= reflows && state == &onFirst;
     }
     cursor_.col = std::min(cursor_.col, Columns() - 1);
+    return reflows;
 }
 
 // Rows that no longer fit: blank ones below the cursor first, then the oldest go up into the history, from where
@@ -583,8 +589,7 @@ void Screen::ResizeMain(Size size, CursorState& cursor)
         return;
     main_->RotateDown(0, size.rows, back, 0);
     for (int row = back - 1; row >= 0; --row) {
-        const Row& line = history_.At(history_.Count() - 1);
-        main_->Assign(row, line.Used(), line.wraps, line.size);
+        main_->Assign(row, history_.At(history_.Count() - 1));
         history_.DropNewest();
     }
     cursor.row += back;

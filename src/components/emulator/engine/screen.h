@@ -9,6 +9,7 @@
 #include "interned.h"
 #include "modes.h"
 #include "page.h"
+#include "runs.h"
 
 #include <array>
 #include <functional>
@@ -59,6 +60,14 @@ enum class Selective : uint8_t // DECSED and DECSEL leave protected cells alone
     Yes
 };
 
+enum class WrappedLines : uint8_t // when the width changes
+{
+    AsTheyAre,
+    WrappedAnew
+};
+
+class LineWrapper;
+
 // Told when the cursor leaves a line by a line feed or a wrap, for auto print.
 class LineWatcher
 {
@@ -75,6 +84,9 @@ public:
     // --- text
     void WriteBytes(std::span<const uint8_t> run); // 0x20..0x7E as they are
     void WritePoints(std::span<const char32_t> run);
+    // Whole lines of plain text, each with its CR and LF, as many from the front as need not come to the screen. The
+    // rest is to be written as ever.
+    LinesTaken TakeLines(std::span<const uint8_t> bytes);
     void Repeat(int count); // the last character once more (REP)
 
     // --- cursor
@@ -182,7 +194,8 @@ public:
     void SwitchPage(bool alternate);
     bool IsAlternate() const { return isAlternate_; }
     void ClearAlternate() { alternate_->FillRows(0, alternate_->Extent().rows, 0); }
-    void Resize(Size size);
+    // followed: places, as RowAt counts rows, that move with their text when lines are wrapped anew. True: they were.
+    bool Resize(Size size, WrappedLines lines, std::span<Position> followed = {});
     void ClearPage(); // blank and home, in the pen's background
     void HardReset();
     void SoftReset();
@@ -248,10 +261,13 @@ private:
     bool JoinBefore(char32_t point, uint8_t traits);
     void EraseSpan(int row, int from, int to, Selective selective);
     void PushToHistory(int count);
+    bool PassesLinesOn();
     void CollapsePendingWrap() { cursor_.pendingWrap = false; }
     void Sweep();
     void MarkRow(const Row& row, std::vector<bool>& styles, std::vector<bool>& clusters) const;
     void ResizeMain(Size size, CursorState& cursor);
+    void ReflowMain(Size size, CursorState& cursor, std::span<Position> followed);
+    int OldestToShow(bool isFull) const;
     static void ResizeRows(Page& page, Size size, CursorState& cursor);
     void ResizeOthers(Size size);
     Page& MemoryPage(int number);
@@ -299,6 +315,13 @@ private:
     LineWatcher* watcher_ = nullptr;
     char32_t lastPoint_ = 0;
     int historyAdded_ = 0;
+    std::vector<std::span<const uint8_t>> newestLines_; // TakeLines'
+    LineWrapper* wrapper_ = nullptr;                    // while lines are wrapped anew
+    struct
+    {
+        uint64_t pushed = ~uint64_t(0); // the history's count afterwards
+        int rows = 0;                   // in the history that the screen may show again
+    } reflowed_;
     uint32_t refusalsUntilSweep_ = 0;
 };
 

@@ -23,7 +23,7 @@ Terminal::Terminal(const TerminalOptions& options, const Personality& personalit
 Terminal::~Terminal() = default;
 
 void Terminal::Receive(std::string_view bytes) { impl_->machine.Receive(bytes); }
-void Terminal::Resize(Size size) { impl_->machine.Resize(size); }
+bool Terminal::Resize(Size size, std::span<Position> followed) { return impl_->machine.Resize(size, followed); }
 void Terminal::ShowExtended(bool on) { impl_->machine.ShowExtended(on); }
 void Terminal::SetPage(int page) { impl_->machine.SetPage(page); }
 void Terminal::SetHistoryRows(int rows) { impl_->machine.Display().Scrollback().SetLimit(rows); }

@@ -99,6 +99,7 @@ struct TerminalOptions
     Size size;
     Size extended{132, 0}; // what DECCOLM and ShowExtended change to; no rows: as many as there are
     bool startsExtended = false;
+    bool reflow = false;  // a new width wraps lines anew, history included
     int pages = 1;        // of memory, 1 to 32
     int messageRows = -1; // for a status line: 0 none, -1 one while the host has it on, else always so many, at most 4
     int historyRows = 0;  // lines kept above the screen, 0 to 1,000,000
@@ -190,8 +191,10 @@ public:
     void Receive(std::string_view bytes);
 
     // --- from the user's side
-    // 1..1000 cols, 1..500 rows, clamped. In extended size this is what the screen goes back to.
-    void Resize(Size size);
+    // 1..1000 cols, 1..500 rows, clamped. In extended size this is what the screen goes back to. True: lines were
+    // wrapped anew; no line has the number of before (HistoryPushed), and `followed`, rows as for Row, have moved with
+    // their text.
+    bool Resize(Size size, std::span<Position> followed = {});
     void ShowExtended(bool on); // the text stays
     void SetPage(int page);     // 0 to PageCount() - 1, clamped; nothing while the host uses the alternate screen
     void SetHistoryRows(int rows);

@@ -3,6 +3,8 @@
 // A font laid on a grid: the cell in device pixels, and glyphs of the font itself by code point. What the font
 // lacks is left to the platform's fallback fonts.
 
+#include "emojipictures.h"
+
 #include <QFont>
 #include <QGlyphRun>
 #include <QHash>
@@ -29,15 +31,16 @@ public:
 
     const QFont& Font(int variant);
     const QFont& EmojiFont(); // pictures in colour before signs in black and white
+    EmojiPictures& Emoji() { return emojiPictures_; }
     const QRawFont& Raw(int variant);
-    // Text of one cell in whatever fonts it takes. Valid until the next one is asked for.
-    struct Shaped
+    struct Shaped // text of one cell, in whatever fonts it takes
     {
         QList<QGlyphRun> runs;
         double width = 0;
         double ascent = 0; // from the runs' own top to the base line
     };
-    const Shaped& Shape(const QString& text, int variant, bool isEmoji);
+    const Shaped& Shape(const QString& text, int variant); // valid until the next call
+    Shaped ShapeEmoji(const QString& text);
     quint32 GlyphOf(int variant, char32_t c); // 0: not in this font
 
 private:
@@ -53,7 +56,7 @@ private:
 
     QFont base_;
     std::unique_ptr<QFont> emoji_; // made when first used
-    QHash<QString, Shaped> shapedEmoji_;
+    EmojiPictures emojiPictures_;
     int cellWidth_ = 8;
     int cellHeight_ = 16;
     int ascent_ = 12;

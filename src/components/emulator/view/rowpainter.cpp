@@ -241,12 +241,26 @@ void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints j
         DrawCharacter(painter, cell.text, where, QColor(color));
         return;
     }
+    const QString text = TextOfCell(screen_, cell);
+    if (IsEmoji(cell, text))
+        return PaintEmoji(painter, text, where, color);
     // A joiner beside a letter gives it the form that it has inside a word.
     const QString joiner{QChar(kJoiner)};
-    const QString text = TextOfCell(screen_, cell);
-    const GridFont::Shaped& shaped =
-        font_.Shape((joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString()), variant,
-                    IsEmoji(cell, text));
+    const QString joined = (joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString());
+    PaintShaped(painter, font_.Shape(joined, variant), where, color);
+}
+
+void RowPainter::PaintEmoji(QPainter& painter, const QString& text, const QRect& where, QRgb color)
+{
+    if (painter.deviceTransform().type() > QTransform::TxTranslate) // in a magnified row
+        return PaintShaped(painter, font_.ShapeEmoji(text), where, color);
+    painter.drawImage(where.topLeft(), font_.Emoji().Of(text, where.size(), color, [&](QPainter& picture) {
+        PaintShaped(picture, font_.ShapeEmoji(text), QRect(QPoint(0, 0), where.size()), color);
+    }));
+}
+
+void RowPainter::PaintShaped(QPainter& painter, const GridFont::Shaped& shaped, const QRect& where, QRgb color) const
+{
     // Marks that a font cannot place stand beside their letter: better cut than too small to read.
     const double scale = std::clamp(where.width() / std::max(1.0, shaped.width), kLeastScale, 1.0);
     const double left = std::max(0.0, (where.width() - shaped.width * scale) / 2);

@@ -60,6 +60,8 @@ private:
     void PaintLines(QPainter& painter, const Run& run, int x, int y) const;
     void PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints joints, const QRect& where, int variant,
                       QRgb color);
+    void PaintEmoji(QPainter& painter, const QString& text, const QRect& where, QRgb color);
+    void PaintShaped(QPainter& painter, const GridFont::Shaped& shaped, const QRect& where, QRgb color) const;
     Joints JointsAt(const emu::RowView& view, int col) const;
     void FlushGlyphs(QPainter& painter, int variant, QRgb color);
 

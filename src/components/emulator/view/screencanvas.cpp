@@ -232,9 +232,10 @@ void ScreenCanvas::ScreenChanged()
     }
     if (frame_.isActive())
         return;
-    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : kFrameMilliseconds;
-    const qint64 rest = sincePaint_.isValid() ? paintedFor_ - sincePaint_.elapsed() : 0;
-    frame_.start(int(std::max({qint64(0), kFrameMilliseconds - since, rest})));
+    // A screen that is slow to paint leaves the host as much time as it takes itself.
+    const qint64 pause = std::max<qint64>(kFrameMilliseconds, 2 * paintTime_);
+    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : pause;
+    frame_.start(int(std::max<qint64>(0, pause - since)));
 }
 
 RowLook ScreenCanvas::LookOf(int line) const
@@ -376,8 +377,8 @@ void ScreenCanvas::SetPreedit(const QString& text)
 
 void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
 {
-    QElapsedTimer time;
-    time.start();
+    QElapsedTimer painting;
+    painting.start();
     if (host_.devicePixelRatioF() != ratio_)
         LookChanged(); // moved to a screen of another resolution
     const emu::Terminal& screen = emulator_.Screen();
@@ -413,8 +414,7 @@ void ScreenCanvas::Paint(QPainter& painter, const QRegion& region)
     PaintLink(painter);
     PaintCursor(painter, rowPainter);
     PaintSigns(painter);
-    paintedFor_ = time.elapsed();
-    sincePaint_.start();
+    paintTime_ = painting.elapsed();
 }
 
 void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)

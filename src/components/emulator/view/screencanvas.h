@@ -134,10 +134,8 @@ private:
     Marks marks_;
     std::vector<LinkSpan> link_;
     QElapsedTimer sinceFrame_;
-    // Under a flood of text that is slow to draw, half of the time is the host's.
-    qint64 paintedFor_ = 0; // milliseconds
-    QElapsedTimer sincePaint_;
-    QElapsedTimer held_; // since the host began a synchronised update
+    qint64 paintTime_ = 0; // of the last frame, in milliseconds
+    QElapsedTimer held_;   // since the host began a synchronised update
     QTimer frame_;
     QTimer blink_;
     QTimer flash_;
