@@ -97,7 +97,7 @@ TEST(ViewPaint, TurnsLightAndDarkWithTheDesktop)
     EXPECT_GT(bench.ColorAt(3, 0).lightness(), 200);
     EXPECT_LT(bench.ColorAt(0, 0).lightness(), 100);
     EXPECT_NE(bench.ColorAt(4, 2), bench.ColorAt(3, 0)) << "the cursor";
-    bench.view.setPalette(QPalette());
+    bench.view.setPalette(QPalette(ViewBench::DarkDesktop));
     EXPECT_EQ(bench.ColorAt(3, 0).name(), kPaper.name());
 }
 

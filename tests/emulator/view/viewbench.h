@@ -27,6 +27,7 @@ struct ViewBench : DarkDesktop, EmulatorBench
     explicit ViewBench(int cols = 40, int rows = 10, int termType = Vt220) : EmulatorBench(termType, cols, rows)
     {
         control.Settings().SetValue(Setting("FontName"), QStringLiteral("DejaVu Sans Mono"));
+        view.setPalette(QPalette(DarkDesktop)); // on which sessions have their default palette
         view.resize(view.SizeForGrid(cols, rows));
         view.show();
         view.setFocus();
@@ -34,6 +35,8 @@ struct ViewBench : DarkDesktop, EmulatorBench
         Connect();
         Host().TakeSent();
     }
+
+    static constexpr QColor DarkDesktop{0x30, 0x34, 0x3C};
 
     QPoint Middle(int col, int row) const { return view.CellRect(col, row).center(); }
     QPoint LeftEdge(int col, int row) const // between two characters

@@ -84,22 +84,32 @@ const QFont& GridFont::EmojiFont()
 
 const QRawFont& GridFont::Raw(int variant) { return Of(variant).raw; }
 
-const GridFont::Shaped& GridFont::Shape(const QString& text, int variant, bool isEmoji)
+namespace {
+
+GridFont::Shaped ShapeIn(const QFont& font, const QString& text)
 {
-    QHash<QString, Shaped>& known = isEmoji ? shapedEmoji_ : Of(variant).shaped;
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    if (!line.isValid())
+        return {};
+    return {layout.glyphRuns(), line.naturalTextWidth(), line.ascent()};
+}
+
+} // namespace
+
+const GridFont::Shaped& GridFont::Shape(const QString& text, int variant)
+{
+    QHash<QString, Shaped>& known = Of(variant).shaped;
     if (const auto it = known.constFind(text); it != known.constEnd())
         return *it;
     if (known.size() >= kCachedGlyphs)
         known.clear();
-    QTextLayout layout(text, isEmoji ? EmojiFont() : Font(variant));
-    layout.beginLayout();
-    const QTextLine line = layout.createLine();
-    layout.endLayout();
-    Shaped shaped;
-    if (line.isValid())
-        shaped = {layout.glyphRuns(), line.naturalTextWidth(), line.ascent()};
-    return *known.insert(text, shaped);
+    return *known.insert(text, ShapeIn(Font(variant), text));
 }
+
+GridFont::Shaped GridFont::ShapeEmoji(const QString& text) { return ShapeIn(EmojiFont(), text); }
 
 quint32 GridFont::GlyphOf(int variant, char32_t c)
 {

@@ -33,14 +33,14 @@ public:
     const QFont& EmojiFont(); // pictures in colour before signs in black and white
     EmojiPictures& Emoji() { return emojiPictures_; }
     const QRawFont& Raw(int variant);
-    // Text of one cell in whatever fonts it takes. Valid until the next one is asked for.
-    struct Shaped
+    struct Shaped // text of one cell, in whatever fonts it takes
     {
         QList<QGlyphRun> runs;
         double width = 0;
         double ascent = 0; // from the runs' own top to the base line
     };
-    const Shaped& Shape(const QString& text, int variant, bool isEmoji);
+    const Shaped& Shape(const QString& text, int variant); // valid until the next call
+    Shaped ShapeEmoji(const QString& text);
     quint32 GlyphOf(int variant, char32_t c); // 0: not in this font
 
 private:
@@ -57,7 +57,6 @@ private:
     QFont base_;
     std::unique_ptr<QFont> emoji_; // made when first used
     EmojiPictures emojiPictures_;
-    QHash<QString, Shaped> shapedEmoji_;
     int cellWidth_ = 8;
     int cellHeight_ = 16;
     int ascent_ = 12;

@@ -246,19 +246,17 @@ void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints j
         return PaintEmoji(painter, text, where, color);
     // A joiner beside a letter gives it the form that it has inside a word.
     const QString joiner{QChar(kJoiner)};
-    PaintShaped(painter,
-                font_.Shape((joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString()), variant,
-                            false),
-                where, color);
+    const QString joined = (joints.before ? joiner : QString()) + text + (joints.after ? joiner : QString());
+    PaintShaped(painter, font_.Shape(joined, variant), where, color);
 }
 
 void RowPainter::PaintEmoji(QPainter& painter, const QString& text, const QRect& where, QRgb color)
 {
     const GridFont::Shaped& shaped = font_.Shape(text, 0, true);
     if (painter.deviceTransform().type() > QTransform::TxTranslate) // in a magnified row
-        return PaintShaped(painter, shaped, where, color);
+        return PaintShaped(painter, font_.ShapeEmoji(text), where, color);
     painter.drawImage(where.topLeft(), font_.Emoji().Of(text, where.size(), color, [&](QPainter& picture) {
-        PaintShaped(picture, shaped, QRect(QPoint(0, 0), where.size()), color);
+        PaintShaped(picture, font_.ShapeEmoji(text), QRect(QPoint(0, 0), where.size()), color);
     }));
 }
 
