@@ -5,10 +5,8 @@
 #include <emulator/view/terminalview.h>
 #include <fakes/emulatorbench.h>
 
-#include <QApplication>
 #include <QImage>
 #include <QPaintEvent>
-#include <QPalette>
 #include <QPixmap>
 #include <QTest>
 
@@ -16,13 +14,7 @@
 
 namespace kestrune {
 
-// On which sessions have the default palette.
-struct DarkDesktop
-{
-    DarkDesktop() { QApplication::setPalette(QPalette(QColor(0x30, 0x34, 0x3C))); }
-};
-
-struct ViewBench : DarkDesktop, EmulatorBench
+struct ViewBench : EmulatorBench
 {
     explicit ViewBench(int cols = 40, int rows = 10, int termType = Vt220) : EmulatorBench(termType, cols, rows)
     {

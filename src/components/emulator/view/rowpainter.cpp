@@ -252,7 +252,6 @@ void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints j
 
 void RowPainter::PaintEmoji(QPainter& painter, const QString& text, const QRect& where, QRgb color)
 {
-    const GridFont::Shaped& shaped = font_.Shape(text, 0, true);
     if (painter.deviceTransform().type() > QTransform::TxTranslate) // in a magnified row
         return PaintShaped(painter, font_.ShapeEmoji(text), where, color);
     painter.drawImage(where.topLeft(), font_.Emoji().Of(text, where.size(), color, [&](QPainter& picture) {
@@ -273,6 +272,17 @@ void RowPainter::PaintShaped(QPainter& painter, const GridFont::Shaped& shaped, 
     for (const QGlyphRun& run : shaped.runs)
         painter.drawGlyphRun(QPointF(0, 0), run);
     painter.restore();
+}
+
+void RowPainter::PaintLines(QPainter& painter, const Run& run, int x, int y) const
+{
+    const QRect line(x + run.first * font_.CellWidth(), y + font_.UnderlineTop(),
+                     (run.last - run.first) * font_.CellWidth(), font_.LineWidth());
+    DrawUnderline(painter, run.style->underline, line, run.colors.underline);
+    if ((run.style->attributes & emu::Attr::Strike) != 0)
+        painter.fillRect(line.translated(0, -font_.Ascent() * 2 / 5), QColor(run.colors.foreground));
+    if ((run.style->attributes & emu::Attr::Overline) != 0)
+        painter.fillRect(line.left(), y, line.width(), line.height(), QColor(run.colors.foreground));
 }
 
 // Text of cursive scripts runs to the left: the letter before stands to the right.

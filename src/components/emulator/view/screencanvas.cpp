@@ -233,10 +233,22 @@ void ScreenCanvas::ScreenChanged()
     }
     if (frame_.isActive())
         return;
-    // A screen that is slow to paint leaves the host as much time as it takes itself.
-    const qint64 pause = std::max<qint64>(kFrameMilliseconds, 2 * paintTime_);
-    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : pause;
-    frame_.start(int(std::max<qint64>(0, pause - since)));
+    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : FramePause();
+    frame_.start(int(std::max<qint64>(0, FramePause() - since)));
+}
+
+// A screen that is slow to paint leaves the host as much time as it takes itself.
+qint64 ScreenCanvas::FramePause() const { return std::max<qint64>(kFrameMilliseconds, 2 * paintTime_); }
+
+// Smooth scroll is for a screen whose lines go up as a whole, as into the history.
+void ScreenCanvas::FollowLines()
+{
+    const uint64_t pushed = emulator_.Screen().HistoryPushed();
+    const auto lines = int64_t(pushed - std::exchange(linesPushed_, pushed));
+    if (emulator_.ScrollsSmoothly() && emulator_.RowsBack() == 0 && host_.isVisible())
+        glide_.LinesMoved(lines, font_->CellHeight());
+    else
+        glide_.Stop();
 }
 
 RowLook ScreenCanvas::LookOf(int line) const
@@ -449,9 +461,7 @@ void ScreenCanvas::PaintOverRows(QPainter& painter, RowPainter& rows)
 {
     PaintPictures(painter);
     PaintLink(painter);
-    PaintCursor(painter, rowPainter);
-    PaintSigns(painter);
-    paintTime_ = painting.elapsed();
+    PaintCursor(painter, rows);
 }
 
 void ScreenCanvas::PaintLine(QPainter& painter, RowPainter& rows, int line)
