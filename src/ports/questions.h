@@ -29,6 +29,7 @@ struct MsgBoxRequest
     int flags = MsgFlag::Ok;
     QString title; // empty: the program's caption
     quintptr owner = 0;
+    QString info{}; // not empty: a button "Info" shows it beside the box, which stays
 };
 
 struct FileDialogRequest

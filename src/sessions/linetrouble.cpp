@@ -87,7 +87,7 @@ void LineTrouble::CommError(quint32& word, const QString& description, bool fata
     if (number < FirstGeneralError || canResume)
         ShowReconnect(description);
     else
-        Say(description);
+        Say(description, number);
 }
 
 // The control words its question for a box with Yes and No; the panel's buttons have names of their own.
@@ -158,11 +158,12 @@ void LineTrouble::ShowReconnect(const QString& text)
     AttractUser();
 }
 
-void LineTrouble::Say(const QString& text)
+void LineTrouble::Say(const QString& text, quint32 number)
 {
     MsgBoxRequest request;
     request.text = text;
     request.flags = MsgFlag::Exclamation;
+    request.info = LineErrorHelp(number);
     request.title = application_.Sessions().Count() > 1 ? u"Kestrune - "_s + window_.Title() : u"Kestrune"_s;
     application_.Time().Post([&ask = application_.Ask(), request] { ask.MsgBox(request); });
 }

@@ -35,7 +35,7 @@ private:
     void Disconnected();
     void StatusChanged(qint16 status);
     void ShowReconnect(const QString& text);
-    void Say(const QString& text);
+    void Say(const QString& text, quint32 number);
     void AttractUser();
     bool IsActive() const;
     void HidePanel();

@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPushButton>
 #include <QWhatsThis>
 
@@ -23,6 +24,23 @@ namespace {
 constexpr int PanelWidth = 560; // at most, in pixels: two lines of a fingerprint's length
 constexpr int PanelMargin = 16; // to the window's edge and inside
 constexpr int ButtonGap = 10;   // 150 twips
+
+// The style's own frame cannot be told from a dark terminal.
+class PanelFrame final : public QFrame
+{
+public:
+    using QFrame::QFrame;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QColor edge = palette().color(QPalette::WindowText);
+        edge.setAlphaF(0.35F);
+        QPainter painter(this);
+        painter.setPen(edge);
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
+};
 
 } // namespace
 
@@ -48,9 +66,8 @@ SessionPanels::SessionPanels(QWidget& window, QWidget& terminal)
 SessionPanels::Panel SessionPanels::MakePanel(const QString& name, const QString& labelName)
 {
     Panel panel;
-    panel.frame = new QFrame(&window_);
+    panel.frame = new PanelFrame(&window_);
     panel.frame->setObjectName(name);
-    panel.frame->setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
     panel.frame->setAutoFillBackground(true);
     panel.frame->hide();
     panel.text = new QLabel(panel.frame);

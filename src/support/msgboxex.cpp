@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QPushButton>
+#include <QWhatsThis>
 
 #include <algorithm>
 
@@ -81,6 +82,17 @@ MsgBoxDialog::MsgBoxDialog(const MsgBoxRequest& request, QWidget* owner)
     }
     if ((request.flags & MsgFlag::CheckBox) != 0)
         setCheckBox(new QCheckBox(tr("Do not show this &warning again")));
+    if (!request.info.isEmpty())
+        AddInfo(request.info);
+}
+
+void MsgBoxDialog::AddInfo(const QString& text)
+{
+    QPushButton* button = addButton(tr("&Info"), HelpRole);
+    button->setObjectName(QStringLiteral("cmdInfo"));
+    button->disconnect(); // the toolkit's box is done at any button
+    connect(button, &QPushButton::clicked, this,
+            [button, text] { QWhatsThis::showText(button->mapToGlobal(QPoint(0, 0)), text.toHtmlEscaped(), button); });
 }
 
 int MsgBoxDialog::Answer() const

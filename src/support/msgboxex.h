@@ -18,6 +18,8 @@ public:
     int Answer() const; // after it has closed: a MsgResult, with MsgResult::Checked added
 
 private:
+    void AddInfo(const QString& text);
+
     int onClose_ = 0; // answer when it is closed by no button
 };
 

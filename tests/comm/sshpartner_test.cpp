@@ -307,10 +307,10 @@ TEST(SshPartner, AGreetingOf100MegabytesIsHeldBackWhileNobodyReceives)
 }
 
 // RFC 4252 5.4 lets a host say anything before the login; a page of it is shown.
-TEST(SshPartner, ABannerOfAMegabyteIsCut)
+TEST(SshPartner, ABannerOfManyPagesIsCut)
 {
     const OwnHome home;
-    home.Write(u"banner"_s, "Authorised use only.\n" + QByteArray(1'000'000, 'x'));
+    home.Write(u"banner"_s, "Authorised use only.\n" + QByteArray(200'000, 'x'));
     Sshd server(home, {u"Banner "_s + home.Path(u"banner"_s)});
     ASSERT_TRUE(server.Answers());
     LineRig rig(server.Options());
@@ -329,9 +329,9 @@ TEST(SshPartner, AServerOfAnOrdinaryUserTakesTheirKeyAndNoPassword)
     options.userName = OrdinaryUser();
     LineRig byKey(options);
     ASSERT_TRUE(byKey.Opened().UntilOpen()) << byKey.errors.join(u'|').toStdString() << server.Log().data();
-    byKey.Type("id -un; exit 4\n");
+    byKey.Type("printf '\\r'; id -un; exit 4\n");
     ASSERT_TRUE(byKey.UntilClosed());
-    EXPECT_TRUE(byKey.received.contains("\n" + OrdinaryUser() + "\r\n")) << byKey.received.data();
+    EXPECT_TRUE(byKey.received.contains("\r" + OrdinaryUser() + "\r\n")) << byKey.received.data();
     EXPECT_EQ(byKey.exitCode, 4);
 
     options.ssh.auth = SshAuth::Password;

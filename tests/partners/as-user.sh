@@ -11,4 +11,5 @@ chown -R 4004:4004 "$2" "$HOME"
 export HOME USER=tuser
 exec unshare -m -p -f --mount-proc --kill-child bash -c '
     for f in passwd group; do mount --bind "$HOME/$f" "/etc/$f"; done
+    mount -t devpts -o newinstance,gid=5,mode=620,ptmxmode=666 devpts /dev/pts && mount --bind /dev/pts/ptmx /dev/ptmx
     exec setpriv --reuid 4004 --regid 4004 --clear-groups "$@"' as-user "$@"

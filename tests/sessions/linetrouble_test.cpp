@@ -81,6 +81,7 @@ TEST(LineTrouble, LossIsToldByAPanelAndTheSessionStays)
         if (row.box) {
             EXPECT_EQ(bench.ask.boxes[0].text, u"Failed"_s);
             EXPECT_EQ(bench.ask.boxes[0].title, u"Kestrune"_s);
+            EXPECT_FALSE(bench.ask.boxes[0].info.isEmpty());
         }
     }
 }

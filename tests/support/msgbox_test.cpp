@@ -3,14 +3,18 @@
 #include <support/msgboxex.h>
 #include <support/qtquestions.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QWhatsThis>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace kestrune {
 
@@ -44,6 +48,27 @@ TEST_P(MsgBoxTest, GivesThePlatformsAnswer)
         QTest::mouseClick(box.button(each.press), Qt::LeftButton);
     EXPECT_FALSE(box.isVisible());
     EXPECT_EQ(box.Answer(), each.result);
+}
+
+TEST(MsgBoxInfo, IsShownAndTheBoxStays)
+{
+    MsgBoxRequest request{u"Text"_s, 48, {}, 0};
+    request.info = u"Check the <port>."_s;
+    MsgBoxDialog box(request, nullptr);
+    box.show();
+    auto* info = box.findChild<QPushButton*>(u"cmdInfo"_s);
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(info->text(), u"&Info"_s);
+    QTest::mouseClick(info, Qt::LeftButton);
+    EXPECT_TRUE(box.isVisible());
+    const auto shown = QApplication::topLevelWidgets();
+    EXPECT_TRUE(std::any_of(shown.begin(), shown.end(), [](const QWidget* widget) {
+        return widget->inherits("QWhatsThat") && widget->isVisible();
+    }));
+    QWhatsThis::hideText();
+    QTest::mouseClick(box.button(QMessageBox::Ok), Qt::LeftButton);
+    EXPECT_FALSE(box.isVisible());
+    EXPECT_EQ(box.Answer(), MsgResult::Ok);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, MsgBoxTest,

@@ -56,10 +56,13 @@ TEST(EmulatorLine, OpensWhatTheSettingsDescribe)
     bench.Host().Connect();
     EXPECT_TRUE(bench.control.Connected());
     settings.Set(u"HostTermType"_s, u"xterm"_s);
+    settings.Set(u"KeepaliveInterval"_s, 0);
+    settings.Set(u"TelnetKeepalive"_s, 7);
     bench.control.Reset(int(ResetMode::Line));
     bench.Host().Drop();
     ASSERT_EQ(bench.lines.made.size(), 2U);
     EXPECT_EQ(bench.lines.made[1].terminalName, u"xterm"_s);
+    EXPECT_EQ(bench.lines.made[1].keepaliveInterval, 7) << "the name of earlier releases";
 }
 
 struct Ending

@@ -84,7 +84,9 @@ LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personali
     options.size = size;
     options.connectTimeout = settings.Integer(Setting("ConnectTimeout"));
     options.keepaliveInterval = settings.Integer(Setting("KeepaliveInterval"));
-    // TelnetNoDelay is the name of earlier releases.
+    // TelnetKeepalive and TelnetNoDelay are the names of earlier releases.
+    if (options.keepaliveInterval == 0 && options.device != Device::Ssh)
+        options.keepaliveInterval = std::max(0, settings.Integer(Setting("TelnetKeepalive")));
     options.tcpNoDelay = settings.Boolean(Setting("TcpNoDelay")) || settings.Boolean(Setting("TelnetNoDelay"));
     options.tcpIdn = settings.Boolean(Setting("TcpIdn"));
     options.proxy.kind = settings.Integer(Setting("ProxyType"));
