@@ -45,14 +45,16 @@ public:
         process_.kill();
         process_.waitForFinished();
     }
-    // Ready when it answers, whatever it says.
+    // Ready when it answers, whatever it says. It may have keys to make first, on a machine with other work.
     bool Answers(const QString& address = QStringLiteral("127.0.0.1"))
     {
-        return WaitUntil([&] {
-            QTcpSocket caller;
-            caller.connectToHost(address, port_);
-            return caller.waitForConnected(200);
-        });
+        return WaitUntil(
+            [&] {
+                QTcpSocket caller;
+                caller.connectToHost(address, port_);
+                return caller.waitForConnected(200);
+            },
+            std::chrono::seconds(90));
     }
     quint16 Port() const { return port_; }
     qint64 ProcessId() const { return process_.processId(); }
