@@ -110,7 +110,10 @@ void SessionTabs::Fill(const frmMdiChild* active, const MenuBand* band)
                          pictures ? window->windowIcon() : QIcon(), MarkOf(window->Mark().Now())});
     bar_->SetTabs(tabs, active != nullptr ? active->Handle() : 0);
     Dock(band);
-    row_->setVisible(!tabs.isEmpty() && application_.Boolean(GlobalId::SessionBarVisible));
+    const bool seen = !tabs.isEmpty() && application_.Boolean(GlobalId::SessionBarVisible);
+    if (seen && row_->isHidden()) // the window may remember it with the height of no tabs
+        row_->setMinimumHeight(bar_->sizeHint().height());
+    row_->setVisible(seen);
 }
 
 void SessionTabs::Dock(const MenuBand* band)

@@ -53,6 +53,19 @@ TEST(SessionBar, FollowsTheListInAnyOrderAndSaysNothing)
     EXPECT_EQ(bench.bar.count(), 0);
 }
 
+TEST(SessionBar, ALongNameIsCutInTheMiddleAndWholeInTheTip)
+{
+    TabsBench bench(2);
+    const QString name = u"a host with a name that is far too long for a tab, number 17"_s;
+    bench.tabs[0].caption = name;
+    bench.bar.SetTabs(bench.tabs, 1);
+    const QString shown = bench.bar.tabText(0);
+    EXPECT_TRUE(shown.startsWith(u"a host"_s) && shown.endsWith(u"17"_s) && shown.contains(u'\u2026')) << shown;
+    EXPECT_LT(bench.bar.fontMetrics().horizontalAdvance(shown) + 60, bench.bar.tabRect(0).width()) << "with its marks";
+    EXPECT_TRUE(bench.bar.tabToolTip(0).contains(name));
+    EXPECT_EQ(bench.bar.accessibleTabName(0), name);
+}
+
 TEST(SessionBar, ADragSaysWhatMovesWhere)
 {
     TabsBench bench(3);

@@ -14,8 +14,8 @@ namespace kestrune {
 
 namespace {
 
-constexpr int WheelStep = 120; // one notch, in eighths of a degree
-constexpr int WidestTab = 260; // pixels
+constexpr int WheelStep = 120;                      // one notch, in eighths of a degree
+constexpr int WidestTab = 260, WidestCaption = 190; // pixels; a picture and the close mark stand beside it
 
 } // namespace
 
@@ -25,7 +25,7 @@ SessionBar::SessionBar(QWidget* parent) : QTabBar(parent)
     setDrawBase(false);
     setExpanding(false);
     setMovable(true);
-    setElideMode(Qt::ElideMiddle);
+    setElideMode(Qt::ElideNone); // by ShownCaption, once: the toolkit would measure every tab at every switch
     setUsesScrollButtons(true);
     setFocusPolicy(Qt::NoFocus); // the keyboard stays with the session
     setIconSize(QSize(16, 16));
@@ -70,13 +70,18 @@ void SessionBar::SetTabs(const QList<Tab>& tabs, quintptr active)
     }
 }
 
+QString SessionBar::ShownCaption(const QString& caption) const
+{
+    return fontMetrics().elidedText(caption, Qt::ElideMiddle, WidestCaption);
+}
+
 // Each of these lays all tabs out again: set only when it differs.
 void SessionBar::SetTab(int index, const Tab& tab)
 {
     const bool isNew = !shown_.contains(tab.handle);
     Tab& shown = shown_[tab.handle];
     if (isNew || shown.caption != tab.caption) // in a caption an ampersand would be an access key
-        setTabText(index, QString(tab.caption).replace(QLatin1Char('&'), QLatin1String("&&")));
+        setTabText(index, ShownCaption(tab.caption).replace(QLatin1Char('&'), QLatin1String("&&")));
     if (isNew || shown.picture.cacheKey() != tab.picture.cacheKey() || shown.mark != tab.mark)
         setTabIcon(index, MarkedPicture(tab.picture, tab.mark));
     if (isNew || shown.toolTip != tab.toolTip || shown.mark != tab.mark || shown.caption != tab.caption) {

@@ -67,6 +67,7 @@ private:
     int IndexOf(quintptr handle) const; // -1: none
     void AddCloseMark(int index);
     void BringIntoView(int index);
+    QString ShownCaption(const QString& caption) const;
     void SetTab(int index, const Tab& tab);
     QToolButton* ScrollButton(const char* name) const;
 

@@ -1,9 +1,6 @@
 #include "gridfont.h"
 
 #include <QFontDatabase>
-#include <QFontMetricsF>
-#include <QGuiApplication>
-#include <QScreen>
 #include <QTextLayout>
 
 #include <algorithm>
@@ -33,24 +30,25 @@ QString EmojiFamily()
 
 } // namespace
 
-GridFont::GridFont(const QString& family, double size, bool bold)
+GridFont::GridFont(const QString& family, double size, bool bold) : size_(std::max(kLeastPixels, size))
 {
     base_.setFamily(InstalledFamily(family));
     base_.setStyleHint(QFont::Monospace);
     base_.setFixedPitch(true);
-    // In pixels the toolkit takes whole sizes only: 10 and 10.5 points would often be the same.
-    base_.setPointSizeF(std::max(kLeastPixels, size) * 72 / QGuiApplication::primaryScreen()->logicalDotsPerInchY());
+    base_.setPixelSize(int(std::lround(size_)));
     base_.setKerning(false);
     base_.setBold(bold);
 
-    const QFontMetricsF metrics(base_);
-    cellWidth_ = std::max(1, int(std::lround(metrics.horizontalAdvance(u'0'))));
+    const QRawFont& raw = Raw(0);
+    const QList<QPointF> advances = raw.advancesForGlyphIndexes({GlyphOf(0, U'0')});
+    cellWidth_ = std::max(1, int(std::lround(advances.value(0).x())));
     // A little air between the lines, shared above and below.
     const int air = std::max(1, int(std::lround(size / 12)));
-    cellHeight_ = int(std::ceil(metrics.ascent())) + int(std::ceil(metrics.descent())) + air;
-    ascent_ = int(std::ceil(metrics.ascent())) + air / 2;
-    lineWidth_ = std::max(1, int(std::lround(metrics.lineWidth())));
-    underlineTop_ = std::min(ascent_ + std::max(1, int(std::lround(metrics.underlinePos()))), cellHeight_ - lineWidth_);
+    cellHeight_ = int(std::ceil(raw.ascent())) + int(std::ceil(raw.descent())) + air;
+    ascent_ = int(std::ceil(raw.ascent())) + air / 2;
+    lineWidth_ = std::max(1, int(std::lround(raw.lineThickness())));
+    const int below = std::max(1, int(std::lround(raw.underlinePosition())));
+    underlineTop_ = std::min(ascent_ + below, cellHeight_ - lineWidth_);
 }
 
 GridFont::Variant& GridFont::Of(int variant)
@@ -62,6 +60,7 @@ GridFont::Variant& GridFont::Of(int variant)
         held->font.setBold(base_.bold() || (variant & Bold) != 0);
         held->font.setItalic((variant & Italic) != 0);
         held->raw = QRawFont::fromFont(held->font);
+        held->raw.setPixelSize(size_); // a QFont is rounded to whole pixels: 10 and 10.5 points would often be the same
         QString text(256, u' ');
         for (int c = 32; c < 256; ++c)
             text[c] = QChar(c);

@@ -54,7 +54,8 @@ private:
     };
     Variant& Of(int variant);
 
-    QFont base_;
+    double size_;                  // device pixels
+    QFont base_;                   // the nearest whole size: for what the font itself lacks
     std::unique_ptr<QFont> emoji_; // made when first used
     EmojiPictures emojiPictures_;
     int cellWidth_ = 8;

@@ -215,7 +215,7 @@ QRect ScreenCanvas::LineRect(int line) const
 QFont ScreenCanvas::Font() const
 {
     QFont font = font_->Font(0);
-    font.setPointSizeF(font.pointSizeF() / ratio_);
+    font.setPixelSize(std::max(1, int(font.pixelSize() / ratio_)));
     return font;
 }
 
