@@ -108,6 +108,35 @@ TEST(Conformance, MalformedPresentationStateChangesNothing)
     }
 }
 
+// What a terminal state report says, given back, brings the same state, and the screen stays.
+TEST(Conformance, TerminalStateComesBack)
+{
+    const std::string states[] = {
+        "", "\x1b[4;20h\x1b[?7l", "\x1b[2;4r\x1b[?6h", "\x1b[?69h\x1b[3;9s", "\x1b[?25l\x1b[?4h\x1b[?67h", "\x1b[?3h",
+    };
+    for (const std::string& state : states) {
+        Bench bench = Fresh(Vt420);
+        const std::string report = bench.HostSays(state + "text\x1b[1$u").Replies();
+        ASSERT_TRUE(report.starts_with("\x1bP1$s")) << report.substr(1);
+        bench.HostSays("\x1b[?6;69l\x1b[r\x1b[4;20l\x1b[?4;67l\x1b[?7;25h\x1b[80$|\x1b[3;4H");
+        bench.HostSays("\x1bP1$p" + report.substr(5) + "\x1b[1$u");
+        EXPECT_EQ(bench.Replies(), report);
+        EXPECT_EQ(bench.Rows(), "text");
+    }
+    Bench older = Fresh(Vt220);
+    EXPECT_EQ(older.HostSays("\x1b[1$u").Replies(), "");
+}
+
+TEST(Conformance, MalformedTerminalStateChangesNothing)
+{
+    for (const std::string body : {"1$p", "1$p1;1;5", "1$p1;1;5;10;", "1$p0;1;5;10", "1$p1;1;5;10/?2",
+                                   "1$p1;1;5;10/?1049", "1$p1;1;5;10/?7x", "1$p1;1;5;10/", "1$p1;1;5;99999999999/?7"}) {
+        Bench bench = Fresh(Vt420);
+        const std::string before = bench.HostSays("\x1b[2;4r\x1b[4h\x1b[1$u").Replies();
+        EXPECT_EQ(bench.HostSays("\x1bP" + body + "\x1b\\\x1b[1$u").Replies(), before) << body;
+    }
+}
+
 TEST(Conformance, PreferredSetStandsBehindItsDesignator)
 {
     Bench bench = Fresh(Vt420);

@@ -3,6 +3,7 @@
 #include "areas.h"
 #include "pcconsole.h"
 #include "presentation.h"
+#include "terminalstate.h"
 
 namespace kestrune::emu {
 namespace {
@@ -342,6 +343,7 @@ constexpr ControlRow kControls[] = {
     {"*z", "DECINVM", Vt420, [](Machine& m, Seq s) { m.InvokeMacro(s.params.At(0)); }},
     {"$w", "DECRQPSR", Vt320, presentation::Report},
     {"&u", "DECRQUPSS", Vt320, presentation::ReportPreferredSet},
+    {"$u", "DECRQTSR", Vt320, terminalstate::Report},
     {"U", "clear", Ansi, [](Machine& m, Seq) { pc::ClearAll(m); }},
     {"Y", "DL", Ansi, [](Machine& m, Seq s) { m.Display().DeleteLines(s.params.Count(0)); }}, // some boards
     {"b", "REP", Sco, pc::ScoRepeat},

@@ -3,6 +3,7 @@
 
 #include "machine.h"
 #include "presentation.h"
+#include "terminalstate.h"
 #include "widths.h"
 
 #include <algorithm>
@@ -121,7 +122,7 @@ void Machine::DeviceControl(std::string_view body)
         RequestSetting(body.substr(2));
         return;
     }
-    if (presentation::Take(*this, body))
+    if (presentation::Take(*this, body) || terminalstate::Take(*this, body))
         return;
     if (Speaks(Dialect::Vt220) && !options_.lockFunctionKeys &&
         userKeys_.Take(body, Speaks(Dialect::Vt420) ? kUserKeySpace420 : kUserKeySpace))
