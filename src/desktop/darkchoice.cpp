@@ -24,6 +24,7 @@ constexpr int kPatience = 100;   // milliseconds; it takes one or two
 
 DarkChoice::DarkChoice(const QDBusConnection& bus, std::function<void(bool)> chosen) : chosen_(std::move(chosen))
 {
+    qRegisterMetaType<QDBusVariant>("QDBusVariant"); // the slot's arguments are looked up by name
     QDBusConnection on(bus);
     on.connect(kService, kPath, kInterface, u"SettingChanged"_s, this,
                SLOT(SettingChanged(QString, QString, QDBusVariant)));
