@@ -92,7 +92,8 @@ void SshLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
     if (Options().keepaliveInterval > 0)
         SetTcpKeepalive(descriptor, Options().keepaliveInterval);
     const int copy = DuplicateSocket(descriptor);
-    socket->abort(); // closes this descriptor only
+    socket->abort();                 // closes this descriptor only
+    socket.release()->deleteLater(); // it is telling us this
     ArmConnectLimit();
     if (copy < 0)
         Fail(LineErrorNumber::NoBufferSpace, tr("The system has no room for another connection."));

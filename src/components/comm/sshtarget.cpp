@@ -34,7 +34,7 @@ SshTarget SshTarget::From(const QString& field)
 QString SshTarget::Error(bool idn) const
 {
     constexpr quint16 usual = 22; // a port is looked at by whoever uses it
-    if (const QString error = HostAddress::From(host, {}, usual, idn).error; !error.isEmpty())
+    if (QString error = HostAddress::From(host, {}, usual, idn).error; !error.isEmpty())
         return error;
     return user.startsWith(u'-') ? tr("Unable to connect: \"%1\" is not a user name.").arg(user.left(80)) : QString();
 }

@@ -40,6 +40,7 @@ class TcpConnectorEvents
 public:
     virtual ~TcpConnectorEvents() = default;
     virtual void TcpStep(LineState state, const QString& text) = 0; // Resolving, Connecting
+    // Inside a signal of the socket's: whoever does not keep it deletes it later.
     virtual void TcpConnected(std::unique_ptr<QTcpSocket> socket) = 0;
     virtual void TcpFailed(quint16 number, const QString& text) = 0;
     // The proxy wants to know who asks: answered by Retry, or by Cancel. again: it refused what it was told.

@@ -10,10 +10,12 @@ namespace kestrune {
 ScreenBlock::ScreenBlock(const emu::Terminal& screen, emu::Position from, emu::Position to)
 {
     for (int row = from.row; row <= to.row; ++row) {
-        const auto [cells, generation, wraps, lineSize] = screen.Row(row);
+        const emu::RowView view = screen.Row(row);
         if (from.col == 0 && to.col == screen.ScreenSize().cols - 1)
-            rows_.push_back({row, lineSize});
-        const auto cellAt = [&](int col) { return col < int(cells.size()) ? cells[size_t(col)] : emu::Cell{}; };
+            rows_.push_back({row, view.size});
+        const auto cellAt = [cells = view.cells](int col) {
+            return col < int(cells.size()) ? cells[size_t(col)] : emu::Cell{};
+        };
         const auto isEmpty = [&](int col) {
             return cellAt(col).text == 0 && (cellAt(col).flags & emu::Cell::WideTail) == 0;
         };
