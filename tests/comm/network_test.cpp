@@ -79,6 +79,7 @@ TEST(Network, AHostThatIsGoneWithoutAWordIsFoundOutAndReconnected)
           Case{"keep-alive by NOP", telnet.Options(), true, false},
           Case{"what was typed is not answered", telnet.Options(), false, true},
           Case{"under TLS", FarTlsEcho::Options(), false, false}, Case{"under SSH", ssh.Options(), false, false},
+          Case{"under SSH, what was typed is not answered", ssh.Options(), false, true},
           Case{"under SSH, its own requests", sshRequests, false, false, 0}}) {
         LineOptions options = c.options;
         options.keepaliveInterval = c.probes;

@@ -12,6 +12,8 @@
 
 namespace kestrune::comm {
 
+constexpr int KeepalivesUnanswered = 5; // then the host is given up
+
 class DeviceLine : public QObject, public Line
 {
     Q_OBJECT

@@ -89,8 +89,10 @@ void SshLine::TcpConnected(std::unique_ptr<QTcpSocket> socket)
     const qintptr descriptor = socket->socketDescriptor();
     if (Options().tcpNoDelay || Options().ssh.noDelay)
         socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    if (Options().keepaliveInterval > 0)
+    if (Options().keepaliveInterval > 0) {
         SetTcpKeepalive(descriptor, Options().keepaliveInterval);
+        SetTcpPatience(descriptor, KeepalivesUnanswered * Options().keepaliveInterval);
+    }
     const int copy = DuplicateSocket(descriptor);
     socket->abort();                 // closes this descriptor only
     socket.release()->deleteLater(); // it is telling us this

@@ -14,7 +14,6 @@ namespace kestrune::comm {
 namespace {
 
 constexpr int DefaultConnectTimeout = 30; // seconds
-constexpr int KeepalivesUnanswered = 5;   // then the host is given up
 // What the socket may hold unread, and so what one wake-up takes at most: the engine parses it in about 3 ms,
 // and the window is drawn between wake-ups.
 constexpr qint64 ReadAhead = qint64{256} * 1024;
