@@ -126,6 +126,7 @@ TEST(Grounds, ColoursThatAProgramSetsInPairsAreTheSameOnBoth)
     bench.Connect();
     bench.HostSays("\x1b[37;44ma\x1b[93;40mb\x1b[38;5;200mc\x1b[38;2;250;240;10;48;5;7md");
     std::vector<CellColors> dark;
+    dark.reserve(4);
     for (int col = 0; col < 4; ++col)
         dark.push_back(LooksAt(bench, col, 0));
     bench.control.SetDesktopGround(Ground::Light);
