@@ -1,6 +1,5 @@
 #include <desktop/darkchoice.h>
 
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -30,13 +29,14 @@ DarkChoice::DarkChoice(const QDBusConnection& bus, std::function<void(bool)> cho
                SLOT(SettingChanged(QString, QString, QDBusVariant)));
     QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kInterface, u"Read"_s);
     call << kGroup << kKey;
-    const QDBusConnectionInterface* names = on.interface();
-    if (names != nullptr && names->isServiceRegistered(kService)) {
+    if (on.isConnected()) {
+        call.setAutoStartService(false); // one that has to be started is not waited for
         const QDBusReply<QDBusVariant> reply = on.call(call, QDBus::Block, kPatience);
         if (reply.isValid()) {
             Tell(reply.value().variant());
             return;
         }
+        call.setAutoStartService(true);
     }
     auto* answer = new QDBusPendingCallWatcher(on.asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {

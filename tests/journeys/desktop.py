@@ -16,6 +16,27 @@ import unittest
 PROGRAM = os.environ.get("KESTRUNE_PROGRAM", "")
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 PICTURES = pathlib.Path(os.environ.get("KESTRUNE_PICTURES", tempfile.gettempdir() + "/kestrune-pictures"))
+# A dark desktop, as the toolkit reads it from a person's settings.
+DARK = """[Colors:Window]
+BackgroundNormal=41,44,48
+BackgroundAlternate=49,54,59
+ForegroundNormal=239,240,241
+ForegroundInactive=140,144,148
+[Colors:Button]
+BackgroundNormal=49,54,59
+ForegroundNormal=239,240,241
+ForegroundInactive=120,124,128
+[Colors:View]
+BackgroundNormal=27,30,32
+ForegroundNormal=239,240,241
+ForegroundInactive=120,124,128
+[Colors:Selection]
+BackgroundNormal=61,118,183
+ForegroundNormal=255,255,255
+[Colors:Tooltip]
+BackgroundNormal=49,54,59
+ForegroundNormal=239,240,241
+"""
 
 
 class TimeOut(AssertionError):

@@ -4,27 +4,6 @@ pixels to a unit. The pictures are for a person; what is asserted is that each o
 import desktop
 from desktop import hive, until
 
-# A dark desktop, as the toolkit reads it from a person's settings.
-DARK = """[Colors:Window]
-BackgroundNormal=41,44,48
-BackgroundAlternate=49,54,59
-ForegroundNormal=239,240,241
-ForegroundInactive=140,144,148
-[Colors:Button]
-BackgroundNormal=49,54,59
-ForegroundNormal=239,240,241
-ForegroundInactive=120,124,128
-[Colors:View]
-BackgroundNormal=27,30,32
-ForegroundNormal=239,240,241
-ForegroundInactive=120,124,128
-[Colors:Selection]
-BackgroundNormal=61,118,183
-ForegroundNormal=255,255,255
-[Colors:Tooltip]
-BackgroundNormal=49,54,59
-ForegroundNormal=239,240,241
-"""
 MENUS = ("file", "help", "window", "multivalue", "tools", "view", "edit")  # as the Left key goes through them
 
 
@@ -52,7 +31,7 @@ class Bars(desktop.Journey):
         (self.home / "config").mkdir(exist_ok=True)
         env = {"QT_SCALE_FACTOR": str(scale)}
         if dark:
-            (self.home / "config" / "kdeglobals").write_text(DARK)
+            (self.home / "config" / "kdeglobals").write_text(desktop.DARK)
             env.update(XDG_CURRENT_DESKTOP="KDE", KDE_SESSION_VERSION="5", KDE_FULL_SESSION="true")
         names = ("accounts", "stock", "payroll") if sessions else ()
         opened = []

@@ -11,20 +11,6 @@ from desktop import until
 
 USER = "tkey" if os.getuid() == 0 else os.environ["USER"]
 OTHER_KEY = "AAAAC3NzaC1lZDI1NTE5AAAAIAABAgMEBQYHCAkKCwwNDg8QERITFBUWFxgZGhscHR4f"
-# The desktop's own file of colours, as the toolkit reads it.
-DARK = """[Colors:Window]
-BackgroundNormal=35,38,41
-ForegroundNormal=239,240,241
-[Colors:Button]
-BackgroundNormal=49,54,59
-ForegroundNormal=239,240,241
-[Colors:View]
-BackgroundNormal=27,30,32
-ForegroundNormal=239,240,241
-[Colors:Selection]
-BackgroundNormal=61,174,233
-ForegroundNormal=252,252,252
-"""
 LOOKS = (("light", 1), ("light", 2), ("dark", 1), ("dark", 2))
 
 
@@ -77,7 +63,7 @@ class Panels(desktop.Journey):
         (home / ".ssh/known_hosts").write_text(known)
         extra = {"QT_SCALE_FACTOR": str(scale)}
         if theme == "dark":
-            (home / "config/kdeglobals").write_text(DARK)
+            (home / "config/kdeglobals").write_text(desktop.DARK)
             extra.update(XDG_CURRENT_DESKTOP="KDE", KDE_SESSION_VERSION="5")
         program = self.start(self.session_file("host.orcf", **session), home=home, extra_env=extra)
         program.window()
