@@ -56,7 +56,7 @@ def until(condition, what, seconds=20, every=0.05):
 
 
 class Desktop:
-    def __init__(self, width=1280, height=900):
+    def __init__(self, width, height):
         self.processes = []
         self.env = dict(os.environ)
         read, write = os.pipe()
@@ -249,11 +249,13 @@ BOTTOM_OF_SESSION = 40
 class Journey(unittest.TestCase):
     """One desktop for each class; a fresh home for each test."""
 
+    SIZE = 1280, 900
+
     @classmethod
     def setUpClass(cls):
         if not PROGRAM or not os.access(PROGRAM, os.X_OK):
             raise AssertionError("KESTRUNE_PROGRAM does not name the program")
-        cls.desktop = Desktop()
+        cls.desktop = Desktop(*cls.SIZE)
         cls.addClassCleanup(cls.desktop.close)
 
     def setUp(self):

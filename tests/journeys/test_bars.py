@@ -8,11 +8,7 @@ MENUS = ("file", "help", "window", "multivalue", "tools", "view", "edit")  # as 
 
 
 class Bars(desktop.Journey):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.desktop.close()
-        cls.desktop = desktop.Desktop(2200, 1500)
+    SIZE = 2200, 1500
 
     def look(self, name, other_than=None, seconds=20):
         """A picture, once two looks in a row are the same and not what was seen before: nothing moves any more."""

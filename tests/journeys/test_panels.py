@@ -21,12 +21,7 @@ def free_port():
 
 
 class Panels(desktop.Journey):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.desktop.close()
-        cls.desktop = desktop.Desktop(2200, 1600)  # the closing of the first one closes this one, too
-        cls.addClassCleanup(cls.desktop.close)
+    SIZE = 2200, 1600
 
     def setUp(self):
         super().setUp()
