@@ -48,7 +48,7 @@ TEST(ResumableStream, ResumesAnywhere)
     std::array<std::size_t, 2> total{};
     for (int round = 0; round < 1000; ++round) {
         for (std::size_t side : {0U, 1U}) {
-            sides[side].Write(sends[side].Take(std::min<std::size_t>(sides[side].Room(), chance.Next() * 8U)));
+            sides[side].Write(sends[side].Take(std::min(sides[side].Room(), std::size_t{8} * chance.Next())));
             std::string wire = sides[side].TakeOutput(chance.Next() * 16U);
             if (round % 3 == 0)
                 wire.resize(wire.size() * chance.Next() / 256); // cut on the way

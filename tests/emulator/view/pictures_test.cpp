@@ -18,7 +18,7 @@ struct PictureBench : ViewBench
     {
         QImage image(size, QImage::Format_RGB32);
         image.fill(color);
-        const QString path = folder.filePath(name);
+        QString path = folder.filePath(name);
         EXPECT_TRUE(image.save(path));
         media.pictures << path;
         return path;
@@ -45,7 +45,7 @@ TEST(Backdrop, LiesBehindTextThatHasNoBackgroundOfItsOwn)
     EXPECT_EQ(bench.ColorAt(0, 0), text);
     EXPECT_EQ(bench.ColorAt(1, 0), reverse);
     settings.Set(u"BackgroundTransparency"_s, 50);
-    EXPECT_NEAR(bench.ColorAt(20, 3).red(), (255 + bench.Paper().red()) / 2, 2);
+    EXPECT_NEAR(bench.ColorAt(20, 3).red(), (255 + bench.Paper().red()) / 2.0, 2);
     settings.Set(u"BackgroundPictureFile"_s, u"/no/such/file"_s);
     EXPECT_EQ(bench.ColorAt(20, 3), bench.Paper());
 }
