@@ -213,6 +213,26 @@ TEST(ViewInput, MiddleAndRightButton)
     EXPECT_EQ(asked, 4);
 }
 
+TEST(ViewInput, TheMouseTableNamesMenusOfText)
+{
+    ViewBench bench;
+    bench.HostSays("1. Orders");
+    bench.control.MouseTableAdd(3, u"(\\d)\\. \\w+"_s, u"Menu$1"_s, {});
+    QStringList asked;
+    QObject::connect(&bench.control, &ctlEmulator::ContextMenu,
+                     [&](int button, int, int, const QString& band, bool* handled) {
+                         asked += QString::number(button) + band;
+                         *handled = true;
+                     });
+    QTest::mouseClick(&bench.view, Qt::RightButton, kNone, bench.Middle(4, 0));
+    QTest::mouseClick(&bench.view, Qt::RightButton, kShift, bench.Middle(4, 0));
+    QTest::mouseClick(&bench.view, Qt::RightButton, kNone, bench.Middle(20, 0));
+    bench.control.Settings().SetValue(Setting("MouseEnable"), false);
+    QTest::mouseClick(&bench.view, Qt::RightButton, kNone, bench.Middle(4, 0));
+    EXPECT_EQ(asked, (QStringList{u"3Menu1"_s, u"2"_s, u"2"_s, u"2"_s}));
+    EXPECT_EQ(bench.Host().TakeSent(), "");
+}
+
 void Wheel(ViewBench& bench, int notches, Qt::KeyboardModifiers modifiers = kNone)
 {
     const QPointF at = bench.Middle(2, 1);

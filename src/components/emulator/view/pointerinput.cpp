@@ -87,6 +87,14 @@ bool PointerInput::AnswerFromTable(const QMouseEvent& event)
     return reply.has_value();
 }
 
+QString PointerInput::MenuFromTable(const QMouseEvent& event) const
+{
+    if (event.modifiers().testFlag(Qt::ShiftModifier))
+        return {};
+    const TextPlace place = canvas_.PlaceAt(event.position());
+    return MouseReply(emulator_, {MenuButton, false, place.cell, place.row}).value_or(QString());
+}
+
 void PointerInput::Press(const QMouseEvent& event)
 {
     lastMove_ = event.position();
@@ -118,7 +126,7 @@ void PointerInput::Press(const QMouseEvent& event)
         emulator_.PastePrimary();
         return;
     case Qt::RightButton:
-        OpenMenu(event.globalPosition().toPoint());
+        OpenMenu(event.globalPosition().toPoint(), MenuFromTable(event));
         return;
     default:
         return;
@@ -236,10 +244,10 @@ void PointerInput::Wheel(const QWheelEvent& event)
     }
 }
 
-void PointerInput::OpenMenu(QPoint at)
+void PointerInput::OpenMenu(QPoint at, const QString& band)
 {
     bool handled = false;
-    emit emulator_.ContextMenu(2, at.x(), at.y(), QString(), &handled);
+    emit emulator_.ContextMenu(band.isEmpty() ? 2 : MenuButton, at.x(), at.y(), band, &handled);
     if (handled)
         return;
     auto* menu = new QMenu(&host_);

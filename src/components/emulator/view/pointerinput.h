@@ -28,7 +28,8 @@ public:
     void Move(const QMouseEvent& event);
     void Release(const QMouseEvent& event);
     void Wheel(const QWheelEvent& event);
-    void OpenMenu(QPoint at); // on the desktop
+    void OpenMenu(QPoint at,
+                  const QString& band = {}); // on the desktop; band: of the menu bar, empty for the usual one
     void ControlKey(bool down);
     bool ShowTip(const QHelpEvent& event); // where a link leads; false: there is none
     void FollowModes(); // the host may have asked for reports, or for none: pointer shape and tracking
@@ -37,7 +38,8 @@ private:
     bool HostWantsMouse(Qt::KeyboardModifiers modifiers) const;
     bool Report(emu::MouseKind kind, emu::MouseButton button, const QPointF& position, Qt::KeyboardModifiers modifiers);
     void ScrollWhileSelecting();
-    bool AnswerFromTable(const QMouseEvent& event); // false: nothing in the mouse table is for this click
+    bool AnswerFromTable(const QMouseEvent& event);        // false: nothing in the mouse table is for this click
+    QString MenuFromTable(const QMouseEvent& event) const; // the band; empty: the usual one
     std::optional<Link> LinkUnder(QPointF position, Qt::KeyboardModifiers modifiers) const;
     void ShowLink();
     void FollowPointer(bool onLink);
