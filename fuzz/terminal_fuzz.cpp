@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -19,6 +20,20 @@ struct Sink : TerminalListener
     size_t replied = 0;
 };
 
+void LookAtShape(const Terminal& terminal, char32_t point)
+{
+    const SoftGlyph* glyph = terminal.SoftGlyphOf(point);
+    if (glyph == nullptr)
+        return;
+    const bool fits = glyph->IsLoaded() && glyph->width <= SoftGlyph::MostWide && glyph->height > 0 &&
+                      glyph->height <= SoftGlyph::MostHigh;
+    if (!fits || !IsSoftPoint(point))
+        std::abort();
+    for (const uint16_t line : glyph->lines)
+        if ((line >> glyph->width) != 0)
+            std::abort();
+}
+
 void Look(const Terminal& terminal)
 {
     const Size size = terminal.ScreenSize();
@@ -31,6 +46,7 @@ void Look(const Terminal& terminal)
             std::abort();
         for (size_t col = 0; col < view.cells.size(); ++col) {
             (void)terminal.StyleOf(view.cells[col].style);
+            LookAtShape(terminal, view.cells[col].text);
             const bool hasTail = col + 1 < view.cells.size() && (view.cells[col + 1].flags & Cell::WideTail);
             if (row >= 0 && ((view.cells[col].flags & Cell::Wide) != 0) != hasTail)
                 std::abort();
@@ -58,7 +74,7 @@ void Act(Terminal& terminal, uint8_t what, uint8_t how)
     const auto types = AllPersonalities();
     const Size size = terminal.ScreenSize();
     const Position place{how % size.cols, how / 3 % size.rows};
-    switch (what % 14) {
+    switch (what % 17) {
     case 0:
         terminal.Resize({how % 90 + 1, terminal.ScreenSize().rows});
         break;
@@ -104,6 +120,24 @@ void Act(Terminal& terminal, uint8_t what, uint8_t how)
         (void)terminal.FocusBytes(how % 2 != 0);
         (void)terminal.MouseBytes({});
         (void)terminal.EncodeText("\xc3\xa9 \xe4\xb8\xad");
+        break;
+    case 13: // what chance would hardly write: soft characters, in use
+        terminal.Receive("\x1bP" + std::to_string(how % 3) + ";" + std::to_string(how % 97) + ";" +
+                         std::to_string(how % 3) + ";" + std::to_string(how % 16) + ";" + std::to_string(what / 17) +
+                         ";" + std::to_string(how % 3) + ";" + std::to_string(how % 17) + ";" +
+                         std::to_string(how % 2) + "{ @~?@A/Bz;~~~~~~~~~~~~~~~~~/~/~/~;\x1b\\\x1b( @!\"#x\x1b- @");
+        break;
+    case 14: { // pages of other lengths, and more or fewer lines on the screen
+        static constexpr int kLines[] = {24, 25, 36, 48, 72, 144};
+        terminal.Receive("\x1b[" + std::to_string(kLines[how % 6]) + (how % 4 == 0 ? "*|" : "t") + "\x1b[" +
+                         std::to_string(how) + "H" + (how % 5 == 0 ? "\x1b[?61l" : "\x1b[?61h"));
+        break;
+    }
+    case 15: // reports given back, whole and spoilt
+        terminal.Receive("\x1b[2;" + std::to_string(how % 4) + "$u\x1bP2$p" + std::to_string(how) + ";" +
+                         std::to_string(how % 3) + ";" + std::to_string(how % 110) + ";50;" +
+                         (how % 3 == 0 ? "" : "100") + "/0;2;;;\x1b\\\x1bP1$t" + std::to_string(how % 60) +
+                         ";1;1;@;@;@;0;2;N; @ AAA\x1b\\");
         break;
     default:
         Look(terminal);

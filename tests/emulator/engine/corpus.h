@@ -50,6 +50,11 @@ inline std::vector<std::string> Corpus()
         "80$|\x1b[\"v",
         "\x1bP0;1|17/4142;18/"
         "4\x1b\\\x1bP1;0;1!z61!3;1b5b41;1b5b322a7a\x1b\\\x1bP2;0;0!z+\x1b[1*z\x1b\\\x1b[1*z\x1b[2*z\x1b[?62;63n",
+        "\x1bP1;1;1;8;0;2;10;0{ @~?@A/B;~~~;\x1b\\\x1b( @!\"#\x1b(B\x1bP2;0;2;0;2;1;0;1{&!x~\x1b\\\x1b-&!x\x0e "
+        "!\x0f\x1b[1$w",
+        "\x1b[24ta\r\nb\r\nc\x1b[20;3Hd\x1b[4A\x1b[2S\x1b[3T\x1bM\x1b[?61l\x1b[24;1H\n\n\x1b[\"v\x1b[?61h\x1b[36*|\x1b["
+        "72t\x1b[U"
+        "\x1b[60;2Hx\x1b[25te\x1b[24*|\x1b[2;1$u\x1bP2$p1;2;10;20;30/2;1;120;50;100/3;2;;;\x1b\\\x1b[2;2$u",
         "\x1b[2;1;4m\x1b[=1D\x1b[=3g\x1b[2;3;3;7r\x1b[9S\x1b[=0;2m\x1b[=3;4mtext in the "
         "window\x1b[42;99b\x1b[=l\x1bl\x1bm\x1b[=r\x1b[U\x1b[Y",
         "text\x9b"

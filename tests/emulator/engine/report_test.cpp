@@ -18,12 +18,12 @@ struct ReportCase
 TEST(EngineReports, AnswersOfTheTypes)
 {
     const ReportCase cases[] = {
-        {"DA1", Type::Vt220, "\x1b[c", "\x1b[?62;1;2;6;8;9c"},
-        {"DA1 with zero", Type::Vt220, "\x1b[0c", "\x1b[?62;1;2;6;8;9c"},
+        {"DA1", Type::Vt220, "\x1b[c", "\x1b[?62;1;2;6;7;8;9c"},
+        {"DA1 with zero", Type::Vt220, "\x1b[0c", "\x1b[?62;1;2;6;7;8;9c"},
         {"DA1 with another number", Type::Vt220, "\x1b[7c", ""},
-        {"DECID", Type::Vt220, "\x1bZ", "\x1b[?62;1;2;6;8;9c"},
+        {"DECID", Type::Vt220, "\x1bZ", "\x1b[?62;1;2;6;7;8;9c"},
         {"DA1 of a VT100", Type::Vt100, "\x1b[c", "\x1b[?1;2c"},
-        {"DA1 of a VT320", Type::Vt320, "\x1b[c", "\x1b[?63;1;2;6;8;9;15c"},
+        {"DA1 of a VT320", Type::Vt320, "\x1b[c", "\x1b[?63;1;2;6;7;8;9;15c"},
         {"DA1 of the Linux console", Type::Linux, "\x1b[c", "\x1b[?6c"},
         {"DA1 of a typewriter", Type::Tty, "\x1b[c\x1b[6n", ""},
         {"DA2", Type::Vt220, "\x1b[>c", "\x1b[>1;10;0c"},
@@ -32,7 +32,7 @@ TEST(EngineReports, AnswersOfTheTypes)
         {"DA3", Type::Vt420, "\x1b[=c", "\x1bP!|00000000\x1b\\"},
         {"DA3 is not a VT220's", Type::Vt220, "\x1b[=c", ""},
         {"back from VT52 mode as a VT100", Type::Vt420, "\x1b[?2l\x1b<\x1b[c\x1b[=c", "\x1b[?1;2c"},
-        {"and to its own level by DECSCL", Type::Vt220, "\x1b[?2l\x1b<\x1b[62;1\"p\x1b[c", "\x1b[?62;1;2;6;8;9c"},
+        {"and to its own level by DECSCL", Type::Vt220, "\x1b[?2l\x1b<\x1b[62;1\"p\x1b[c", "\x1b[?62;1;2;6;7;8;9c"},
         {"VT52 identity", Type::Vt220, "\x1b[?2l\x1bZ", "\x1b/Z"},
         {"VT52's own identity", Type::Vt52, "\x1bZ", "\x1b/K"},
         {"status", Type::Vt220, "\x1b[5n", "\x1b[0n"},
@@ -95,6 +95,49 @@ TEST(EngineReports, HostTextNeverComesBack)
         EXPECT_EQ(replies.find('\r'), std::string::npos) << type;
         EXPECT_EQ(replies.find('\n'), std::string::npos) << type;
     }
+}
+
+// Colours that the host has set are told, the user's own are not; both come back.
+TEST(EngineReports, ColourTable)
+{
+    const auto table = [](const std::string& first, const char* space) {
+        std::string out = "\x1bP2$s" + first;
+        for (int index = 3; index < 16; ++index)
+            out.append("/").append(std::to_string(index)).append(space).append(";;;");
+        return out + "\x1b\\";
+    };
+    const std::string set = "\x1b]4;0;#000000\x07\x1b]4;1;#ff8000\x07\x1b]4;2;#3333cc\x07";
+    Bench bench(4, 40, Type::Vt420);
+    EXPECT_EQ(bench.HostSays("\x1b[2;2$u").Replies(), table("0;2;;;/1;2;;;/2;2;;;", ";2"));
+    bench.HostSays(set);
+    EXPECT_EQ(bench.HostSays("\x1b[2;2$u").Replies(), table("0;2;0;0;0/1;2;100;50;0/2;2;20;20;80", ";2"));
+    EXPECT_EQ(bench.HostSays("\x1b[2$u").Replies(), table("0;1;0;0;0/1;1;150;50;100/2;1;0;50;60", ";1"));
+
+    const struct
+    {
+        const char* entries; // after the colours above
+        uint32_t first, second, third;
+    } cases[] = {
+        {"", 0x01000000, 0x01FF8000, 0x013333CC},
+        {"1;2;;;/2;2;0;100;0", 0x01000000, 0, 0x0100FF00},
+        {"0;1;0;50;100/1;1;120;50;100/2;1;240;50;100", 0x010000FF, 0x01FF0000, 0x0100FF00},
+        {"0;1;60;50;100/1;1;150;50;100/2;1;0;100;0", 0x01FF00FF, 0x01FF8000, 0x01FFFFFF},
+        {"1;2;101;0;0/2;2;0;0;0", 0x01000000, 0x01FF8000, 0x013333CC},
+        {"1;2;0;0;0/2;3;0;0;0", 0x01000000, 0x01FF8000, 0x013333CC},
+        {"1;2;0;0/2;2;0;0;0;0", 0x01000000, 0x01FF8000, 0x013333CC},
+        {"256;2;0;0;0/1;2;0;0;0", 0x01000000, 0x01FF8000, 0x013333CC},
+    };
+    for (const auto& test : cases) {
+        bench.HostSays("\x1b"
+                       "c" +
+                       set + "\x1bP2$p" + test.entries + "\x1b\\");
+        EXPECT_EQ(bench.terminal.PaletteOverride(0), test.first) << test.entries;
+        EXPECT_EQ(bench.terminal.PaletteOverride(1), test.second) << test.entries;
+        EXPECT_EQ(bench.terminal.PaletteOverride(2), test.third) << test.entries;
+    }
+    Bench old(4, 40, Type::Vt220);
+    EXPECT_EQ(old.HostSays(set + "\x1b[2;2$u\x1bP2$p1;2;0;0;0\x1b\\").Replies(), "");
+    EXPECT_EQ(old.terminal.PaletteOverride(1), 0x01FF8000u);
 }
 
 TEST(EngineReports, TypesHaveTheNamesHostsKnow)

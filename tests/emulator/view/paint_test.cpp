@@ -53,6 +53,27 @@ INSTANTIATE_TEST_SUITE_P(
                     LookCase{"HostSetsPalette", "\x1b]4;1;#102030\x1b\\\x1b[31m", QColor(0x10, 0x20, 0x30), kPaper}),
     [](const auto& test) { return test.param.name; });
 
+// A shape of two columns of dots, the left one set, and later the right one.
+TEST(ViewPaint, CharactersDrawnByTheHostFillTheirCellsAtAnySize)
+{
+    ViewBench bench;
+    const auto sides = [&](int col) {
+        const QRect cell = bench.view.CellRect(col, 0);
+        const QImage picture = bench.Picture();
+        return picture.pixelColor(cell.left() + 1, cell.top() + 1).name() +
+               picture.pixelColor(cell.right() - 1, cell.bottom() - 1).name();
+    };
+    const std::string half(5, '?');
+    const std::string full(5, '~');
+    bench.HostSays("\x1bP1;1;0;10;0;2;6{ @" + full + half + "\x1b\\ \x1b( @!\x1b(B \x1b[3;1H");
+    EXPECT_EQ(sides(1), kText.name() + kPaper.name());
+    EXPECT_EQ(sides(0), kPaper.name() + kPaper.name());
+    bench.control.Settings().SetValue(Setting("FontSize"), 17);
+    EXPECT_EQ(sides(1), kText.name() + kPaper.name());
+    bench.HostSays("\x1bP1;1;0;10;0;2;6{ @" + half + full + "\x1b\\");
+    EXPECT_EQ(sides(1), kPaper.name() + kText.name()) << "what stands on the screen follows";
+}
+
 // Emoji are drawn once and kept: as a picture where they stand, in the colours of each place, and large where rows are.
 TEST(ViewPaint, AnEmojiIsTheSameWhereverItStands)
 {

@@ -522,16 +522,19 @@ void ctlEmulator::TellScreen()
 {
     const emu::Size size = terminal_->ScreenSize();
     const int pages = terminal_->PageCount();
-    const bool extended = terminal_->Modes().extended;
+    const emu::ModesView modes = terminal_->Modes();
+    const bool extended = modes.extended;
     const bool isOther = size != told_.size || pages != told_.pages || extended != told_.extended;
-    const bool isLaidOutAnew = extended != told_.extended || terminal_->StatusRows() != told_.statusRows;
+    const bool isLaidOutAnew = extended != told_.extended || modes.rowsOfHost != told_.rowsOfHost ||
+                               terminal_->StatusRows() != told_.statusRows;
     told_.size = size;
     told_.pages = pages;
     told_.extended = extended;
+    told_.rowsOfHost = modes.rowsOfHost;
     told_.statusRows = terminal_->StatusRows();
     if (isOther)
         emit ScreenSizeChange(size.cols, size.rows, pages, extended);
-    if (isLaidOutAnew || (isOther && extended))
+    if (isLaidOutAnew || (isOther && (extended || modes.rowsOfHost)))
         emit GridChanged();
 }
 

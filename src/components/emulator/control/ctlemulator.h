@@ -434,6 +434,7 @@ private:
         int pages = 0;
         int statusRows = 0;
         bool extended = false;
+        bool rowsOfHost = false;
         bool locked = false;
         int printer = 0;
     };

@@ -41,6 +41,7 @@ char32_t RomGlyph(uint8_t byte); // what a PC draws for a byte, controls include
 std::string EncodeForHost(HostCharset charset, std::u16string_view upperHalf, char32_t point);
 
 inline constexpr char32_t ReplacementPoint = 0xFFFD;
+inline constexpr char32_t ErrorPoint = 0x2E2E; // reversed question mark, VT220 programmer reference 4.4
 
 // One code point from bytes that may come in any pieces. Faults give U+FFFD for each longest start of a sequence,
 // as the Unicode standard advises (table 3-7, section 3.9).

@@ -5,6 +5,8 @@
 #include "presentation.h"
 #include "terminalstate.h"
 
+#include <algorithm>
+
 namespace kestrune::emu {
 namespace {
 
@@ -226,11 +228,48 @@ void ColumnsPerPage(Machine& m, const ControlSequence& s)
         m.FitSize(columns == 132);
 }
 
-void DisplayedExtent(Machine& m, const ControlSequence&) // all of the page that is shown
+// The next of the models' numbers of lines that is no smaller; 0: there is none.
+int NextNumber(std::span<const int> numbers, int wanted)
 {
-    const Size size = m.Display().ScreenExtent();
-    m.ReplyControl(std::to_string(size.rows) + ';' + std::to_string(size.cols) + ";1;1;" +
-                   std::to_string(m.Display().ShownPage() + 1) + "\"w");
+    const auto at = std::lower_bound(numbers.begin(), numbers.end(), wanted);
+    return at == numbers.end() ? 0 : *at;
+}
+
+constexpr int kLinesPerPage[] = {24, 25, 36, 48, 72, 144};
+constexpr int kLinesOnScreen[] = {24, 36, 48};
+
+// Small numbers, and more than one, ask for things that windows do, which the models had none of.
+void LinesPerPage(Machine& m, const ControlSequence& s)
+{
+    if (s.params.Size() > 1 || s.params.At(0) < kLinesPerPage[0])
+        return;
+    if (const int lines = NextNumber(kLinesPerPage, s.params.At(0)); lines != 0)
+        m.SetLinesPerPage(lines);
+}
+
+void LinesOnScreen(Machine& m, const ControlSequence& s)
+{
+    if (const int lines = NextNumber(kLinesOnScreen, s.params.At(0)); lines != 0)
+        m.SetLinesOnScreen(lines);
+}
+
+// Of a page that is longer than the screen another part is shown; else the lines move.
+void ScrollOrPan(Machine& m, int lines)
+{
+    Screen& screen = m.Display();
+    if (screen.WindowRows() < screen.ScreenExtent().rows && !screen.IsOnStatusLine())
+        screen.Pan(lines);
+    else if (lines > 0)
+        screen.ScrollUp(lines);
+    else
+        screen.ScrollDown(-lines);
+}
+
+void DisplayedExtent(Machine& m, const ControlSequence&)
+{
+    const Screen& screen = m.Display();
+    m.ReplyControl(std::to_string(screen.WindowRows()) + ';' + std::to_string(screen.ScreenExtent().cols) + ";1;" +
+                   std::to_string(screen.WindowTop() + 1) + ';' + std::to_string(screen.ShownPage() + 1) + "\"w");
 }
 
 // NP and PP, to the upper left corner of another page. Where there is but one they do nothing.
@@ -270,11 +309,11 @@ constexpr ControlRow kControls[] = {
     {"L", "IL", Common, [](Machine& m, Seq s) { m.Display().InsertLines(s.params.Count(0)); }},
     {"M", "DL", Common, [](Machine& m, Seq s) { m.Display().DeleteLines(s.params.Count(0)); }},
     {"P", "DCH", Common, [](Machine& m, Seq s) { m.Display().DeleteCharacters(s.params.Count(0)); }},
-    {"S", "SU", Common, [](Machine& m, Seq s) { m.Display().ScrollUp(s.params.Count(0)); }},
+    {"S", "SU", Common, [](Machine& m, Seq s) { ScrollOrPan(m, s.params.Count(0)); }},
     {"T", "SD", Common,
      [](Machine& m, Seq s) {
          if (s.params.Size() <= 1) // with more it asks for a way of mouse tracking that we lack
-             m.Display().ScrollDown(s.params.Count(0));
+             ScrollOrPan(m, -s.params.Count(0));
      }},
     {"X", "ECH", Common, [](Machine& m, Seq s) { m.Display().EraseCharacters(s.params.Count(0)); }},
     {"Z", "CBT", Common, [](Machine& m, Seq s) { m.Display().BackTab(s.params.Count(0)); }},
@@ -324,6 +363,8 @@ constexpr ControlRow kControls[] = {
     {"*x", "DECSACE", Vt420, areas::SelectExtent},
     {"*y", "DECRQCRA", Vt420, areas::Checksum},
     {"$|", "DECSCPP", Vt320, ColumnsPerPage},
+    {"t", "DECSLPP", Vt320, LinesPerPage},
+    {"*|", "DECSNLS", Vt420, LinesOnScreen},
     {"\"v", "DECRQDE", Vt420, DisplayedExtent},
     {"U", "NP", Vt420, [](Machine& m, Seq s) { StepPages(m, s.params.Count(0)); }},
     {"V", "PP", Vt420, [](Machine& m, Seq s) { StepPages(m, -s.params.Count(0)); }},

@@ -203,9 +203,10 @@ std::string MouseToBytes(const Machine& machine, const MouseAction& action)
     const Modes& modes = machine.Switches();
     if (machine.View().mouse == MouseReport::None || !IsReported(modes, action))
         return {};
-    const Size size = machine.Display().ScreenExtent();
-    Report report{ButtonCode(action.button), std::clamp(action.col, 0, size.cols - 1) + 1,
-                  std::clamp(action.row, 0, size.rows - 1) + 1, action.kind == MouseKind::Release};
+    const Screen& screen = machine.Display();
+    Report report{ButtonCode(action.button), std::clamp(action.col, 0, screen.ScreenExtent().cols - 1) + 1,
+                  std::clamp(action.row, 0, screen.WindowRows() - 1) + screen.WindowTop() + 1,
+                  action.kind == MouseKind::Release};
     if (modes.Has(Mode::MouseX10))
         return InBytes(report);
     report.button += action.kind == MouseKind::Move ? 32 : 0;

@@ -58,9 +58,11 @@ bool Screen::IsBlankRow(int row) const { return page_->IsBlank(row); }
 
 namespace {
 
-Position Inside(Position at, Size size)
+// A place of the page for one of what is shown.
+Position Inside(Position at, const Screen& screen)
 {
-    return {std::clamp(at.col, 0, size.cols - 1), std::clamp(at.row, 0, size.rows - 1)};
+    return {std::clamp(at.col, 0, screen.ScreenExtent().cols - 1),
+            screen.WindowTop() + std::clamp(at.row, 0, screen.WindowRows() - 1)};
 }
 
 // A program may hand in anything; controls are not for the screen.
@@ -75,26 +77,25 @@ std::u32string Printable(std::string_view utf8)
 
 void Machine::PutText(Position at, std::string_view utf8, const Style& style)
 {
-    screen_.OnScreen([&] { screen_.PlaceText(Inside(at, screen_.Extent()), Printable(utf8), style); });
+    screen_.OnScreen([&] { screen_.PlaceText(Inside(at, screen_), Printable(utf8), style); });
     Changed();
 }
 
 void Machine::EraseArea(Position from, Position to, const Style& style)
 {
-    const Size size = screen_.ScreenExtent();
-    screen_.OnScreen([&] { screen_.PlaceBlanks(Inside(from, size), Inside(to, size), style); });
+    screen_.OnScreen([&] { screen_.PlaceBlanks(Inside(from, screen_), Inside(to, screen_), style); });
     Changed();
 }
 
 void Machine::SetLineSize(int row, LineSize size)
 {
-    screen_.OnScreen([&] { screen_.PlaceLineSize(Inside({0, row}, screen_.Extent()).row, size); });
+    screen_.OnScreen([&] { screen_.PlaceLineSize(Inside({0, row}, screen_).row, size); });
     Changed();
 }
 
 void Machine::MoveCursor(Position to)
 {
-    screen_.OnScreen([&] { screen_.PlaceCursor(Inside(to, screen_.Extent())); });
+    screen_.OnScreen([&] { screen_.PlaceCursor(Inside(to, screen_)); });
     Changed();
 }
 
@@ -107,7 +108,9 @@ void Machine::PrintNotice(std::string_view utf8)
     SoftReset();
     SelectStatusKind(StatusKind::None);
     modes_.Set(Mode::PageCoupling, true);
+    modes_.Set(Mode::VerticalCoupling, true);
     screen_.ShowActivePage();
+    TakePageFormat(0, 0);
     // Soft reset leaves these as they are; the next host must find them as at power-up.
     modes_.Set(Mode::Ansi, true);
     modes_.Set(Mode::AutoWrap, options_.autoWrap);

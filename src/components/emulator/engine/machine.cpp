@@ -11,9 +11,9 @@ namespace {
 constexpr Size kLeast{1, 1};
 constexpr Size kMost{1000, 500};
 constexpr size_t kMaxAnswerBack = 255;
+constexpr int kPageMemory = 144;                          // lines, VT420 programmer reference
 constexpr int kMaxMacroDepth = 16;                        // VT420 programmer reference
 constexpr size_t kMaxMacroBytes = 32 * HostMacros::Space; // a macro that calls others many times must come to an end
-constexpr char32_t kErrorCharacter = 0x2E2E;              // reversed question mark, VT220 programmer reference 4.4
 
 Size Clamped(Size size)
 {
@@ -82,13 +82,44 @@ Size Machine::ExtendedSize() const
 bool Machine::FitSize(bool extended, WrappedLines lines, std::span<Position> followed)
 {
     modes_.Set(Mode::Columns132, extended);
-    const Size size = extended ? ExtendedSize() : normalSize_;
-    if (size == screen_.ScreenExtent())
+    const Size room = extended ? ExtendedSize() : normalSize_;
+    const int wanted = linesOnScreen_ == 0 ? room.rows : linesOnScreen_;
+    const Size page{room.cols, linesPerPage_ == 0 ? wanted : linesPerPage_};
+    const int shown = std::min(wanted, page.rows);
+    if (page == screen_.ScreenExtent() && shown == screen_.WindowRows())
         return false;
-    const bool rewrapped = screen_.Resize(size, lines, followed);
+    const bool rewrapped = screen_.Resize(page, lines, followed);
+    screen_.OnScreen([&] { screen_.ShowRows(shown); });
     Changed();
-    listener_.ScreenSizeChanged(size);
+    listener_.ScreenSizeChanged({page.cols, shown});
     return rewrapped;
+}
+
+void Machine::SetLinesPerPage(int lines) { TakePageFormat(lines, linesOnScreen_); }
+
+void Machine::SetLinesOnScreen(int lines) { TakePageFormat(linesPerPage_, lines); }
+
+// The rows that are there stay where the host has put them; what no longer fits goes up into the history.
+void Machine::TakePageFormat(int linesPerPage, int linesOnScreen)
+{
+    linesPerPage_ = linesPerPage;
+    linesOnScreen_ = linesOnScreen;
+    const bool extended = modes_.Has(Mode::Columns132);
+    const int room = extended ? ExtendedSize().rows : normalSize_.rows;
+    const int shown = linesOnScreen == 0 ? room : linesOnScreen;
+    screen_.AppendRows(linesPerPage == 0 ? shown : linesPerPage);
+    screen_.SetPageCount(WantedPages());
+    FitSize(extended);
+}
+
+// A VT420 has 144 lines of page memory, cut into pages of the length that is asked for; a session with more pages than
+// that has more of it.
+int Machine::WantedPages() const
+{
+    if (linesPerPage_ == 0 || !(personality_->dialects & Dialect::Vt420))
+        return options_.pages;
+    const int lines = std::max(kPageMemory, options_.pages * normalSize_.rows);
+    return std::clamp(lines / linesPerPage_, 1, Screen::MostPages);
 }
 
 void Machine::ShowExtended(bool on)
@@ -124,7 +155,7 @@ void Machine::SetOptions(const TerminalOptions& options)
     modes_.Set(Mode::AutoWrap, options.autoWrap);
     screen_.Scrollback().SetLimit(options.historyRows);
     SetCharset(options.charset);
-    screen_.SetPageCount(options.pages);
+    screen_.SetPageCount(WantedPages());
     FitStatusRows();
     if (startsExtended != options.startsExtended)
         modes_.Set(Mode::Columns132, options.startsExtended);
@@ -134,9 +165,11 @@ void Machine::SetOptions(const TerminalOptions& options)
 void Machine::SelectPersonality(const Personality& personality)
 {
     personality_ = &personality;
+    TakePageFormat(0, 0);
     SoftReset();
     modes_.Set(Mode::Ansi, true);
     modes_.Set(Mode::PageCoupling, true);
+    modes_.Set(Mode::VerticalCoupling, true);
     screen_.ShowActivePage();
     SelectStatusKind(StatusKind::None);
     TakeKeyOptions();
@@ -151,6 +184,7 @@ void Machine::SelectPersonality(const Personality& personality)
 void Machine::HardReset()
 {
     screen_.SelectStatusLine(false);
+    TakePageFormat(0, 0);
     FitSize(options_.startsExtended);
     const bool wasLocked = modes_.Has(Mode::KeyboardAction);
     PowerUp();
@@ -175,6 +209,7 @@ void Machine::PowerUp()
     cursorShape_ = options_.cursor;
     userKeys_.Clear();
     macros_.Clear();
+    softCharacters_.Clear();
     preferredSet_ = &SupplementalSet();
     attributeExtent_ = ChangeExtent::Stream;
     charset_ = options_.charset;
@@ -353,6 +388,8 @@ void Machine::SwitchAlternate(bool on, Mode how)
 void Machine::Designate(int which, bool wide96, std::string_view designator)
 {
     const CharacterSet* set = FindCharacterSet(designator, wide96, speaks_);
+    if (set == nullptr && Speaks(Dialect::Vt220))
+        set = softCharacters_.Find(designator, wide96);
     if (set == &SupplementalSet())
         set = preferredSet_; // "<" names whatever the user prefers
     if (set == nullptr || (which >= 2 && !Speaks(Dialect::Vt220)))
@@ -383,20 +420,25 @@ void Machine::PreferSet(std::string_view designator, bool wide96)
         preferredSet_ = FindCharacterSet(designator, wide96, speaks_);
 }
 
+char32_t Machine::PointThrough(const CharacterSet& set, uint8_t byte) const
+{
+    if (&set == &UpperHalfSet())
+        return PointOf(byte | 0x80);
+    if (softCharacters_.Owns(set))
+        return softCharacters_.PointFor(set, byte & 0x7F);
+    return set.glyphs[size_t(byte & 0x7F) - 0x20];
+}
+
 char32_t Machine::GraphicFor(uint8_t byte) const
 {
     const CharsetState& sets = screen_.Cursor().charsets;
-    const CharacterSet& set = *sets.g[size_t(byte < 0x80 ? sets.gl : sets.gr)];
-    if (&set == &UpperHalfSet())
-        return PointOf(byte | 0x80);
-    return set.glyphs[size_t(byte & 0x7F) - 0x20];
+    return PointThrough(*sets.g[size_t(byte < 0x80 ? sets.gl : sets.gr)], byte);
 }
 
 void Machine::WriteThrough(const CharacterSet& set, std::span<const uint8_t> run)
 {
-    const bool upper = &set == &UpperHalfSet();
     for (const uint8_t byte : run) {
-        const char32_t point = upper ? PointOf(byte | 0x80) : char32_t(set.glyphs[size_t(byte & 0x7F) - 0x20]);
+        const char32_t point = PointThrough(set, byte);
         screen_.WritePoints({&point, 1});
     }
 }
@@ -432,8 +474,8 @@ void Machine::HighBytes(std::span<const uint8_t> run)
         char32_t point = PointOf(byte);
         if (romFont_ != RomFont::Off)
             point = RomGlyph(byte);
-        else if (byte >= 0xA0 && &set != &UpperHalfSet())
-            point = set.glyphs[size_t(byte - 0xA0)];
+        else if (byte >= 0xA0)
+            point = PointThrough(set, byte);
         screen_.WritePoints({&point, 1});
     }
 }
@@ -481,21 +523,20 @@ LinesTaken Machine::Lines(std::span<const uint8_t> bytes)
 void Machine::Aborted(uint8_t)
 {
     if (Speaks(Dialect::Vt220))
-        screen_.WritePoints({&kErrorCharacter, 1});
+        screen_.WritePoints({&ErrorPoint, 1});
 }
 
-void Machine::Escape(char intermediate, char final)
+void Machine::Escape(std::string_view intermediates, char final)
 {
     for (const Designator& designator : kDesignators)
-        if ((intermediate & 0x7F) == designator.intermediate) {
-            const char name[] = {'%', final};
-            const bool withPercent = intermediate != designator.intermediate;
-            Designate(designator.which, designator.wide96, {withPercent ? name : name + 1, withPercent ? 2u : 1u});
+        if (intermediates.starts_with(designator.intermediate)) {
+            const std::string name = std::string(intermediates.substr(1)).append(1, final);
+            Designate(designator.which, designator.wide96, name);
             return;
         }
-    if (intermediate < 0 || final < 0x30)
+    if (intermediates.size() > 1 || final < 0x30)
         return;
-    if (const uint8_t row = escapes_[EscapeKey(intermediate, final)])
+    if (const uint8_t row = escapes_[EscapeKey(intermediates.empty() ? char(0) : intermediates[0], final)])
         EscapeRows()[row - 1u].run(*this);
 }
 
@@ -523,8 +564,11 @@ ModesView Machine::View() const
     view.applicationKeypad = modes_.Has(Mode::NumericKeypad);
     view.alternateScreen = screen_.IsAlternate();
     view.extended = modes_.Has(Mode::Columns132);
+    view.rowsOfHost = linesOnScreen_ != 0;
     view.reverseScreen = modes_.Has(Mode::ReverseScreen);
-    view.cursorVisible = modes_.Has(Mode::CursorVisible) && screen_.ActivePage() == screen_.ShownPage();
+    const int cursorRow = screen_.ScreenCursor().row - screen_.WindowTop();
+    view.cursorVisible = modes_.Has(Mode::CursorVisible) && screen_.ActivePage() == screen_.ShownPage() &&
+                         cursorRow >= 0 && cursorRow < screen_.WindowRows();
     view.bracketedPaste = modes_.Has(Mode::BracketedPaste);
     view.focusReports = modes_.Has(Mode::FocusReports);
     view.newLine = modes_.Has(Mode::NewLine);

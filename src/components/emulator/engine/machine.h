@@ -7,6 +7,7 @@
 #include "hostmacros.h"
 #include "parser.h"
 #include "screen.h"
+#include "softcharacters.h"
 #include "userkeys.h"
 
 #include <array>
@@ -57,6 +58,7 @@ public:
     void PrintNotice(std::string_view utf8);
     ModesView View() const;
     uint32_t PaletteOverride(int index) const;
+    void SetPaletteColor(int index, uint32_t color) { palette_[size_t(index)] = color; } // 0: the user's own
 
     // --- what the tables work on
     Screen& Display() { return screen_; }
@@ -92,7 +94,8 @@ public:
     void LockingShift(int which) { screen_.Charsets().gl = which; }
     void LockingShiftRight(int which) { screen_.Charsets().gr = which; }
     void SingleShift(int which) { singleShift_ = which; }
-    int PendingShift() const { return singleShift_; }         // -1: none
+    int PendingShift() const { return singleShift_; } // -1: none
+    const SoftCharacters& Soft() const { return softCharacters_; }
     char32_t GraphicFor(uint8_t byte) const;                  // what a graphic byte shows under the present sets
     void PreferSet(std::string_view designator, bool wide96); // DECAUPSS; one that is unknown changes nothing
     const CharacterSet& PreferredSet() const { return *preferredSet_; }
@@ -109,6 +112,8 @@ public:
     CursorShape Shape() const { return cursorShape_; }
     void UpdateRules(); // after a change of type, level, charset or VT52 mode
     void SetColumns132(bool on);
+    void SetLinesPerPage(int lines);  // DECSLPP; 0: as many as are shown
+    void SetLinesOnScreen(int lines); // DECSNLS; 0: as many as the window has room for
     // DECSCPP: the same with nothing cleared. Lines are not wrapped anew for a host: it could ask without end.
     bool FitSize(bool extended, WrappedLines lines = WrappedLines::AsTheyAre, std::span<Position> followed = {});
     StatusKind StatusLine() const { return statusKind_; }
@@ -133,7 +138,7 @@ public:
     void LineEnd() override;
     LinesTaken Lines(std::span<const uint8_t> bytes) override;
     void Aborted(uint8_t by) override;
-    void Escape(char intermediate, char final) override;
+    void Escape(std::string_view intermediates, char final) override;
     void Control(const ControlSequence& sequence) override;
     void String(StringKind kind, std::string_view body) override;
     void Vt52Address(int row, int col) override;
@@ -149,11 +154,14 @@ private:
     void PowerUp();
     void TakeKeyOptions();
     Size ExtendedSize() const;
+    void TakePageFormat(int linesPerPage, int linesOnScreen);
+    int WantedPages() const;
     WrappedLines LinesForUser() const { return options_.reflow ? WrappedLines::WrappedAnew : WrappedLines::AsTheyAre; }
     void FitStatusRows();
     void UpdateIndicator();
     void BuildIndex();
     void Changed(); // tells what one call did
+    char32_t PointThrough(const CharacterSet& set, uint8_t byte) const;
     void WriteThrough(const CharacterSet& set, std::span<const uint8_t> run);
     void DeviceControl(std::string_view body);
     void OperatingSystemCommand(std::string_view body);
@@ -180,6 +188,7 @@ private:
     int singleShift_ = -1;
     UserKeys userKeys_;
     HostMacros macros_;
+    SoftCharacters softCharacters_;
     int macroDepth_ = 0;
     size_t macroBytes_ = 0; // received from macros since the outermost one began
     const CharacterSet* preferredSet_ = &SupplementalSet();
@@ -187,6 +196,8 @@ private:
     RomFont romFont_ = RomFont::Off;
     CursorShape cursorShape_ = CursorShape::BlinkBlock;
     Size normalSize_;
+    int linesPerPage_ = 0; // as the host has set them; 0: it has not
+    int linesOnScreen_ = 0;
     StatusKind statusKind_ = StatusKind::None;
     std::u32string indicator_; // as it stands
     bool printing_ = false;

@@ -24,6 +24,8 @@ void FollowPage(Machine& m, bool on)
         m.Display().ShowActivePage();
 }
 
+void FollowRow(Machine& m, bool) { m.Display().FollowCursor(); }
+
 constexpr ModeRow kModes[] = {
     // number, private, mode, mnemonic, dialects, initially, soft reset, group, what else
     {2, false, Mode::KeyboardAction, "KAM", Common, false, Off, 0, LockKeyboard},
@@ -46,7 +48,7 @@ constexpr ModeRow kModes[] = {
     {19, true, Mode::PrintWholeScreen, "DECPEX", Vt220, true, Keep, 0, nullptr},
     {25, true, Mode::CursorVisible, "DECTCEM", Vt220 | Linux | Ansi | Sco | Extension, true, On, 0, nullptr},
     {42, true, Mode::NationalSets, "DECNRCM", Vt220, false, Off, 0, nullptr},
-    {61, true, Mode::VerticalCoupling, "DECVCCM", Vt420, true, Keep, 0, nullptr},
+    {61, true, Mode::VerticalCoupling, "DECVCCM", Vt420, true, Keep, 0, FollowRow},
     {64, true, Mode::PageCoupling, "DECPCCM", Vt420, true, Keep, 0, FollowPage},
     {66, true, Mode::NumericKeypad, "DECNKM", kDecLevel3, false, Off, 0, nullptr},
     {67, true, Mode::BackspaceSendsBs, "DECBKM", Vt220, false, Keep, 0, nullptr},

@@ -54,6 +54,7 @@ void Screen::GoToPage(int page)
     cursor_.col = std::min(cursor_.col, Columns() - 1);
     if (modes_.Has(Mode::PageCoupling))
         ShowActivePage();
+    KeepInSight();
 }
 
 void Screen::OnPage(int page, const std::function<void()>& act)
@@ -90,6 +91,47 @@ void Screen::ResizeOthers(Size size)
     aside_.cursor.pendingWrap = false;
     aside_.margins.left = 0;
     aside_.margins.right = size.cols;
+}
+
+// --- the part of a page that is shown
+
+void Screen::ShowRows(int rows)
+{
+    windowRows_ = rows < ScreenExtent().rows ? rows : 0;
+    Pan(0);
+    KeepInSight();
+}
+
+void Screen::Pan(int lines)
+{
+    const int before = windowTop_;
+    windowTop_ = std::clamp(windowTop_ + lines, 0, ScreenExtent().rows - WindowRows());
+    historyAdded_ += windowTop_ - before; // what is above the window is where the history begins for those who look
+}
+
+void Screen::FollowCursor()
+{
+    if (onStatus_ || page_ != shownPage_ || !modes_.Has(Mode::VerticalCoupling))
+        return;
+    if (cursor_.row < windowTop_)
+        Pan(cursor_.row - windowTop_);
+    else if (cursor_.row >= windowTop_ + WindowRows())
+        Pan(cursor_.row - WindowRows() + 1 - windowTop_);
+}
+
+void Screen::AppendRows(int rows)
+{
+    if (rows <= ScreenExtent().rows)
+        return;
+    OnScreen([&] {
+        const Size size{ScreenExtent().cols, rows};
+        for (Page* page : {main_.get(), alternate_.get()})
+            page->Resize(size);
+        for (const auto& page : others_)
+            if (page != nullptr)
+                page->Resize(size);
+        ResetMargins();
+    });
 }
 
 // --- the status line

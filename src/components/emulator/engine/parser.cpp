@@ -183,7 +183,7 @@ bool Parser::Anywhere(uint8_t byte)
 {
     if (byte == kEscape) {
         DropString();
-        escapeIntermediate_ = 0;
+        escapeIntermediateCount_ = 0;
         tooManyIntermediates_ = false;
         state_ = State::Escape;
         return true;
@@ -196,7 +196,7 @@ bool Parser::Anywhere(uint8_t byte)
     }
     if (rules_.c1 && IsC1(byte)) {
         DropString();
-        escapeIntermediate_ = 0;
+        escapeIntermediateCount_ = 0;
         tooManyIntermediates_ = false;
         EscapeByte(uint8_t(byte - 0x40));
         return true;
@@ -299,18 +299,19 @@ void Parser::EscapeByte(uint8_t byte)
         if (byte == 'Y')
             state_ = State::Vt52Row;
         else
-            sink_.Escape(0, char(byte));
+            sink_.Escape({}, char(byte));
         return;
     }
     if (IsIntermediate(byte)) {
-        escapeIntermediate_ = char(byte);
+        escapeIntermediates_[0] = char(byte);
+        escapeIntermediateCount_ = 1;
         state_ = State::EscapeIntermediate;
     } else if (byte == '[') {
         StartControl();
     } else if (kStringStarts.find(char(byte)) != std::string_view::npos) {
         StartString(KindOf(byte));
     } else {
-        sink_.Escape(0, char(byte));
+        sink_.Escape({}, char(byte));
     }
 }
 
@@ -329,19 +330,17 @@ void Parser::EscapeIntermediateByte(uint8_t byte)
         EscapeFinal(char(byte));
         return;
     }
-    // ESC ( % 5 is the only form with two: the second is kept as a mark on the final.
-    if (byte == '%' && escapeIntermediate_ != '%' && !tooManyIntermediates_) {
-        escapeIntermediate_ = char(escapeIntermediate_ | char(0x80));
-        return;
-    }
-    tooManyIntermediates_ = true;
+    if (escapeIntermediateCount_ < MaxIntermediates)
+        escapeIntermediates_[escapeIntermediateCount_++] = char(byte);
+    else
+        tooManyIntermediates_ = true;
 }
 
 void Parser::EscapeFinal(char final)
 {
     state_ = State::Ground;
     if (!tooManyIntermediates_ && uint8_t(final) < 0x80)
-        sink_.Escape(escapeIntermediate_, final);
+        sink_.Escape(Intermediates(), final);
 }
 
 Parser::Bytes Parser::Csi(Bytes at, Bytes end)

@@ -7,6 +7,7 @@
 #include "charsets.h"
 #include "runs.h"
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -101,8 +102,9 @@ public:
     }
     // More lines of plain text may follow: what is taken of them is not told otherwise.
     virtual LinesTaken Lines(std::span<const uint8_t> bytes) { return {0, bytes.size()}; }
-    virtual void Aborted(uint8_t by) = 0;                   // CAN or SUB inside a sequence
-    virtual void Escape(char intermediate, char final) = 0; // C1 controls come in this form too
+    virtual void Aborted(uint8_t by) = 0; // CAN or SUB inside a sequence
+    // C1 controls come in this form too. Of intermediates there are at most Parser::MaxIntermediates.
+    virtual void Escape(std::string_view intermediates, char final) = 0;
     virtual void Control(const ControlSequence& sequence) = 0;
     virtual void String(StringKind kind, std::string_view body) = 0; // whole; too long ones never come
     virtual void Vt52Address(int row, int col) = 0;
@@ -122,6 +124,7 @@ class Parser
 {
 public:
     static constexpr size_t MaxOsc = size_t{256} * 1024; // a clipboard fits
+    static constexpr size_t MaxIntermediates = 3;        // of an escape sequence; one with more is passed over
     static constexpr size_t MaxDcs = size_t{16} * 1024;  // the largest macro in hexadecimal
 
     explicit Parser(ParserSink& sink) : sink_(sink) {}
@@ -169,13 +172,15 @@ private:
     void EndString();
     void DropString();
     void EndText();
+    std::string_view Intermediates() const { return {escapeIntermediates_.data(), escapeIntermediateCount_}; }
 
     ParserSink& sink_;
     ParserRules rules_;
     State state_ = State::Ground;
     size_t offerAgain_ = 0; // when so many bytes, or fewer, are left of those being fed
     ControlSequence sequence_;
-    char escapeIntermediate_ = 0;
+    std::array<char, MaxIntermediates> escapeIntermediates_{}; // which set, and up to two of the set's name (ISO 2022)
+    size_t escapeIntermediateCount_ = 0;
     bool tooManyIntermediates_ = false;
     Utf8Decoder decoder_;
     StringKind stringKind_ = StringKind::Ignored;

@@ -35,7 +35,7 @@ public:
             text += char(control);
     }
     void Aborted(uint8_t) override {}
-    void Escape(char, char) override {}
+    void Escape(std::string_view, char) override {}
     void Control(const ControlSequence&) override {}
     void String(StringKind, std::string_view) override {}
     void Vt52Address(int, int) override {}

@@ -89,7 +89,8 @@ const CharacterSet* SetNamed(const Machine& machine, std::string_view name, bool
 {
     if (wide && name == kUpperHalfName)
         return &UpperHalfSet();
-    return FindCharacterSet(name, wide, machine.Speaks());
+    const CharacterSet* builtIn = FindCharacterSet(name, wide, machine.Speaks());
+    return builtIn != nullptr ? builtIn : machine.Soft().FindReported(name, wide);
 }
 
 // Names written one after the other: "BB%5%5".
@@ -99,7 +100,7 @@ std::optional<CharsetState> Charsets(const Machine& machine, int gl, int gr, int
     state.gl = gl;
     state.gr = gr;
     for (size_t i = 0; i < state.g.size(); ++i) {
-        const size_t length = names.starts_with('%') ? 2 : 1;
+        const size_t length = names.starts_with('%') || names.starts_with(' ') ? 2 : 1;
         state.g[i] = SetNamed(machine, names.substr(0, length), ((sizes >> i) & 1) != 0);
         if (state.g[i] == nullptr)
             return std::nullopt;

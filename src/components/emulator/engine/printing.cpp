@@ -48,9 +48,11 @@ void Machine::MediaCopy(int selector, bool isPrivate)
         screen_.SetWatcher(selector == 5 ? this : nullptr);
         TellPrinterState();
         break;
-    case 10:
-        PrintRows(0, rows - 1, modes_.Has(Mode::PrintFormFeed));
+    case 10: { // what is seen
+        const int top = screen_.IsOnStatusLine() ? 0 : screen_.WindowTop();
+        PrintRows(top, std::min(rows, top + screen_.WindowRows()) - 1, modes_.Has(Mode::PrintFormFeed));
         break;
+    }
     case 11:
         PrintAllPages();
         break;

@@ -33,11 +33,11 @@ public:
             Put(point);
     }
     void Execute(uint8_t control) override;
-    void Escape(char intermediate, char final) override
+    void Escape(std::string_view intermediates, char final) override
     {
-        if (intermediate == 0 && (final == 'E' || final == 'F'))
+        if (intermediates.empty() && (final == 'E' || final == 'F'))
             bold_ = final == 'E';
-        else if (intermediate == '-')
+        else if (intermediates == "-")
             underline_ = final == '1';
     }
     void Control(const ControlSequence& sequence) override;

@@ -23,11 +23,13 @@ uint16_t WeightOf(const Style& style)
     return weight;
 }
 
-// The byte that puts a character on the screen; for line drawing that is a letter.
+// The byte that puts a character on the screen; for line drawing, and for what the host has drawn, that is a letter.
 uint16_t CodeOf(char32_t point)
 {
     if (point == 0)
         return U' ';
+    if (IsSoftPoint(point))
+        return uint16_t(point & 0x7F);
     const Glyphs& graphics = SpecialGraphicsSet().glyphs;
     if (point > 0xFF)
         if (const auto* at = std::find(graphics.begin(), graphics.end(), char16_t(point)); at != graphics.end())

@@ -49,7 +49,7 @@ constexpr SettingRow kSettings[] = {
     {"s", Dialect::Vt420, SideMargins},
     {"*x", Dialect::Vt420,
      [](const Machine& m) { return std::string(m.AttributeExtent() == ChangeExtent::Rectangle ? "2" : "1"); }},
-    {"*|", Dialect::Vt420, [](const Machine& m) { return std::to_string(m.Display().ScreenExtent().rows); }},
+    {"*|", Dialect::Vt420, [](const Machine& m) { return std::to_string(m.Display().WindowRows()); }},
     {"$}", Dialect::Vt320, [](const Machine& m) { return std::string(m.Display().IsOnStatusLine() ? "1" : "0"); }},
     {"$~", Dialect::Vt320, [](const Machine& m) { return std::to_string(int(m.StatusLine())); }},
     {"m", Dialect::Vt320, [](const Machine& m) { return m.SgrSetting(); }},

@@ -126,6 +126,7 @@ bool Screen::StartCharacter(int width)
 
 void Screen::Advance(int columns)
 {
+    KeepInSight();
     const int limit = Limit();
     cursor_.col += columns;
     if (cursor_.col < limit)
@@ -198,6 +199,7 @@ void Screen::MoveTo(int row, int col)
     CollapsePendingWrap();
     cursor_.row = std::clamp(row + Top(), Top(), Bottom() - 1);
     cursor_.col = std::clamp(col + Left(), Left(), std::min(Right(), Columns()) - 1);
+    KeepInSight();
 }
 
 void Screen::MoveToRow(int row) { MoveTo(row, ColumnForHost()); }
@@ -224,18 +226,21 @@ void Screen::MoveLeft(int count)
 {
     CollapsePendingWrap();
     cursor_.col = std::max(cursor_.col >= left_ ? left_ : 0, cursor_.col - count);
+    KeepInSight();
 }
 
 void Screen::MoveRight(int count)
 {
     CollapsePendingWrap();
     cursor_.col = std::min(Limit() - 1, cursor_.col + count);
+    KeepInSight();
 }
 
 void Screen::CarriageReturn()
 {
     CollapsePendingWrap();
     cursor_.col = LineStart();
+    KeepInSight();
 }
 
 void Screen::Backspace() { MoveLeft(1); }
@@ -250,6 +255,7 @@ void Screen::Index()
         ++cursor_.row;
     }
     cursor_.col = std::min(cursor_.col, Columns() - 1);
+    KeepInSight();
 }
 
 void Screen::ReverseIndex()
@@ -262,6 +268,7 @@ void Screen::ReverseIndex()
         --cursor_.row;
     }
     cursor_.col = std::min(cursor_.col, Columns() - 1);
+    KeepInSight();
 }
 
 void Screen::LineFeed()
@@ -290,6 +297,7 @@ void Screen::PutCursor(const CursorState& state)
     modes_.Set(Mode::AutoWrap, cursor_.autoWrap);
     cursor_.row = std::clamp(cursor_.row, Top(), Bottom() - 1);
     cursor_.col = std::clamp(cursor_.col, Left(), std::min(Right(), Columns()) - 1);
+    KeepInSight();
 }
 
 CursorState Screen::Fresh() const
@@ -544,6 +552,8 @@ bool Screen::Resize(Size size, WrappedLines lines, std::span<Position> followed)
         OnScreen([&] { reflows = Resize(size, lines, followed); });
         return reflows;
     }
+    for (Position& place : followed)
+        place.row += windowTop_;
     CursorState bottom; // of the first page while the host works on another: nothing but blank rows is cut off
     for (bottom.row = main_->Extent().rows - 1; bottom.row > 0 && main_->IsBlank(bottom.row);)
         --bottom.row;
@@ -565,6 +575,9 @@ bool Screen::Resize(Size size, WrappedLines lines, std::span<Position> followed)
         state->pendingWrap &= reflows && state == &onFirst;
     }
     cursor_.col = std::min(cursor_.col, Columns() - 1);
+    ShowRows(windowRows_);
+    for (Position& place : followed)
+        place.row -= windowTop_;
     return reflows;
 }
 
@@ -609,10 +622,10 @@ void Screen::ResizeRows(Page& page, Size size, CursorState& cursor)
 
 const Row& Screen::RowAt(int row)
 {
-    if (row < 0)
-        return history_.At(history_.Count() + row);
-    const int rows = ScreenExtent().rows;
-    return row < rows ? shownPage_->At(row) : status_->At(row - rows);
+    if (row >= WindowRows())
+        return status_->At(row - WindowRows());
+    const int line = row + windowTop_;
+    return line < 0 ? history_.At(history_.Count() + line) : shownPage_->At(line);
 }
 
 } // namespace kestrune::emu

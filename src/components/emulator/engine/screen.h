@@ -173,6 +173,14 @@ public:
     void GoToPage(int page); // clamped; the cursor keeps its place, and the display follows when it is coupled
     void ShowActivePage();
 
+    // --- the part of a page that is shown, where a host has made pages longer than the screen
+    void ShowRows(int rows); // so many; all of the page when it has no more
+    int WindowTop() const { return windowTop_; }
+    int WindowRows() const { return windowRows_ == 0 ? ScreenExtent().rows : windowRows_; }
+    void Pan(int lines);       // down, or up when negative, as far as the page goes
+    void FollowCursor();       // into sight, unless the host has uncoupled it (DECVCCM)
+    void AppendRows(int rows); // all pages become so long, by blank rows below; nothing where they are
+
     // --- the status line: rows below the screen that have a cursor, margins and a rendition of their own
     void SetStatusRows(int rows); // 0: none; what stands there is lost when the number changes
     int StatusRows() const { return status_ == nullptr ? 0 : status_->Extent().rows; }
@@ -211,9 +219,10 @@ public:
     void SetWatcher(LineWatcher* watcher) { watcher_ = watcher; }
 
     // --- reading
-    Size Extent() const { return page_->Extent(); } // of what the host works on
-    Size ScreenExtent() const { return main_->Extent(); }
-    // As it is shown: negative is the history, rows from the screen's last on are the status line.
+    Size Extent() const { return page_->Extent(); }       // of what the host works on
+    Size ScreenExtent() const { return main_->Extent(); } // of a page
+    // As it is shown: row 0 is the window's first; those above lead to the history, those from its last on are the
+    // status line.
     const Row& RowAt(int row);
     const Row& HostRow(int row) { return P().At(row); } // of what the host works on
     const CursorState& ScreenCursor() const { return onStatus_ ? aside_.cursor : cursor_; }
@@ -271,6 +280,11 @@ private:
     static void ResizeRows(Page& page, Size size, CursorState& cursor);
     void ResizeOthers(Size size);
     Page& MemoryPage(int number);
+    void KeepInSight()
+    {
+        if (windowRows_ != 0)
+            FollowCursor();
+    }
     CursorState& Saved() { return saved_[onStatus_ ? 2 : size_t(isAlternate_)]; }
     CursorState Fresh() const;
 
@@ -295,6 +309,8 @@ private:
     int pageCount_ = 1;
     int active_ = 0;
     int shown_ = 0;
+    int windowTop_ = 0;  // the page's first row that is shown
+    int windowRows_ = 0; // 0: all
     bool isAlternate_ = false;
     bool onStatus_ = false;
     Place aside_; // of the two places, status line and screen, the one where the host does not work

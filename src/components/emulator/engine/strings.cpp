@@ -1,5 +1,5 @@
-// What comes in strings: window title, palette, links, clipboard, setting requests. Colour and clipboard are never
-// read back to the host.
+// What comes in strings: window title, palette, links, clipboard, setting requests. The user's colours and the
+// clipboard are never read back to the host.
 
 #include "machine.h"
 #include "presentation.h"
@@ -126,6 +126,8 @@ void Machine::DeviceControl(std::string_view body)
         return;
     if (Speaks(Dialect::Vt220) && !options_.lockFunctionKeys &&
         userKeys_.Take(body, Speaks(Dialect::Vt420) ? kUserKeySpace420 : kUserKeySpace))
+        return;
+    if (Speaks(Dialect::Vt220) && softCharacters_.Take(body, level_))
         return;
     if (Speaks(Dialect::Vt420) && macroDepth_ == 0) // a macro may define none
         macros_.Take(body);

@@ -44,7 +44,11 @@ uint16_t Terminal::LinkTo(std::string_view target) { return impl_->machine.Displ
 void Terminal::MoveCursor(Position to) { impl_->machine.MoveCursor(to); }
 void Terminal::PrintNotice(std::string_view utf8) { impl_->machine.PrintNotice(utf8); }
 
-Size Terminal::ScreenSize() const { return impl_->machine.Display().ScreenExtent(); }
+Size Terminal::ScreenSize() const
+{
+    const Screen& screen = impl_->machine.Display();
+    return {screen.ScreenExtent().cols, screen.WindowRows()};
+}
 Size Terminal::NormalSize() const { return impl_->machine.NormalSize(); }
 int Terminal::StatusRows() const { return impl_->machine.Display().StatusRows(); }
 int Terminal::PageCount() const { return impl_->machine.Display().PageCount(); }
@@ -52,12 +56,19 @@ int Terminal::Page() const { return impl_->machine.Display().ActivePage(); }
 
 Position Terminal::Cursor() const
 {
-    const CursorState& cursor = impl_->machine.Display().ScreenCursor();
-    return {cursor.col, cursor.row};
+    const Screen& screen = impl_->machine.Display();
+    const CursorState& cursor = screen.ScreenCursor();
+    return {cursor.col, std::clamp(cursor.row - screen.WindowTop(), 0, screen.WindowRows() - 1)};
 }
 
-int Terminal::HistoryCount() const { return impl_->machine.Display().Scrollback().Count(); }
-uint64_t Terminal::HistoryPushed() const { return impl_->machine.Display().Scrollback().Pushed(); }
+int Terminal::HistoryCount() const
+{
+    return impl_->machine.Display().Scrollback().Count() + impl_->machine.Display().WindowTop();
+}
+uint64_t Terminal::HistoryPushed() const
+{
+    return impl_->machine.Display().Scrollback().Pushed() + uint64_t(impl_->machine.Display().WindowTop());
+}
 
 RowView Terminal::Row(int row) const
 {
@@ -75,6 +86,11 @@ std::string_view Terminal::LinkOf(uint16_t link) const { return impl_->machine.D
 uint64_t Terminal::Generation() const { return impl_->machine.Display().Clock(); }
 ModesView Terminal::Modes() const { return impl_->machine.View(); }
 uint32_t Terminal::PaletteOverride(int index) const { return impl_->machine.PaletteOverride(index); }
+const SoftGlyph* Terminal::SoftGlyphOf(char32_t point) const
+{
+    return impl_->machine.Soft().GlyphOf(point, impl_->machine.Switches().Has(Mode::Columns132));
+}
+uint64_t Terminal::SoftGlyphChanges() const { return impl_->machine.Soft().Changes(); }
 const Personality& Terminal::CurrentPersonality() const { return impl_->machine.Type(); }
 
 std::string Terminal::TextOf(int row, int fromCol, int cols) const

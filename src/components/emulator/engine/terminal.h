@@ -7,6 +7,7 @@
 
 #include <emulator/engine/cell.h>
 #include <emulator/engine/keys.h>
+#include <emulator/engine/softglyph.h>
 
 #include <cstdint>
 #include <functional>
@@ -148,7 +149,8 @@ struct ModesView // what drawing and input need to know
     bool applicationCursor = false;
     bool applicationKeypad = false;
     bool alternateScreen = false;
-    bool extended = false; // the screen has the extended size
+    bool extended = false;   // the screen has the extended size
+    bool rowsOfHost = false; // the host has said how many rows it shows (DECSNLS), whatever the window has room for
     bool reverseScreen = false;
     bool cursorVisible = true;
     bool bracketedPaste = false;
@@ -220,13 +222,14 @@ public:
     // stands dim on a line of its own.
     void PrintNotice(std::string_view utf8);
 
-    // --- reading
+    // --- reading. A host can make pages longer than the screen (DECSLPP): row 0 is then the first that is shown, and
+    // those of the page above it are the newest of the history.
     Size ScreenSize() const;
     Size NormalSize() const; // the same, but for the extended size
     int StatusRows() const;  // rows below the screen: Row(ScreenSize().rows) is the first of them
     int PageCount() const;
     int Page() const;         // where the cursor is; another one may be shown
-    Position Cursor() const;  // col == cols - 1 with a wrap pending
+    Position Cursor() const;  // col == cols - 1 with a wrap pending; on the screen, even when it is not seen
     int HistoryCount() const; // rows -HistoryCount() .. -1 exist
     // Lines ever moved to the history, less those that a taller screen took back: HistoryPushed() + row names the
     // same line for as long as it exists, which keeps selections in place.
@@ -239,6 +242,10 @@ public:
     ModesView Modes() const;
     // 0: none; 0x01RRGGBB set by the host. index 0 to 255; 256 foreground, 257 background, 258 cursor.
     uint32_t PaletteOverride(int index) const;
+    // The shape that the host has drawn for a character (IsSoftPoint), valid until the terminal is next changed;
+    // nullptr: none. SoftGlyphChanges goes up when any of them may look different.
+    const SoftGlyph* SoftGlyphOf(char32_t point) const;
+    uint64_t SoftGlyphChanges() const;
     const Personality& CurrentPersonality() const;
     // Text of a stretch of one row, UTF-8, trailing blanks kept; wide characters once.
     std::string TextOf(int row, int fromCol, int cols) const;

@@ -1,5 +1,7 @@
 #include "terminalstate.h"
 
+#include "colortable.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -9,6 +11,7 @@ namespace kestrune::emu::terminalstate {
 namespace {
 
 constexpr std::string_view kTaken = "1$p";
+constexpr std::string_view kColorsTaken = "2$p";
 constexpr size_t kMargins = 4;
 
 struct State
@@ -84,7 +87,9 @@ void Restore(Machine& machine, const State& state)
 
 void Report(Machine& machine, const ControlSequence& sequence)
 {
-    if (sequence.params.At(0) != 1) // 2 asks for a table of colours, which these models have none of
+    if (sequence.params.At(0) == 2)
+        colortable::Report(machine, sequence.params.At(1));
+    if (sequence.params.At(0) != 1)
         return;
     const Screen& screen = machine.Display();
     std::string out = "1$s";
@@ -99,7 +104,13 @@ void Report(Machine& machine, const ControlSequence& sequence)
 
 bool Take(Machine& machine, std::string_view body)
 {
-    if (!machine.Speaks(Dialect::Vt320) || !body.starts_with(kTaken))
+    if (!machine.Speaks(Dialect::Vt320))
+        return false;
+    if (body.starts_with(kColorsTaken)) {
+        colortable::Restore(machine, body.substr(kColorsTaken.size()));
+        return true;
+    }
+    if (!body.starts_with(kTaken))
         return false;
     if (const auto state = Read(machine, body.substr(kTaken.size())))
         Restore(machine, *state);

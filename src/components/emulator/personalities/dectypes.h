@@ -97,9 +97,8 @@ inline constexpr Personality kVt100{
     .vt52Keys = kVt52Keyboard,
 };
 
-// The extensions claimed are those that stand behind them: 1 132 columns, 2 printer port, 6 selective erase,
-// 8 user-defined keys, 9 national sets, 15 technical set, 21 columns that scroll, 28 rectangles. Soft characters (7)
-// are not there.
+// The extensions claimed are those that stand behind them: 1 132 columns, 2 printer port, 6 selective erase, 7 soft
+// characters, 8 user-defined keys, 9 national sets, 15 technical set, 21 columns that scroll, 28 rectangles.
 inline constexpr Personality kVt220 = [] {
     Personality type = kVt100;
     type.number = 8;
@@ -109,7 +108,7 @@ inline constexpr Personality kVt220 = [] {
     type.level = 2;
     type.eightBitControls = true;
     type.backspaceSendsDel = true;
-    type.primaryAttributes = "?62;1;2;6;8;9c";
+    type.primaryAttributes = "?62;1;2;6;7;8;9c";
     type.secondaryAttributes = ">1;10;0c";
     type.keys = kVt220Keyboard;
     return type;
@@ -122,7 +121,7 @@ inline constexpr Personality kVt320 = [] {
     type.hostName = "vt320";
     type.dialects = kSpeaksVt320;
     type.level = 3;
-    type.primaryAttributes = "?63;1;2;6;8;9;15c";
+    type.primaryAttributes = "?63;1;2;6;7;8;9;15c";
     type.secondaryAttributes = ">24;10;0c";
     return type;
 }();
@@ -134,7 +133,7 @@ inline constexpr Personality kVt420 = [] {
     type.hostName = "vt420";
     type.dialects = kSpeaksVt420;
     type.level = 4;
-    type.primaryAttributes = "?64;1;2;6;8;9;15;21;28c";
+    type.primaryAttributes = "?64;1;2;6;7;8;9;15;21;28c";
     type.secondaryAttributes = ">41;10;0c";
     type.tertiaryAttributes = "!|00000000";
     return type;

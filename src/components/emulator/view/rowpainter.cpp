@@ -1,6 +1,7 @@
 #include "rowpainter.h"
 
 #include "boxdrawing.h"
+#include "softdrawing.h"
 
 #include <QGlyphRun>
 #include <QPainterPath>
@@ -206,7 +207,7 @@ void RowPainter::PaintGlyphs(QPainter& painter, const emu::RowView& view, const 
         const bool wide = (cell.flags & emu::Cell::Wide) != 0;
         const Joints joints = arranged_ ? JointsAt(view, col) : Joints{};
         const bool simple = !wide && (cell.text & emu::Cell::ClusterBit) == 0 && !IsDrawnCharacter(cell.text) &&
-                            !joints.before && !joints.after;
+                            !emu::IsSoftPoint(cell.text) && !joints.before && !joints.after;
         const quint32 glyph = simple ? font_.GlyphOf(variant, cell.text) : 0;
         const int left = x + col * font_.CellWidth();
         if (glyph != 0) {
@@ -239,6 +240,10 @@ void RowPainter::PaintOddCell(QPainter& painter, const emu::Cell& cell, Joints j
 {
     if ((cell.text & emu::Cell::ClusterBit) == 0 && IsDrawnCharacter(cell.text)) {
         DrawCharacter(painter, cell.text, where, QColor(color));
+        return;
+    }
+    if (const emu::SoftGlyph* glyph = screen_.SoftGlyphOf(cell.text)) {
+        DrawSoftGlyph(painter, *glyph, where, QColor(color));
         return;
     }
     const QString text = TextOfCell(screen_, cell);

@@ -294,7 +294,8 @@ void ScreenCanvas::Frame()
     if (glide_.Offset() != paintedOffset_)
         host_.update();
     const int rows = LineCount();
-    if (scheme_.Follow(screen) || int(painted_.size()) != rows) {
+    const bool shapesChanged = std::exchange(softGlyphs_, screen.SoftGlyphChanges()) != screen.SoftGlyphChanges();
+    if (scheme_.Follow(screen) || shapesChanged || int(painted_.size()) != rows) {
         Invalidate();
     } else {
         for (int line = 0; line < rows; ++line)

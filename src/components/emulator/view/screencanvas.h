@@ -130,6 +130,7 @@ private:
     double fitted_ = 0; // points for a screen of fixed size; 0: none
     std::vector<PaintedRow> painted_;
     PaintedCursor paintedCursor_;
+    uint64_t softGlyphs_ = 0; // their changes up to the last frame
     int shownBack_ = 0;
     Glide glide_;
     int paintedOffset_ = 0;    // of the glide

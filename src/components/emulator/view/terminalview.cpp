@@ -157,11 +157,12 @@ void TerminalView::ApplyGrid()
     if (!isVisible())
         return; // the size is settled when it is shown
     const QSize room = size() - QSize(kBarWidth, 0);
-    const bool extended = emulator_.ScrMode() == 1;
+    const emu::ModesView modes = emulator_.Screen().Modes();
+    const bool isFixed = modes.extended || modes.rowsOfHost;
     parts_->canvas.FitFont(std::nullopt, room);
     const emu::Size grid = parts_->canvas.FitInto(room);
-    const emu::Size screen = extended ? emulator_.Screen().ScreenSize() : grid;
-    if (extended)
+    const emu::Size screen = isFixed ? emulator_.Screen().ScreenSize() : grid;
+    if (isFixed)
         parts_->canvas.FitFont(screen, room);
     const QSize pixels = parts_->canvas.GridPixels(screen);
     emulator_.Resize(grid.cols, grid.rows, pixels.width(), pixels.height());
