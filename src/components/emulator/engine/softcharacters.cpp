@@ -40,13 +40,6 @@ struct SetSize
 constexpr SetSize kSetSizes[] = {{0, false, 0},  {1, false, 0},  {2, true, 0}, {11, false, 10},
                                  {12, true, 10}, {21, false, 8}, {22, true, 8}};
 
-enum class Erasing : uint8_t // Pe
-{
-    SameWidth,
-    OnlyLoaded,
-    All
-};
-
 // The parameters in their order, -1 where one is missing.
 enum Field : uint8_t
 {
@@ -68,6 +61,13 @@ bool IsSixel(char byte) { return byte >= '?' && byte <= '~'; }
 
 struct SoftCharacters::Request
 {
+    enum class Erasing : uint8_t // Pe
+    {
+        SameWidth,
+        OnlyLoaded,
+        All
+    };
+
     size_t set = 0;
     size_t first = 0; // shape to begin with
     Erasing erasing = Erasing::SameWidth;
@@ -143,7 +143,7 @@ std::optional<SoftCharacters::Request> SoftCharacters::Request::From(std::string
         return std::nullopt;
     request.set = fields[Pfn] == 2 ? 1 : 0; // 0 and 1 are the same one
     request.first = size_t(std::max(fields[Pcn], first));
-    request.erasing = Erasing(std::max(fields[Pe], 0));
+    request.erasing = Request::Erasing(std::max(fields[Pe], 0));
     return request;
 }
 
@@ -173,9 +173,9 @@ void SoftCharacters::Load(const Request& request, std::string_view sixels)
     set.name = request.name;
     set.set.kind = request.wide96 ? CharacterSet::Kind::Set96 : CharacterSet::Kind::Set94;
     Shapes& shapes = set.shapes[request.for132 ? 1 : 0];
-    if (request.erasing == Erasing::All)
+    if (request.erasing == Request::Erasing::All)
         set.shapes = {};
-    else if (request.erasing == Erasing::SameWidth)
+    else if (request.erasing == Request::Erasing::SameWidth)
         shapes.clear();
     shapes.resize(kShapes);
     ++changes_;
