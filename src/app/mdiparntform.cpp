@@ -11,6 +11,7 @@
 #include <sessions/sessionarea.h>
 #include <sessions/sessionmark.h>
 #include <sessions/sessions.h>
+#include <sessions/tools.h>
 
 #include "sessiontabs.h"
 
@@ -22,8 +23,11 @@
 #include <QMdiArea>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QSessionManager>
+
+#include <utility>
 
 namespace kestrune {
 
@@ -50,7 +54,6 @@ void Tile(const QList<frmMdiChild*>& windows, QSize room, bool stacked)
 {
     const auto count = static_cast<int>(windows.size());
     for (int i = 0; i < count; ++i) {
-        windows[i]->showNormal();
         if (stacked)
             windows[i]->setGeometry(0, room.height() * i / count, room.width(), room.height() / count);
         else
@@ -70,6 +73,9 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     area_->setFrameShape(QFrame::NoFrame);
     area_->setBackground(palette().brush(QPalette::Mid));
     area_->setActivationOrder(QMdiArea::ActivationHistoryOrder);
+    // The toolkit's own way is to restore the window that is left: its host would be told of another size at every
+    // switch. Here a maximised window stays so while another is in front; see KeepMaximised.
+    area_->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
     // The page lies over the area: a session window must find its area laid out when it is first shown.
     auto* inside = new QWidget;
     auto* cell = new QGridLayout(inside);
@@ -200,7 +206,8 @@ SessionWindow* frmMdiParent::NewSessionWindow(clsSession&)
         area_->removeSubWindow(child);
         ActiveWindowChanged();
     });
-    connect(child, &QMdiSubWindow::windowStateChanged, this, [this] {
+    connect(child, &QMdiSubWindow::windowStateChanged, this, [this, child] {
+        KeepMaximised(child);
         logic_->RefreshCaption();
         ShowRightPage();
         RefreshSessionBar();
@@ -228,9 +235,33 @@ QList<frmMdiChild*> frmMdiParent::Windows() const
     return windows;
 }
 
+// Maximised is what all windows are together: one that comes to the front takes it over, and when the one in front is
+// restored the others are, too.
+void frmMdiParent::KeepMaximised(frmMdiChild* changed)
+{
+    frmMdiChild* front = ActiveWindow();
+    if (following_ || front == nullptr || changed != front || front->State() == WindowMinimised)
+        return;
+    const bool was = std::exchange(maximised_, front->State() == WindowMaximised);
+    if (!was || maximised_)
+        return;
+    const QScopedValueRollback following(following_, true);
+    for (frmMdiChild* window : Windows())
+        if (window->isVisible() && window->State() == WindowMaximised)
+            window->FollowToNormal();
+}
+
 void frmMdiParent::ActiveWindowChanged()
 {
+    if (following_) // the toolkit hides and shows a window to maximise it, and others are in front meanwhile
+        return;
     frmMdiChild* window = ActiveWindow();
+    if (window != nullptr && maximised_ && window->State() == WindowNormal) {
+        const QScopedValueRollback following(following_, true);
+        window->FollowToMaximised();
+        area_->setActiveSubWindow(window);
+    }
+    KeepMaximised(window);
     for (frmMdiChild* other : Windows())
         other->Mark().SetWatched(other == window);
     bars_->Show(window != nullptr ? &window->Menu() : &menu_);
@@ -290,15 +321,16 @@ void frmMdiParent::Arrange(int style)
 {
     QList<frmMdiChild*> windows;
     for (frmMdiChild* window : Windows())
-        if (window->isVisible() && window->State() != 1)
+        if (window->isVisible() && window->State() != WindowMinimised)
             windows.append(window);
-    if (style == 0) {
-        for (frmMdiChild* window : windows)
-            window->showNormal();
-        area_->cascadeSubWindows();
-    } else {
-        Tile(windows, area_->viewport()->size(), style == 1);
+    if (frmMdiChild* front = ActiveWindow(); front != nullptr && front->State() == WindowMaximised) {
+        const IgnoringEvents notRecorded(*front);
+        front->SetState(WindowNormal); // and so are the others
     }
+    if (style == 0)
+        area_->cascadeSubWindows();
+    else
+        Tile(windows, area_->viewport()->size(), style == 1);
 }
 
 // --- commands and bars

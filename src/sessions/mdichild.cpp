@@ -162,6 +162,20 @@ void frmMdiChild::SetState(int state)
         setWindowState((windowState() & Qt::WindowActive) | WindowStates[size_t(state)]);
 }
 
+void frmMdiChild::FollowToMaximised()
+{
+    const IgnoringEvents notRecorded(*this);
+    SetState(WindowMaximised);
+}
+
+void frmMdiChild::FollowToNormal()
+{
+    const IgnoringEvents notRecorded(*this);
+    setEnabled(false); // the toolkit hides and shows it for the change: it would take the front
+    SetState(WindowNormal);
+    setEnabled(true);
+}
+
 void frmMdiChild::KeepNormalPlace()
 {
     if (isVisible() && State() == WindowNormal && !isShaded())
