@@ -1,8 +1,9 @@
 #include "colortable.h"
 
+#include "fields.h"
+
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -72,23 +73,6 @@ Channels FromHls(const Coordinates& hls)
     return {channel(120), channel(240), channel(0)};
 }
 
-std::optional<int> NumberIn(std::string_view field, int most)
-{
-    int value = 0;
-    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
-    if (error != std::errc() || end != field.data() + field.size() || value < 0 || value > most)
-        return std::nullopt;
-    return value;
-}
-
-std::string_view NextField(std::string_view& text, char separator)
-{
-    const size_t end = text.find(separator);
-    const std::string_view field = text.substr(0, end);
-    text = end == text.npos ? std::string_view() : text.substr(end + 1);
-    return field;
-}
-
 struct Entry
 {
     int index = 0;
@@ -97,18 +81,18 @@ struct Entry
 
 std::optional<Entry> Read(std::string_view text)
 {
-    const auto index = NumberIn(NextField(text, ';'), int(kColors) - 1);
-    const auto space = NumberIn(NextField(text, ';'), kRgb);
+    const auto index = NumberIn(TakeField(text), 0, int(kColors) - 1);
+    const auto space = NumberIn(TakeField(text), kHls, kRgb);
     std::string_view fields[3];
     for (std::string_view& field : fields)
-        field = NextField(text, ';');
-    if (!index || !space || *space < kHls || !text.empty())
+        field = TakeField(text);
+    if (!index || !space || !text.empty())
         return std::nullopt;
     if (fields[0].empty() && fields[1].empty() && fields[2].empty())
         return Entry{*index, 0};
     Coordinates values{};
     for (size_t i = 0; i < values.size(); ++i) {
-        const auto value = NumberIn(fields[i], *space == kHls && i == 0 ? 360 : 100);
+        const auto value = NumberIn(fields[i], 0, *space == kHls && i == 0 ? 360 : 100);
         if (!value)
             return std::nullopt;
         values[i] = *value;
@@ -140,7 +124,7 @@ void Restore(Machine& machine, std::string_view entries)
 {
     std::vector<Entry> table;
     while (!entries.empty() && table.size() < kColors) {
-        const auto entry = Read(NextField(entries, '/'));
+        const auto entry = Read(TakeField(entries, '/'));
         if (!entry)
             return;
         table.push_back(*entry);

@@ -21,11 +21,17 @@ bool Applies(KeyWhen when, const Machine& machine)
     return false;
 }
 
-std::optional<std::string_view> FindKey(const Machine& machine, Key key, uint8_t modifiers)
+std::span<const KeyTable> Keyboard(const Machine& machine)
 {
     const Personality& type = machine.Type();
-    const bool inVt52Mode = machine.IsVt52() && !type.vt52Keys.empty();
-    for (const KeyTable table : inVt52Mode ? type.vt52Keys : type.keys)
+    if (machine.IsVt52() && !type.vt52Keys.empty())
+        return type.vt52Keys;
+    return machine.Level() == 1 && !type.level1Keys.empty() ? type.level1Keys : type.keys;
+}
+
+std::optional<std::string_view> FindKey(const Machine& machine, Key key, uint8_t modifiers)
+{
+    for (const KeyTable table : Keyboard(machine))
         for (const KeyRow& row : table)
             if (row.key == key && row.modifiers == modifiers && Applies(row.when, machine))
                 return row.bytes;

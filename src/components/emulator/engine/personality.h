@@ -74,7 +74,8 @@ struct Personality
     std::string_view tertiaryAttributes = {};  // answer to DA3, inside DCS
     std::string_view vt52Identity = {};        // answer to ESC Z in VT52 mode
     std::span<const KeyTable> keys = {};       // looked through in order
-    std::span<const KeyTable> vt52Keys = {};   // the same in VT52 mode
+    std::span<const KeyTable> level1Keys = {}; // the same where a later model was told to be a VT100; empty: no others
+    std::span<const KeyTable> vt52Keys = {};   // and in VT52 mode
 };
 
 } // namespace kestrune::emu

@@ -1,7 +1,8 @@
 #include "presentation.h"
 
+#include "fields.h"
+
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
 namespace kestrune::emu::presentation {
@@ -29,23 +30,6 @@ std::optional<int> Flags(std::string_view field)
     if (field.size() != 1 || field[0] < kFlagBase || field[0] > 0x7E)
         return std::nullopt;
     return field[0] - kFlagBase;
-}
-
-std::optional<int> Number(std::string_view field, int least, int most)
-{
-    int value = 0;
-    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
-    if (error != std::errc() || end != field.data() + field.size() || value < least || value > most)
-        return std::nullopt;
-    return value;
-}
-
-std::string_view NextField(std::string_view& text, char separator)
-{
-    const size_t end = text.find(separator);
-    const std::string_view field = text.substr(0, end);
-    text = end == text.npos ? std::string_view() : text.substr(end + 1);
-    return field;
 }
 
 bool IsWide(const CharacterSet& set) { return set.kind == CharacterSet::Kind::Set96; }
@@ -114,15 +98,15 @@ void RestoreCursor(Machine& machine, std::string_view body)
     Screen& screen = machine.Display();
     std::string_view fields[9];
     for (std::string_view& field : fields)
-        field = NextField(body, ';');
-    const auto row = Number(fields[0], 1, screen.Extent().rows);
-    const auto col = Number(fields[1], 1, screen.Extent().cols);
-    const auto page = Number(fields[2], 1, screen.PageCount());
+        field = TakeField(body);
+    const auto row = NumberIn(fields[0], 1, screen.Extent().rows);
+    const auto col = NumberIn(fields[1], 1, screen.Extent().cols);
+    const auto page = NumberIn(fields[2], 1, screen.PageCount());
     const auto rendition = Flags(fields[3]);
     const auto attribute = Flags(fields[4]);
     const auto flags = Flags(fields[5]);
-    const auto gl = Number(fields[6], 0, 3);
-    const auto gr = Number(fields[7], 0, 3);
+    const auto gl = NumberIn(fields[6], 0, 3);
+    const auto gr = NumberIn(fields[7], 0, 3);
     const auto sizes = Flags(fields[8]);
     if (!row || !col || !page || !rendition || !attribute || !flags || !gl || !gr || !sizes)
         return;
@@ -151,7 +135,7 @@ void RestoreTabs(Machine& machine, std::string_view body)
 {
     std::vector<int> cols;
     while (!body.empty()) {
-        const auto col = Number(NextField(body, '/'), 1, Params::Limit);
+        const auto col = NumberIn(TakeField(body, '/'), 1, Params::Limit);
         if (!col)
             return;
         cols.push_back(*col - 1);

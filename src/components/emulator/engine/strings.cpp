@@ -1,6 +1,7 @@
 // What comes in strings: window title, palette, links, clipboard, setting requests. The user's colours and the
 // clipboard are never read back to the host.
 
+#include "fields.h"
 #include "machine.h"
 #include "presentation.h"
 #include "terminalstate.h"
@@ -24,14 +25,6 @@ std::optional<int> ToNumber(std::string_view text, int base = 10)
     if (text.empty() || error != std::errc() || end != text.data() + text.size() || value < 0)
         return std::nullopt;
     return value;
-}
-
-std::string_view TakeField(std::string_view& text, char separator = ';')
-{
-    const size_t end = text.find(separator);
-    const std::string_view field = text.substr(0, end);
-    text = end == text.npos ? std::string_view() : text.substr(end + 1);
-    return field;
 }
 
 // One channel of a colour: one to four hexadecimal digits, scaled to eight bits.

@@ -1,5 +1,6 @@
 #include "userkeys.h"
 
+#include "fields.h"
 #include "hexpairs.h"
 
 #include <algorithm>
@@ -24,14 +25,6 @@ constexpr KeyNumber kKeyNumbers[] = {
 constexpr uint8_t kModifiersOf[] = {Modifier::Shift, Modifier::None, Modifier::Shift, Modifier::Alt,
                                     Modifier::Alt | Modifier::Shift};
 
-std::string_view CutAt(std::string_view& text, char separator)
-{
-    const size_t end = text.find(separator);
-    const std::string_view part = text.substr(0, end);
-    text = end == text.npos ? std::string_view() : text.substr(end + 1);
-    return part;
-}
-
 int NumberOr(std::string_view digits, int missing)
 {
     int value = missing;
@@ -48,23 +41,23 @@ bool UserKeys::Take(std::string_view body, size_t space)
         return false;
     std::string_view head = body.substr(0, bar);
     std::string_view pairs = body.substr(bar + 1);
-    const int clearing = NumberOr(CutAt(head, ';'), 0);
-    const int locking = NumberOr(CutAt(head, ';'), 0);
-    const int modifier = NumberOr(CutAt(head, ';'), 0);
+    const int clearing = NumberOr(TakeField(head), 0);
+    const int locking = NumberOr(TakeField(head), 0);
+    const int modifier = NumberOr(TakeField(head), 0);
     if (locked_ || modifier >= int(std::size(kModifiersOf)))
         return true;
     if (clearing == 0)
         Clear();
     bool sound = true;
     while (sound && !pairs.empty())
-        Define(CutAt(pairs, ';'), kModifiersOf[modifier], space, sound);
+        Define(TakeField(pairs), kModifiersOf[modifier], space, sound);
     locked_ = locking == 0;
     return true;
 }
 
 void UserKeys::Define(std::string_view pair, uint8_t modifiers, size_t space, bool& sound)
 {
-    const int number = NumberOr(CutAt(pair, '/'), 0);
+    const int number = NumberOr(TakeField(pair, '/'), 0);
     const std::optional<std::string> bytes = FromHexPairs(pair);
     const auto* row = std::find_if(std::begin(kKeyNumbers), std::end(kKeyNumbers),
                                    [&](const KeyNumber& candidate) { return candidate.number == number; });

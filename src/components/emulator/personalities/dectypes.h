@@ -11,6 +11,7 @@ inline constexpr KeyRow kVt100Keys[] = {
     {Delete, 0, Always, "\x7f"},
     {F11, 0, Always, "\x1b"},
     {F12, 0, Always, "\b"},
+    {F13, 0, Always, "\n"},
 };
 
 // F11 to F20 stand also on Shift with F1 to F10, for keyboards that end at F12.
@@ -111,6 +112,7 @@ inline constexpr Personality kVt220 = [] {
     type.primaryAttributes = "?62;1;2;6;7;8;9c";
     type.secondaryAttributes = ">1;10;0c";
     type.keys = kVt220Keyboard;
+    type.level1Keys = kVt100Keyboard;
     return type;
 }();
 
