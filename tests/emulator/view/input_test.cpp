@@ -83,6 +83,34 @@ TEST(ViewInput, AClickOnTextAnswersByTheMouseTable)
     EXPECT_EQ(bench.Host().TakeSent(), "");
 }
 
+TEST(ViewInput, AKeyThatIsHeldSendsAgainUnlessTheHostForbidsIt)
+{
+    ViewBench bench;
+    const auto hold = [&] {
+        for (const bool again : {false, true, true}) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_A, kNone, u"a"_s, again);
+            QCoreApplication::sendEvent(&bench.view, &press);
+        }
+        return bench.Host().TakeSent();
+    };
+    EXPECT_EQ(hold(), "aaa");
+    bench.HostSays("\x1b[?8l");
+    EXPECT_EQ(hold(), "a");
+    const auto send = [&](QEvent::Type type, quint64 at) {
+        QKeyEvent event(type, Qt::Key_A, kNone, u"a"_s);
+        event.setTimestamp(at);
+        QCoreApplication::sendEvent(&bench.view, &event);
+    };
+    send(QEvent::KeyRelease, 700);
+    send(QEvent::KeyPress, 700); // a repeat that is not marked as one
+    EXPECT_EQ(bench.Host().TakeSent(), "");
+    send(QEvent::KeyRelease, 800);
+    send(QEvent::KeyPress, 850);
+    EXPECT_EQ(bench.Host().TakeSent(), "a");
+    bench.HostSays("\x1b[?8h");
+    EXPECT_EQ(hold(), "aaa");
+}
+
 TEST(ViewInput, ControlAndALetterOfAnotherScriptIsTheLetterInItsPlace)
 {
     ViewBench bench;

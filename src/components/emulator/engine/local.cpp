@@ -118,6 +118,7 @@ void Machine::PrintNotice(std::string_view utf8)
     modes_.Set(Mode::SendReceive, true);
     modes_.Set(Mode::NewLine, false);
     modes_.Set(Mode::KeyboardAction, false);
+    modes_.Set(Mode::AutoRepeat, true);
     romFont_ = RomFont::Off;
     cursorShape_ = options_.cursor;
     charset_ = options_.charset;

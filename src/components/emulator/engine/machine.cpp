@@ -574,6 +574,7 @@ ModesView Machine::View() const
     view.newLine = modes_.Has(Mode::NewLine);
     view.localEcho = !modes_.Has(Mode::SendReceive);
     view.backspaceSendsBs = modes_.Has(Mode::BackspaceSendsBs);
+    view.autoRepeat = modes_.Has(Mode::AutoRepeat);
     view.synchronizedUpdate = modes_.Has(Mode::SynchronizedUpdate);
     view.smoothScroll = modes_.Has(Mode::SmoothScroll);
     view.keyboardLocked = modes_.Has(Mode::KeyboardAction);

@@ -158,6 +158,7 @@ struct ModesView // what drawing and input need to know
     bool newLine = false;            // Enter sends CR LF
     bool localEcho = false;          // SRM reset
     bool backspaceSendsBs = true;    // DECBKM
+    bool autoRepeat = true;          // DECARM: a key that is held down goes on sending
     bool synchronizedUpdate = false; // hold drawing
     bool smoothScroll = false;       // DECSCLM
     bool keyboardLocked = false;

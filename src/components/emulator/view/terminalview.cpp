@@ -2,6 +2,7 @@
 
 #include "droppedtext.h"
 #include "finder.h"
+#include "heldkey.h"
 #include "keymap.h"
 #include "pointerinput.h"
 #include "screencanvas.h"
@@ -77,6 +78,7 @@ public:
     Finder finder;
     ScreenAnnouncer announcer;
     QTimer settle;
+    HeldKey held;
     QElapsedTimer sinceShown;
     QElapsedTimer sinceBell;
 };
@@ -332,6 +334,8 @@ void TerminalView::keyPressEvent(QKeyEvent* event)
     }
     if (RunViewKey(*event, mapped->code))
         return;
+    if (!emulator_.Screen().Modes().autoRepeat && parts_->held.IsRepeat(*event))
+        return;
     emulator_.TypeKey(mapped->press, mapped->code);
 }
 
@@ -339,6 +343,7 @@ void TerminalView::keyReleaseEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Control)
         parts_->pointer.ControlKey(false);
+    parts_->held.Released(*event);
     event->ignore();
 }
 
