@@ -6,6 +6,7 @@
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -96,7 +97,9 @@ frmDialingProperties::frmDialingProperties(DialingForm::Request request, QWidget
     auto* column = new QVBoxLayout(this);
     column->addWidget(what);
     column->addLayout(rows);
-    column->addWidget(sample_);
+    auto* samples = new QGroupBox(tr("From there is dialled"));
+    (new QVBoxLayout(samples))->addWidget(sample_);
+    column->addWidget(samples);
     column->addWidget(trouble_);
     column->addWidget(buttons);
     edits_.front()->setFocus();

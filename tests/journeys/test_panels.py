@@ -110,11 +110,10 @@ class Panels(desktop.Journey):
         for look in LOOKS:
             modem = FarEnd(self.home / "modem", lambda end: None)
             self.addCleanup(modem.unplug)
-            program = self.shown("modem", look, wait=4, Device=4, HostName=modem.link, ConnectTimeout=1)
-            tries = modem.heard.count(b"ATZ")
-            self.assertGreater(tries, 0)
+            program = self.shown("modem", look, wait=13, Device=4, HostName=modem.link)  # three tries of 3 s
+            self.assertEqual(modem.heard.count(b"ATZ"), 3)
             program.key("r")
-            until(lambda: modem.heard.count(b"ATZ") > tries, "another try")
+            until(lambda: modem.heard.count(b"ATZ") > 3, "another try")
             program.kill()
             modem.unplug()
 
