@@ -10,12 +10,19 @@
 #include <cstdio>
 #include <vector>
 
+static void Print(const char* what, std::vector<double>& times)
+{
+    std::sort(times.begin(), times.end());
+    std::printf("%s: median %.1f ms, 95 of 100 within %.1f ms, worst %.1f ms\n", what, times[times.size() / 2],
+                times[times.size() * 95 / 100], times.back());
+}
+
 int main(int argc, char** argv)
 {
     using namespace kestrune;
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    constexpr int sessions = 100, rounds = 3;
+    constexpr int sessions = 100, rounds = 3, steps = 100;
     FormBench bench;
     bench.window->resize(1280, 860);
     std::vector<std::shared_ptr<clsSession>> all;
@@ -31,8 +38,15 @@ int main(int argc, char** argv)
             bench.Settle();
             times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
         }
-    std::sort(times.begin(), times.end());
-    std::printf("switching among %d sessions: median %.1f ms, 95 of 100 within %.1f ms, worst %.1f ms\n", sessions,
-                times[times.size() / 2], times[times.size() * 95 / 100], times.back());
+    Print("switching among 100 sessions", times);
+    times.clear();
+    for (int step = 0; step < steps; ++step) { // as somebody drags the edge of the window
+        QElapsedTimer timer;
+        timer.start();
+        bench.window->resize(1280 - 3 * step, 860 - 2 * step);
+        bench.Settle();
+        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    Print("a step of a resize with 100 sessions", times);
     return 0;
 }

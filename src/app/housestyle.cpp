@@ -15,7 +15,7 @@ namespace kestrune {
 
 namespace {
 
-constexpr double EdgeShare = 0.28, LineShare = 0.16; // of the ink in the ground
+constexpr double EdgeShare = 0.28, LineShare = 0.16, BoxShare = 0.45; // of the ink in the ground
 constexpr double HintShare = 0.6;
 constexpr float LeastHintContrast = 0.25F; // difference in lightness, 0 to 1
 
@@ -52,6 +52,24 @@ void DrawMenuItem(const QProxyStyle& style, const QStyleOptionMenuItem& option, 
         const int middle = item.rect.center().y();
         painter.drawLine(item.rect.left() + margin, middle, item.rect.right() - margin, middle);
     }
+}
+
+// A toolkit style draws edges darker than the ground: on a dark one they are gone.
+void DrawEdge(QStyle::PrimitiveElement element, const QStyleOption& option, QPainter& painter)
+{
+    const QRectF inside = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    const bool isBox = element == QStyle::PE_IndicatorCheckBox, isRadio = element == QStyle::PE_IndicatorRadioButton;
+    if (!isBox && !isRadio && element != QStyle::PE_FrameMenu && element != QStyle::PE_PanelMenu)
+        return;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(Ink(option.palette, isBox || isRadio ? BoxShare : EdgeShare));
+    if (isRadio)
+        painter.drawEllipse(inside);
+    else
+        painter.drawRect(inside);
+    painter.restore();
 }
 
 // --- the three marks of a maximised session window, in the menu bar
@@ -136,11 +154,8 @@ void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
                                const QWidget* widget) const
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if ((element == PE_FrameMenu || element == PE_PanelMenu) &&
-        IsDark(option->palette)) { // else a menu over a dark session has no edge
-        painter->setPen(Ink(option->palette, EdgeShare));
-        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
-    }
+    if (IsDark(option->palette))
+        DrawEdge(element, *option, *painter);
 }
 
 void HouseStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,

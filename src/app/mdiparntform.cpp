@@ -11,6 +11,7 @@
 #include <sessions/sessionarea.h>
 #include <sessions/sessionmark.h>
 #include <sessions/sessions.h>
+#include <sessions/tools.h>
 
 #include "sessiontabs.h"
 
@@ -24,6 +25,8 @@
 #include <QMimeData>
 #include <QScreen>
 #include <QSessionManager>
+
+#include <utility>
 
 namespace kestrune {
 
@@ -70,6 +73,9 @@ frmMdiParent::frmMdiParent(Kestrune& application, Parts parts)
     area_->setFrameShape(QFrame::NoFrame);
     area_->setBackground(palette().brush(QPalette::Mid));
     area_->setActivationOrder(QMdiArea::ActivationHistoryOrder);
+    // The toolkit's own way is to restore the window that is left: its host would be told of another size at every
+    // switch. Here a maximised window stays so while another is in front; see KeepMaximised.
+    area_->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
     // The page lies over the area: a session window must find its area laid out when it is first shown.
     auto* inside = new QWidget;
     auto* cell = new QGridLayout(inside);
@@ -200,7 +206,8 @@ SessionWindow* frmMdiParent::NewSessionWindow(clsSession&)
         area_->removeSubWindow(child);
         ActiveWindowChanged();
     });
-    connect(child, &QMdiSubWindow::windowStateChanged, this, [this] {
+    connect(child, &QMdiSubWindow::windowStateChanged, this, [this, child] {
+        KeepMaximised(child);
         logic_->RefreshCaption();
         ShowRightPage();
         RefreshSessionBar();
@@ -228,9 +235,26 @@ QList<frmMdiChild*> frmMdiParent::Windows() const
     return windows;
 }
 
+// Maximised is what all windows are together: one that comes to the front takes it over, and when the one in front is
+// restored the others are, too.
+void frmMdiParent::KeepMaximised(frmMdiChild* changed)
+{
+    frmMdiChild* front = ActiveWindow();
+    if (front == nullptr || changed != front || front->State() == WindowMinimised)
+        return;
+    const bool was = std::exchange(maximised_, front->State() == WindowMaximised);
+    if (was && !maximised_)
+        for (frmMdiChild* other : Windows())
+            if (other->isVisible() && other->State() == WindowMaximised)
+                other->Follow(WindowNormal);
+}
+
 void frmMdiParent::ActiveWindowChanged()
 {
     frmMdiChild* window = ActiveWindow();
+    if (window != nullptr && maximised_ && window->State() == WindowNormal)
+        window->Follow(WindowMaximised);
+    KeepMaximised(window);
     for (frmMdiChild* other : Windows())
         other->Mark().SetWatched(other == window);
     bars_->Show(window != nullptr ? &window->Menu() : &menu_);

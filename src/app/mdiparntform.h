@@ -101,6 +101,7 @@ private:
     frmMdiChild* ActiveWindow() const;
     QList<frmMdiChild*> Windows() const; // in the order of the sessions
     void ActiveWindowChanged();
+    void KeepMaximised(frmMdiChild* changed);
     void FillSessionBar();
     void ShowRightPage();
     void RunCommand(int id);
@@ -114,6 +115,7 @@ private:
     QMdiArea* area_;
     SessionTabs* tabs_;
     bool closeEnabled_ = true;
+    bool maximised_ = false;  // the window in front is, or was when there was one
     bool barPending_ = false; // the tabs are filled again at the end of the turn
 };
 

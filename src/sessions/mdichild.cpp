@@ -162,6 +162,14 @@ void frmMdiChild::SetState(int state)
         setWindowState((windowState() & Qt::WindowActive) | WindowStates[size_t(state)]);
 }
 
+void frmMdiChild::Follow(int state)
+{
+    const IgnoringEvents notRecorded(*this);    // nobody did this to the window
+    setAttribute(Qt::WA_ShowWithoutActivating); // the toolkit hides and shows it for the change
+    SetState(state);
+    setAttribute(Qt::WA_ShowWithoutActivating, false);
+}
+
 void frmMdiChild::KeepNormalPlace()
 {
     if (isVisible() && State() == WindowNormal && !isShaded())

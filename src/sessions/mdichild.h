@@ -53,6 +53,7 @@ public:
     WindowPlace Place() const override;
     void Move(int left, int top, int width, int height) override;
     void SetState(int state) override;
+    void Follow(int state); // another window's state, as the frame wants it
     int State() const override;
     bool IsVisible() const override { return isVisible(); }
     bool IsEnabled() const override { return isEnabled(); }

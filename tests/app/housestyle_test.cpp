@@ -37,8 +37,16 @@ TEST(HouseStyle, HintsStandOutFromTheirGround)
     }
 }
 
-// The brightest of the pixels that were painted, on a dark desktop.
-int Brightest(const HouseStyle& style, QStyle::State state)
+int Brightest(const QImage& drawn)
+{
+    int brightest = 0;
+    for (int y = 0; y < drawn.height(); ++y)
+        for (int x = 0; x < drawn.width(); ++x)
+            brightest = std::max(brightest, drawn.pixelColor(x, y).lightness());
+    return brightest;
+}
+
+int BrightestOfEntry(const HouseStyle& style, QStyle::State state)
 {
     QStyleOptionMenuItem item;
     item.palette.setColor(QPalette::Highlight, QColor(20, 60, 140));
@@ -56,18 +64,33 @@ int Brightest(const HouseStyle& style, QStyle::State state)
     QPainter painter(&drawn);
     style.drawControl(QStyle::CE_MenuItem, &item, &painter, nullptr);
     painter.end();
-    int brightest = 0;
-    for (int y = 0; y < drawn.height(); ++y)
-        for (int x = 0; x < drawn.width(); ++x)
-            brightest = std::max(brightest, drawn.pixelColor(x, y).lightness());
-    return brightest;
+    return Brightest(drawn);
 }
 
 TEST(HouseStyle, AChosenEntryHasThePictureThatIsMadeForIt)
 {
     const HouseStyle style(QStringLiteral("fusion"));
-    EXPECT_EQ(Brightest(style, QStyle::State_Enabled | QStyle::State_Selected), 255);
-    EXPECT_LT(Brightest(style, QStyle::State_Enabled), 255);
+    EXPECT_EQ(BrightestOfEntry(style, QStyle::State_Enabled | QStyle::State_Selected), 255);
+    EXPECT_LT(BrightestOfEntry(style, QStyle::State_Enabled), 255);
+}
+
+TEST(HouseStyle, AnEmptyBoxHasAnEdgeOnADarkDesktop)
+{
+    const HouseStyle style(QStringLiteral("fusion"));
+    const QColor ground(41, 44, 48);
+    for (const QStyle::PrimitiveElement box : {QStyle::PE_IndicatorCheckBox, QStyle::PE_IndicatorRadioButton}) {
+        QStyleOptionButton option;
+        option.palette = QPalette(ground);
+        option.palette.setColor(QPalette::WindowText, Qt::white);
+        option.rect = QRect(0, 0, 14, 14);
+        option.state = QStyle::State_Enabled | QStyle::State_Off;
+        QImage drawn(option.rect.size(), QImage::Format_RGB32);
+        drawn.fill(ground);
+        QPainter painter(&drawn);
+        style.drawPrimitive(box, &option, &painter, nullptr);
+        painter.end();
+        EXPECT_GT(Brightest(drawn), ground.lightness() + 40) << box;
+    }
 }
 
 } // namespace

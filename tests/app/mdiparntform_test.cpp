@@ -1,5 +1,7 @@
 #include "formbench.h"
 
+#include <sessions/tools.h>
+
 #include <gtest/gtest.h>
 
 #include <QAction>
@@ -99,6 +101,37 @@ public:
     const QWidget* frame = nullptr;
     int moves = 0;
 };
+
+TEST(Frame, WindowsAreMaximisedTogetherAndASwitchLeavesTheirSizeAlone)
+{
+    FormBench bench;
+    const auto a = bench.Open(u"a.orcf"_s), b = bench.Open(u"b.orcf"_s), c = bench.Open(u"c.orcf"_s);
+    const auto states = [&] {
+        bench.Settle();
+        return std::vector{a->WindowState(), b->WindowState(), c->WindowState()};
+    };
+    ASSERT_EQ(states(), (std::vector{WindowMaximised, WindowMaximised, WindowMaximised}));
+    const QSize size = FormBench::WindowOf(*a).size();
+    b->Activate();
+    EXPECT_EQ(states(), (std::vector{WindowMaximised, WindowMaximised, WindowMaximised}));
+    EXPECT_EQ(FormBench::WindowOf(*a).size(), size);
+
+    b->SetWindowState(WindowNormal);
+    EXPECT_EQ(states(), (std::vector{WindowNormal, WindowNormal, WindowNormal})) << "none hides behind a full one";
+    a->Activate();
+    EXPECT_EQ(states(), (std::vector{WindowNormal, WindowNormal, WindowNormal}));
+    a->SetWindowState(WindowMaximised);
+    c->Activate();
+    EXPECT_EQ(states(), (std::vector{WindowMaximised, WindowNormal, WindowMaximised})) << "as they come to the front";
+    c->Delete();
+    bench.Settle();
+    a->Delete();
+    bench.Settle();
+    EXPECT_EQ(b->WindowState(), WindowMaximised) << "the next one takes its place";
+    b->SetWindowState(WindowMinimised);
+    bench.Settle();
+    EXPECT_EQ(b->WindowState(), WindowMinimised);
+}
 
 TEST(Frame, ASwitchOfSessionsMovesNoBar)
 {

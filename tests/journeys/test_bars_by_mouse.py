@@ -1,5 +1,6 @@
 """Bars, panels and tabs as a person handles them: pulled, floated, renamed, closed; and remembered by the next start."""
 
+import pathlib
 import time
 
 import desktop
@@ -56,10 +57,10 @@ VISIBLE_7=True
 
 
 class BarsByMouse(desktop.Journey):
-    def begin(self, *names, **more):
+    def begin(self, *names, host="/bin/cat", **more):
         layout = self.home / "all.orly"
         layout.write_text(f"[Kestrune Main]\r\nChildState=2\r\nFiles={len(names)}\r\n" + "".join(
-            f"[File{i}]\r\nFileName={self.session_file(name + '.orcf', HostName='/bin/cat', CursorType=1).name}\r\n"
+            f"[File{i}]\r\nFileName={self.session_file(name + '.orcf', HostName=host, CursorType=1).name}\r\n"
             f"WindowState=2\r\nActive={i == 1}\r\n" for i, name in enumerate(names, 1)))
         self.program = self.start(layout, **more)
         window = self.program.window()
@@ -178,6 +179,33 @@ class BarsByMouse(desktop.Journey):
         self.assertEqual(self.window_pixels(*caps), off[0])
 
     # --- tabs
+    def test_a_switch_tells_no_host_of_another_size(self):
+        told = self.home / "told"
+        host = self.home / "host.sh"
+        host.write_text(f"#!/bin/bash\ntrap 'echo $$ $(stty size) >>{told}' WINCH\necho $$ >>{told}.all\n"
+                        "while :; do sleep 0.1; done\n")
+        host.chmod(0o755)
+        names = "accounts", "stock", "payroll"
+        self.begin(*names, host=host)
+
+        def news():
+            """What was told since it was asked last, once nothing more comes."""
+            before = None
+            while before != (now := told.read_text() if told.exists() else ""):
+                before = now
+                time.sleep(1)
+            told.unlink(missing_ok=True)
+            return [line.split(maxsplit=1) for line in now.splitlines()]
+        news()
+        for x, name in ((160, "stock"), (260, "payroll"), (60, "accounts"), (160, "stock")):
+            self.at(x, TABS, "click", "1")
+            self.active(name)
+        self.assertEqual(news(), [])
+        self.program.resize(self.program.main, SIZE[0] - 100, SIZE[1] - 60)
+        last = dict(until(news, "all are told of the window's new size"))
+        hosts = pathlib.Path(f"{told}.all").read_text().split()
+        self.assertEqual((sorted(last), len(set(last.values()))), (sorted(hosts), 1), "the same for all")
+
     def test_tabs_are_renamed_moved_and_closed(self):
         self.begin("accounts", "stock", "payroll")
         self.at(60, TABS, "click", "--repeat", "2", "--delay", "60", "1")
