@@ -9,7 +9,6 @@
 
 namespace kestrune {
 
-// NOLINTNEXTLINE(bugprone-macro-parentheses): names
 #define KESTRUNE_SECRET_CALLS(X)                                                                                       \
     X(g_async_initable_new_async)                                                                                      \
     X(g_async_initable_new_finish)                                                                                     \
@@ -53,7 +52,7 @@ using GHandle = std::unique_ptr<T, decltype(&::g_object_unref)>;
 
 struct SecretLibrary
 {
-#define KESTRUNE_SECRET_MEMBER(name) decltype(&::name) name;
+#define KESTRUNE_SECRET_MEMBER(name) decltype(&::name) name; // NOLINT(bugprone-macro-parentheses): names
     KESTRUNE_SECRET_CALLS(KESTRUNE_SECRET_MEMBER)
 #undef KESTRUNE_SECRET_MEMBER
 
