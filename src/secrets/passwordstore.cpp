@@ -105,7 +105,12 @@ PasswordStore::PasswordStore(const SecretLibrary& library)
       service_(library.Own<SecretService>(nullptr)), life_(std::make_shared<int>())
 {
     soon_.setSingleShot(true);
-    soon_.callOnTimeout([this] { Opened({}); });
+    soon_.callOnTimeout([this] {
+        if (IsOpen())
+            Opened({});
+        else
+            Connect();
+    });
 }
 
 PasswordStore::~PasswordStore() = default;
@@ -140,10 +145,8 @@ void PasswordStore::WhenOpen(std::function<void(bool)> then)
     waiting_.push_back(std::move(then));
     if (waiting_.size() > 1)
         return;
-    if (IsOpen())
-        soon_.start(0);
-    else
-        Connect();
+    oldBuses_ = 0;
+    soon_.start(0);
 }
 
 void PasswordStore::Opened(const QString& trouble)
@@ -161,20 +164,35 @@ void PasswordStore::Opened(const QString& trouble)
 void PasswordStore::Connect()
 {
     service_.reset();
-    connection_.reset(); // the last who lets go of one that has ended makes room for another
+    connection_.reset();
     const auto patience = std::make_shared<Patience>(library_);
     library_.g_bus_get(G_BUS_TYPE_SESSION, patience->Get(), &OnAnswer,
                        Await([this, patience](GObject*, GAsyncResult* result) {
                            LibraryError error(library_);
                            connection_ = library_.Own(library_.g_bus_get_finish(result, error.Out()));
-                           if (!connection_ || library_.g_dbus_connection_is_closed(connection_.get()) != FALSE) {
-                               Opened(connection_ ? u"the session bus has ended"_s : error.Text());
+                           if (!connection_) {
+                               Opened(error.Text());
+                               return;
+                           }
+                           if (library_.g_dbus_connection_is_closed(connection_.get()) != FALSE) {
+                               LookAgain();
                                return;
                            }
                            // By default it ends the process with the bus, and all of its sessions.
                            library_.g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
                            OpenService(patience);
                        }));
+}
+
+// The library hands out one connection to all; the one to a bus that has ended goes when the last has let go of it.
+void PasswordStore::LookAgain()
+{
+    constexpr int most = 10;
+    connection_.reset();
+    if (++oldBuses_ < most)
+        soon_.start(std::chrono::milliseconds(20));
+    else
+        Opened(u"the session bus has ended"_s);
 }
 
 // With a session for secrets, whose key both sides agree on.

@@ -47,6 +47,7 @@ private:
     bool IsOpen() const;
     std::string Owner() const;
     void Connect();
+    void LookAgain();
     void OpenService(const std::shared_ptr<Patience>& patience);
     void Opened(const QString& trouble);
     void Unlock(GHandle<SecretItem> item, const Told& then);
@@ -57,6 +58,7 @@ private:
     GHandle<SecretService> service_;
     std::string owner_; // of the service's name when it was opened: another one knows nothing of what was agreed
     std::vector<std::function<void(bool)>> waiting_;
+    int oldBuses_ = 0; // met since somebody waits
     std::shared_ptr<const int> life_;
     QTimer soon_; // goes first, with what it would still do
 };
