@@ -23,6 +23,7 @@
 #include <QMdiArea>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QSessionManager>
 
@@ -53,7 +54,6 @@ void Tile(const QList<frmMdiChild*>& windows, QSize room, bool stacked)
 {
     const auto count = static_cast<int>(windows.size());
     for (int i = 0; i < count; ++i) {
-        windows[i]->showNormal();
         if (stacked)
             windows[i]->setGeometry(0, room.height() * i / count, room.width(), room.height() / count);
         else
@@ -240,20 +240,27 @@ QList<frmMdiChild*> frmMdiParent::Windows() const
 void frmMdiParent::KeepMaximised(frmMdiChild* changed)
 {
     frmMdiChild* front = ActiveWindow();
-    if (front == nullptr || changed != front || front->State() == WindowMinimised)
+    if (following_ || front == nullptr || changed != front || front->State() == WindowMinimised)
         return;
     const bool was = std::exchange(maximised_, front->State() == WindowMaximised);
-    if (was && !maximised_)
-        for (frmMdiChild* other : Windows())
-            if (other->isVisible() && other->State() == WindowMaximised)
-                other->Follow(WindowNormal);
+    if (!was || maximised_)
+        return;
+    const QScopedValueRollback following(following_, true);
+    for (frmMdiChild* window : Windows())
+        if (window->isVisible() && window->State() == WindowMaximised)
+            window->FollowToNormal();
 }
 
 void frmMdiParent::ActiveWindowChanged()
 {
+    if (following_) // the toolkit hides and shows a window to maximise it, and others are in front meanwhile
+        return;
     frmMdiChild* window = ActiveWindow();
-    if (window != nullptr && maximised_ && window->State() == WindowNormal)
-        window->Follow(WindowMaximised);
+    if (window != nullptr && maximised_ && window->State() == WindowNormal) {
+        const QScopedValueRollback following(following_, true);
+        window->FollowToMaximised();
+        area_->setActiveSubWindow(window);
+    }
     KeepMaximised(window);
     for (frmMdiChild* other : Windows())
         other->Mark().SetWatched(other == window);
@@ -314,15 +321,16 @@ void frmMdiParent::Arrange(int style)
 {
     QList<frmMdiChild*> windows;
     for (frmMdiChild* window : Windows())
-        if (window->isVisible() && window->State() != 1)
+        if (window->isVisible() && window->State() != WindowMinimised)
             windows.append(window);
-    if (style == 0) {
-        for (frmMdiChild* window : windows)
-            window->showNormal();
-        area_->cascadeSubWindows();
-    } else {
-        Tile(windows, area_->viewport()->size(), style == 1);
+    if (frmMdiChild* front = ActiveWindow(); front != nullptr && front->State() == WindowMaximised) {
+        const IgnoringEvents notRecorded(*front);
+        front->SetState(WindowNormal); // and so are the others
     }
+    if (style == 0)
+        area_->cascadeSubWindows();
+    else
+        Tile(windows, area_->viewport()->size(), style == 1);
 }
 
 // --- commands and bars

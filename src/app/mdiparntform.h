@@ -115,6 +115,7 @@ private:
     QMdiArea* area_;
     SessionTabs* tabs_;
     bool closeEnabled_ = true;
+    bool following_ = false;  // a window takes over the state of the one in front
     bool maximised_ = false;  // the window in front is, or was when there was one
     bool barPending_ = false; // the tabs are filled again at the end of the turn
 };

@@ -162,12 +162,18 @@ void frmMdiChild::SetState(int state)
         setWindowState((windowState() & Qt::WindowActive) | WindowStates[size_t(state)]);
 }
 
-void frmMdiChild::Follow(int state)
+void frmMdiChild::FollowToMaximised()
 {
-    const IgnoringEvents notRecorded(*this);    // nobody did this to the window
-    setAttribute(Qt::WA_ShowWithoutActivating); // the toolkit hides and shows it for the change
-    SetState(state);
-    setAttribute(Qt::WA_ShowWithoutActivating, false);
+    const IgnoringEvents notRecorded(*this);
+    SetState(WindowMaximised);
+}
+
+void frmMdiChild::FollowToNormal()
+{
+    const IgnoringEvents notRecorded(*this);
+    setEnabled(false); // the toolkit hides and shows it for the change: it would take the front
+    SetState(WindowNormal);
+    setEnabled(true);
 }
 
 void frmMdiChild::KeepNormalPlace()

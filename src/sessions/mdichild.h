@@ -53,7 +53,9 @@ public:
     WindowPlace Place() const override;
     void Move(int left, int top, int width, int height) override;
     void SetState(int state) override;
-    void Follow(int state); // another window's state, as the frame wants it
+    // The state of the window in front is taken over; nobody did it to this one, so it is not recorded.
+    void FollowToMaximised();
+    void FollowToNormal();
     int State() const override;
     bool IsVisible() const override { return isVisible(); }
     bool IsEnabled() const override { return isEnabled(); }

@@ -110,6 +110,7 @@ TEST(Frame, WindowsAreMaximisedTogetherAndASwitchLeavesTheirSizeAlone)
         bench.Settle();
         return std::vector{a->WindowState(), b->WindowState(), c->WindowState()};
     };
+    const auto front = [&] { return bench.window->ActiveChild(); };
     ASSERT_EQ(states(), (std::vector{WindowMaximised, WindowMaximised, WindowMaximised}));
     const QSize size = FormBench::WindowOf(*a).size();
     b->Activate();
@@ -118,11 +119,23 @@ TEST(Frame, WindowsAreMaximisedTogetherAndASwitchLeavesTheirSizeAlone)
 
     b->SetWindowState(WindowNormal);
     EXPECT_EQ(states(), (std::vector{WindowNormal, WindowNormal, WindowNormal})) << "none hides behind a full one";
+    EXPECT_EQ(front(), b->frmSession());
     a->Activate();
     EXPECT_EQ(states(), (std::vector{WindowNormal, WindowNormal, WindowNormal}));
     a->SetWindowState(WindowMaximised);
     c->Activate();
     EXPECT_EQ(states(), (std::vector{WindowMaximised, WindowNormal, WindowMaximised})) << "as they come to the front";
+    EXPECT_EQ(front(), c->frmSession());
+    for (const int style : {0, 1, 2}) {
+        c->SetWindowState(WindowMaximised);
+        bench.window->Arrange(style);
+        EXPECT_EQ(states(), (std::vector{WindowNormal, WindowNormal, WindowNormal}));
+        EXPECT_EQ(front(), c->frmSession()) << "cascaded or tiled";
+    }
+    c->SetWindowState(WindowMaximised);
+    bench.Settle();
+    a->Activate();
+    EXPECT_EQ(states(), (std::vector{WindowMaximised, WindowNormal, WindowMaximised}));
     c->Delete();
     bench.Settle();
     a->Delete();
