@@ -16,7 +16,7 @@ house_layer(dispatch ${_qt_core})
 house_layer(ports dispatch ${_qt_core})
 house_layer(platform dispatch ports ${_qt_core}) # raises Failure, gives the event loop's Clock
 house_layer(printing ports dispatch platform ${_qt_core} Qt6::Gui Qt6::PrintSupport)
-house_layer(secrets ports ${_qt_core} Qt6::DBus)
+house_layer(secrets ports ${_qt_core})
 house_layer(desktop ${_qt_core} Qt6::Gui Qt6::DBus)
 house_layer(media ports dispatch ${_qt_core} Qt6::Gui)
 house_layer(support_core ports dispatch platform ${_qt_core})
@@ -39,6 +39,7 @@ house_layer(help_core ${_qt_core})
 house_layer(help_ui help_core ${_qt_ui})
 
 # --- the shell
+house_layer(connect_ui ports ${_qt_ui})
 set(_below ports dispatch platform support_core textfile ${_qt_core})
 house_layer(settings ${_below})
 house_layer(sessions_core settings emulator_control menubar_core ${_below})

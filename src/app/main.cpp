@@ -10,6 +10,7 @@
 #include <app/shutdown.h>
 #include <app/splash.h>
 #include <comm/commlibrary.h>
+#include <connect/dialingdialog.h>
 #include <desktop/darkchoice.h>
 #include <desktop/darkpalette.h>
 #include <emulator/control/ctlemulator.h>
@@ -105,11 +106,11 @@ public:
     Program(const CommandLine& commandLine, bool startedByPlatform)
         : currentUser_(CurrentUserHive(files_, system_)), localMachine_(LocalMachineHive(files_, system_)),
           layer_(PathStyle::Native(), files_, system_, *currentUser_, *localMachine_),
-          ask_(!startedByPlatform, [this] { return MainWidget(); }),
+          ask_(!startedByPlatform, [this] { return MainWidget(); }), dialing_(ask_, [this] { return MainWidget(); }),
           lines_(
               clock_,
               layer_.profile.ProfileGetString(u"CommLibExt"_s, u"6Device"_s, {}, InstallationIniFile(layer_.folders)),
-              system_.ConfigFolder(), layer_.folders.ProgramDir),
+              system_.ConfigFolder(), layer_.folders.ProgramDir, &dialing_),
           printing_(clock_, layer_.folders.DocumentsDir), splash_(SplashChoice()),
           wizard_(lines_, ask_, [this](const QString& line) { main_.ShowNotice(line); }),
           welcome_([this](const QString& line) { main_.ShowNotice(line); }), settingsDialog_(ask_),
@@ -232,6 +233,7 @@ private:
     std::unique_ptr<Hive> localMachine_;
     SettingsLayer layer_;
     QtQuestions ask_;
+    DialingDialog dialing_;
     CommLibrary lines_;
     SystemClipboard clipboard_;
     NativeTextFiles texts_{files_};

@@ -1,23 +1,24 @@
 #pragma once
 
-// The desktop's secret service (org.freedesktop.secrets, the Secret Service API of freedesktop.org) as a keeper of
-// passwords. The bus is looked for when the first one is needed, not at the start. Without a bus or a service nothing
-// can be kept, and Find says so.
+// The desktop's password store (the Secret Service API of freedesktop.org, as libsecret speaks it) as a keeper of
+// passwords. They cross the bus encrypted; a store that does not take them so gets none. Bus and store are looked for
+// when the first password is needed, not at the start. Without them nothing can be kept: Find says so, and the log why.
 
 #include <ports/secretkeeper.h>
 
-#include <QDBusConnection>
+#include <QObject>
 
 #include <functional>
 #include <memory>
 
 namespace kestrune {
 
+class PasswordStore;
+
 class DesktopSecrets final : public SecretKeeper
 {
 public:
-    using Bus = std::function<QDBusConnection()>;
-    explicit DesktopSecrets(Bus bus = &QDBusConnection::sessionBus);
+    DesktopSecrets();
     ~DesktopSecrets() override; // what is under way is forgotten
 
     void Find(const QString& place, std::function<void(Found)> then) override;
@@ -25,11 +26,11 @@ public:
     void Forget(const QString& place) override;
 
 private:
-    class Service;
-    Service& Open();
+    // Null, told from the event loop: there is no store.
+    void WithStore(std::function<void(PasswordStore*)> then);
 
-    Bus bus_;
-    std::unique_ptr<Service> service_;
+    std::unique_ptr<PasswordStore> store_; // once there is a bus
+    QObject life_;
 };
 
 } // namespace kestrune

@@ -15,9 +15,29 @@ struct ErrorAdvice
 {
     quint16 number;
     const char* text;
+    Device device = Device::None; // none: every one that has no row of its own further up
 };
 
-constexpr std::array kErrorAdvice{
+const char* const kNoPort = QT_TRANSLATE_NOOP(
+    "LineErrorHelp", "Check the port in the session's settings, and whether its adapter is plugged in.");
+const char* const kPortRefused =
+    QT_TRANSLATE_NOOP("LineErrorHelp", "Another program has the port, or your account may not use it: accounts in the "
+                                       "group \"dialout\" mostly may.");
+
+const std::array kErrorAdvice{
+    ErrorAdvice{LineErrorNumber::NoSuchFile, kNoPort, Device::SerialPort},
+    ErrorAdvice{LineErrorNumber::NoSuchFile, kNoPort, Device::Modem},
+    ErrorAdvice{LineErrorNumber::AccessDenied, kPortRefused, Device::SerialPort},
+    ErrorAdvice{LineErrorNumber::AccessDenied, kPortRefused, Device::Modem},
+    ErrorAdvice{LineErrorNumber::TimedOut,
+                QT_TRANSLATE_NOOP("LineErrorHelp",
+                                  "Is the modem switched on, and at this port? Check speed and frame in the session's "
+                                  "settings or in modems.ini, and whether it takes the commands that stand there."),
+                Device::Modem},
+    ErrorAdvice{LineErrorNumber::NoSuchFile,
+                QT_TRANSLATE_NOOP("LineErrorHelp",
+                                  "Check the name of the file with the client certificate in the session's settings."),
+                Device::SslTelnet},
     ErrorAdvice{LineErrorNumber::NoSuchFile,
                 QT_TRANSLATE_NOOP("LineErrorHelp", "Check the name of the program in the session's settings.")},
     ErrorAdvice{LineErrorNumber::AccessDenied,
@@ -58,7 +78,11 @@ QString LineErrorHelp(quint32 word)
 {
     if (word == 0)
         return {};
-    const auto row = std::ranges::find(kErrorAdvice, static_cast<quint16>(word), &ErrorAdvice::number);
+    const auto device = static_cast<Device>(word >> 16);
+    const auto row = std::ranges::find_if(kErrorAdvice, [word, device](const ErrorAdvice& advice) {
+        return advice.number == static_cast<quint16>(word) &&
+               (advice.device == Device::None || advice.device == device);
+    });
     const char* text = row == kErrorAdvice.end()
                            ? QT_TRANSLATE_NOOP("LineErrorHelp", "There is no advice for this error.")
                            : row->text;

@@ -100,7 +100,9 @@ void LineTrouble::ConfirmHostKey(QString text)
     replaceFirst(u" Yes "_s, tr("Update"));
     replaceFirst(u" No "_s, tr("Continue"));
     window_.Panels().ShowConfirm(text);
-    AttractUser();
+    if (IsActive()) // also behind another program's window: who comes back answers this first
+        window_.Panels().TakeFocus();
+    application_.Ask().Beep();
 }
 
 void LineTrouble::AskForSecrets(const LineQuestion& question)

@@ -23,7 +23,7 @@ namespace {
 
 constexpr int PanelWidth = 560; // at most, in pixels: two lines of a fingerprint's length
 constexpr int PanelMargin = 16; // to the window's edge and inside
-constexpr int ButtonGap = 10;   // 150 twips
+constexpr int ButtonGap = 10;   // 150 twips, above the buttons and below
 
 // The style's own frame cannot be told from a dark terminal.
 class PanelFrame final : public QFrame
@@ -78,7 +78,7 @@ SessionPanels::Panel SessionPanels::MakePanel(const QString& name, const QString
     panel.buttons = new QHBoxLayout;
     panel.buttons->addStretch();
     auto* column = new QVBoxLayout(panel.frame);
-    column->setContentsMargins(PanelMargin, PanelMargin, PanelMargin, PanelMargin);
+    column->setContentsMargins(PanelMargin, PanelMargin, PanelMargin, ButtonGap);
     column->setSpacing(ButtonGap);
     column->addWidget(panel.text);
     column->addLayout(panel.buttons);
@@ -113,6 +113,11 @@ void SessionPanels::BuildSecrets()
     remember_->setObjectName(u"chkRemember"_s);
     remember_->hide();
     column->insertWidget(3, remember_);
+    noStore_ = new QLabel(tr("This desktop has no password store, so it is asked for each time."), secrets_.frame);
+    noStore_->setObjectName(u"lbNoStore"_s);
+    noStore_->setWordWrap(true);
+    noStore_->hide();
+    column->insertWidget(4, noStore_);
     auto* submit = new QPushButton(tr("&Log in"), secrets_.frame);
     submit->setObjectName(u"cmdSecretsOK"_s);
     submit->setAutoDefault(true);
@@ -143,6 +148,8 @@ void SessionPanels::ShowSecrets(const LineQuestion& question, bool mayKeep)
     secrets_.text->setVisible(!question.text.isEmpty());
     remember_->setChecked(false);
     remember_->setVisible(mayKeep);
+    const bool isLasting = question.fields.size() == 1 && question.fields[0].mayBeRemembered;
+    noStore_->setVisible(isLasting && !question.place.isEmpty() && !mayKeep);
     for (const LineQuestion::Field& field : question.fields) {
         auto* edit = new QLineEdit(secrets_.frame);
         edit->setEchoMode(field.echo ? QLineEdit::Normal : QLineEdit::Password);

@@ -73,6 +73,7 @@ private:
     QLabel* secretsTitle_ = nullptr;
     QFormLayout* fields_ = nullptr;
     QCheckBox* remember_ = nullptr;
+    QLabel* noStore_ = nullptr; // in its place where nothing can be kept
     std::vector<QLineEdit*> edits_;
 };
 

@@ -36,7 +36,8 @@ protected:
     QByteArray Script() const
     {
         return "#!/bin/sh\nexport KESTRUNE_REBIND_DIR=" + folder_.path().toUtf8() +
-               "\necho welcome\nexport PS1='$ ' ENV=\n" REBIND_PROGRAM " --login -- /bin/sh && exit\nexec /bin/sh\n";
+               "\necho welcome\nexport PS1='$ ' ENV=\n" REBIND_PROGRAM
+               " --login --keep 5 -- /bin/sh && exit\nexec /bin/sh\n";
     }
     static LineOptions Options(const TelnetServer& server, std::shared_ptr<LineResume> from = {})
     {

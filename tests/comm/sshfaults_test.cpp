@@ -53,22 +53,59 @@ TEST(SshFaults, AHostThatSaysNothingIsGivenUpInTime)
     EXPECT_TRUE(rig.Until([&] { return host.caller->state() == QAbstractSocket::UnconnectedState; }));
 }
 
+// Lines before the version are allowed (RFC 4253 4.2); these never come to it.
 TEST(SshFaults, AnEndlessGreetingIsNotTaken)
+{
+    struct Case
+    {
+        QByteArray piece;
+        QString told;
+    };
+    QByteArray lines;
+    while (lines.size() < 65536)
+        lines += "Welcome, welcome!\r\n";
+    for (const Case& c : {Case{QByteArray(65536, 'x'), u"Unable to connect to 127.0.0.1"_s},
+                          Case{lines, u"Unable to connect to 127.0.0.1: the host talks without end"_s},
+                          Case{QByteArray(65536, '\n'), u"Unable to connect to 127.0.0.1: the host talks without"_s}}) {
+        OddHost host;
+        LineRig rig(host.Options());
+        ASSERT_TRUE(rig.Opened().Until([&] { return host.caller != nullptr; }));
+        qint64 written = 0;
+        QObject::connect(host.caller, &QIODevice::bytesWritten, [&] {
+            if (written < 100'000'000 && host.caller->bytesToWrite() < c.piece.size())
+                written += host.caller->write(c.piece);
+        });
+        host.caller->write(c.piece);
+        ASSERT_TRUE(rig.UntilClosed());
+        EXPECT_LT(written, 20'000'000);
+        ASSERT_EQ(rig.errors.size(), 1);
+        EXPECT_TRUE(rig.errors[0].startsWith(c.told)) << rig.errors[0].toStdString();
+    }
+}
+
+TEST(SshFaults, AGreetingOfSomeLinesIsPassedOver)
 {
     OddHost host;
     LineRig rig(host.Options());
     ASSERT_TRUE(rig.Opened().Until([&] { return host.caller != nullptr; }));
-    const QByteArray piece(65536, 'x');
-    qint64 written = 0;
-    QObject::connect(host.caller, &QIODevice::bytesWritten, [&] {
-        if (written < 100'000'000 && host.caller->bytesToWrite() < piece.size())
-            written += host.caller->write(piece);
-    });
-    host.caller->write(piece);
+    for (int line = 0; line < 200; ++line)
+        host.caller->write("Authorised use only, and so on for two hundred lines.\r\n");
+    host.caller->write("SSH-2.0-odd\r\n");
+    QByteArray heard;
+    EXPECT_TRUE(rig.Until([&] { return (heard += host.caller->readAll()).contains("curve25519"); }))
+        << "it goes on with the key exchange";
+    EXPECT_EQ(rig.errors, QStringList());
+}
+
+TEST(SshFaults, AHostOfVersionOneIsToldAsSuch)
+{
+    OddHost host;
+    LineRig rig(host.Options());
+    ASSERT_TRUE(rig.Opened().Until([&] { return host.caller != nullptr; }));
+    host.caller->write("SSH-1.5-old\r\n");
     ASSERT_TRUE(rig.UntilClosed());
-    EXPECT_LT(written, 20'000'000);
-    EXPECT_EQ(rig.errors.size(), 1);
-    EXPECT_TRUE(rig.errors[0].startsWith(u"Unable to connect to 127.0.0.1"_s)) << rig.errors[0].toStdString();
+    EXPECT_EQ(rig.errorWord, LineErrorWord(Device::Ssh, LineErrorNumber::ProtocolNotSupported));
+    EXPECT_TRUE(rig.errors.join(u' ').contains(u"only version 1 of SSH"_s)) << rig.errors.join(u' ').toStdString();
 }
 
 TEST(SshFaults, HostsThatAreNotThereOrSomethingElseAreTold)

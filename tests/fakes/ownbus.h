@@ -75,10 +75,16 @@ public:
         environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address_);
         return environment;
     }
+    QByteArray Address() const { return address_.toUtf8(); }
     QDBusConnection Connection()
     {
         names_ << u"test%1"_s.arg(++counter);
         return QDBusConnection::connectToBus(address_, names_.back());
+    }
+    void End()
+    {
+        daemon_.kill();
+        daemon_.waitForFinished();
     }
     bool Has(const QString& service) { return Connection().interface()->isServiceRegistered(service); }
 

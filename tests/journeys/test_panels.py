@@ -8,6 +8,7 @@ import time
 
 import desktop
 from desktop import until
+from test_serial import FarEnd
 
 USER = "tkey" if os.getuid() == 0 else os.environ["USER"]
 OTHER_KEY = "AAAAC3NzaC1lZDI1NTE5AAAAIAABAgMEBQYHCAkKCwwNDg8QERITFBUWFxgZGhscHR4f"
@@ -49,7 +50,7 @@ class Panels(desktop.Journey):
                 return probe.connect_ex(("127.0.0.1", port)) == 0
         until(listening, command[0])
 
-    def shown(self, name, look, known="", **session):
+    def shown(self, name, look, known="", wait=1.5, **session):
         """The program with this panel up, pictured."""
         theme, scale = look
         home = self.home / f"{name}-{theme}-{scale}"
@@ -62,7 +63,7 @@ class Panels(desktop.Journey):
             extra.update(XDG_CURRENT_DESKTOP="KDE", KDE_SESSION_VERSION="5")
         program = self.start(self.session_file("host.orcf", **session), home=home, extra_env=extra)
         program.window()
-        time.sleep(1.5)
+        time.sleep(wait)
         self.desktop.picture(f"panel-{name}-{theme}-{scale}")
         return program
 
@@ -104,6 +105,17 @@ class Panels(desktop.Journey):
             program.key("c")
             until(lambda: "host" not in program.title(program.main), "the session is closed")
             program.kill()
+
+    def test_a_modem_that_does_not_answer_is_told_and_tried_again(self):
+        for look in LOOKS:
+            modem = FarEnd(self.home / "modem", lambda end: None)
+            self.addCleanup(modem.unplug)
+            program = self.shown("modem", look, wait=13, Device=4, HostName=modem.link)  # three tries of 3 s
+            self.assertEqual(modem.heard.count(b"ATZ"), 3)
+            program.key("r")
+            until(lambda: modem.heard.count(b"ATZ") > 3, "another try")
+            program.kill()
+            modem.unplug()
 
 
 if __name__ == "__main__":

@@ -59,7 +59,7 @@ class Resume(desktop.Journey):
         self.kept.parent.mkdir()
         self.kept.parent.chmod(0o777)  # the host's user makes their own folder there
         return (f"mkdir -p -m 700 {self.kept}; export PS1='$ ' KESTRUNE_REBIND_DIR={self.kept}\n"
-                f"[ -n \"$KESTRUNE_REBIND\" ] || {{ {REBIND} --login -- /bin/bash --norc && exit; }}\n")
+                f"[ -n \"$KESTRUNE_REBIND\" ] || {{ {REBIND} --login --keep 5 -- /bin/bash --norc && exit; }}\n")
 
     def work_cut_and_resume(self, name, session):
         cable = self.lay_cable()

@@ -26,7 +26,7 @@ protected:
 
     static std::vector<std::string> Running(std::vector<std::string> command)
     {
-        std::vector<std::string> words{REBIND_PROGRAM, "--login", "--buffer", "64", "--"};
+        std::vector<std::string> words{REBIND_PROGRAM, "--login", "--keep", "5", "--buffer", "64", "--"};
         words.insert(words.end(), command.begin(), command.end());
         return words;
     }
@@ -36,8 +36,8 @@ protected:
 
 void Stream(long bytes, int cuts, bool sevenBit)
 {
-    const auto command =
-        std::vector<std::string>{REBIND_PROGRAM, "--login", "--buffer", "64", "--", FAR_END, std::to_string(bytes)};
+    const auto command = std::vector<std::string>{
+        REBIND_PROGRAM, "--login", "--keep", "5", "--buffer", "64", "--", FAR_END, std::to_string(bytes)};
     Noise chance(42), theirs(1), mine(2);
     std::unique_ptr<RebindTicket> ticket;
     long toSend = bytes;
@@ -140,8 +140,9 @@ TEST_F(Rebind, AnyOtherTerminalGoesOnAsEver)
         }
         void RebindAnswered() override { ADD_FAILURE(); }
     };
-    Other login({"/bin/sh", "-c", std::string(REBIND_PROGRAM) + " --login; echo code $?; read word; echo \"<$word>\""},
-                nullptr);
+    Other login(
+        {"/bin/sh", "-c", std::string(REBIND_PROGRAM) + " --login --keep 5; echo code $?; read word; echo \"<$word>\""},
+        nullptr);
     login.terminal.GiveUp();
     ASSERT_TRUE(login.TurnUntil([&] { return login.screen.find("code 125") != std::string::npos; })) << login.screen;
     login.terminal.FromUser("more\r");

@@ -150,6 +150,34 @@ TEST(LineTrouble, ButtonsOfTheReconnectPanel)
     EXPECT_EQ(bench.commands.actions, QStringList{u"[#104]"_s});
 }
 
+TEST(LineTrouble, InfoAdvisesForTheDeviceThatFailed)
+{
+    struct Case
+    {
+        Device device;
+        quint32 word;
+        QString advice;
+    };
+    for (const Case& c :
+         {Case{Device::Extension, 0x60002, u"name of the program"_s},
+          Case{Device::SerialPort, 0x10002, u"plugged in"_s}, Case{Device::Modem, 0x4271D, u"dialout"_s},
+          Case{Device::Modem, 0x4274C, u"modem switched on"_s}, Case{Device::Ssh, 0x5274C, u"firewall"_s},
+          Case{Device::SslTelnet, 0x70002, u"certificate"_s}, Case{Device::Ssh, 0x5FFFF, u"no advice"_s}}) {
+        TroubleBench bench(c.device);
+        bench.Lose(c.word);
+        bench.window->logic->PanelPressed(LineButton::Info);
+        EXPECT_TRUE(bench.Panels().help.contains(c.advice)) << bench.Panels().help.toStdString();
+    }
+}
+
+TEST(LineTrouble, AHostKeyQuestionTakesTheFocusBehindOtherProgramsToo)
+{
+    TroubleBench bench(Device::Ssh);
+    bench.foreground = false;
+    bench.lines.Current().Ask({.id = 1, .kind = LineQuestion::Kind::UnknownHost, .title = {}, .text = u"Is it?"_s});
+    EXPECT_EQ(bench.Panels().focused, 1);
+}
+
 TEST(LineTrouble, HostKeyQuestionAndItsThreeAnswers)
 {
     struct Case

@@ -1,5 +1,6 @@
 #include <comm/commlibrary.h>
 
+#include "dialingproperties.h"
 #include "localshell.h"
 #include "resumableline.h"
 #include "sshline.h"
@@ -56,9 +57,10 @@ const DeviceRow* RowOf(Device device)
 
 } // namespace
 
-CommLibrary::CommLibrary(Clock& clock, const QString& extensionName, QString userFolder, QString programFolder)
+CommLibrary::CommLibrary(Clock& clock, const QString& extensionName, QString userFolder, QString programFolder,
+                         DialingForm* dialingForm)
     : clock_(clock), hasExtension_(!extensionName.trimmed().isEmpty()), userFolder_(std::move(userFolder)),
-      programFolder_(std::move(programFolder))
+      programFolder_(std::move(programFolder)), dialingForm_(dialingForm)
 {}
 
 bool CommLibrary::Exists(Device device) const
@@ -95,23 +97,26 @@ void CommLibrary::ORCommID(int device, int& length, QString& text) const
     length = static_cast<int>(text.size());
 }
 
-int CommLibrary::ORCommList(int kind, int, QString& list) const
+int CommLibrary::ORCommList(int kind, int, QString& list, int length) const
 {
     using namespace Qt::StringLiterals;
-    list.clear();
-    int count = 0;
+    QStringList names;
     if (static_cast<Device>(kind) == Device::SerialPort)
         for (const int number : SerialPortNumbers()) {
             const QString device = QString::fromStdString(SerialPortPath(number)).section(u'/', -1);
-            list += QCoreApplication::translate("CommLibrary", "Port %1: %2").arg(number).arg(device) + QChar(0);
-            ++count;
+            names += QCoreApplication::translate("CommLibrary", "Port %1: %2").arg(number).arg(device);
         }
     if (static_cast<Device>(kind) == Device::Modem)
-        for (const QString& name : comm::ModemCatalog(programFolder_, userFolder_).Names()) {
+        names = comm::ModemCatalog(programFolder_, userFolder_).Names();
+    list.clear();
+    int count = 0;
+    for (const QString& name : names)
+        if (list.size() + name.size() + 2 <= length) { // the NUL that ends it, and the list's
             list += name + QChar(0);
             ++count;
         }
     list += QString(count == 0 ? 2 : 1, QChar(0));
+    list.truncate(std::max(length, 0));
     return count;
 }
 
@@ -123,7 +128,10 @@ int CommLibrary::ORDialLocationInfo(int what, QString& text, int length) const
     return static_cast<int>(text.size());
 }
 
-bool CommLibrary::ORDialingProperties(quintptr) const { return false; }
+bool CommLibrary::ORDialingProperties(quintptr window) const
+{
+    return dialingForm_ && comm::ShowDialingProperties(*dialingForm_, window, userFolder_);
+}
 
 int CommLibrary::ORTranslateNumber(const QString& canonical, int, QString& dialable, QString& displayed,
                                    int length) const

@@ -12,6 +12,7 @@
 // All calls are on the user-interface thread. Clock and listeners outlive the lines; the library itself need not.
 
 #include <ports/clock.h>
+#include <ports/dialingform.h>
 #include <ports/line.h>
 #include <ports/secret.h>
 
@@ -27,8 +28,9 @@ class CommLibrary : public LineFactory
 public:
     // extensionName: what the installation says about extension device 6; empty: there is no device 6.
     // userFolder: holds authorities.pem and known_certificates, modems.ini and dialing.ini; empty: no certificate is
-    // remembered. programFolder: holds the installation's modems.ini.
-    CommLibrary(Clock& clock, const QString& extensionName, QString userFolder = {}, QString programFolder = {});
+    // remembered. programFolder: holds the installation's modems.ini. dialingForm: outlives the library; null: none.
+    CommLibrary(Clock& clock, const QString& extensionName, QString userFolder = {}, QString programFolder = {},
+                DialingForm* dialingForm = nullptr);
 
     bool Exists(Device device) const override;
     QString Name(Device device) const override; // "Telnet"; empty: no such number
@@ -42,13 +44,15 @@ public:
     // length: room in characters, then the size of the identifier; 0: the device is not available.
     void ORCommID(int device, int& length, QString& text) const;
     // The ports of a device kind, each name ended by a NUL and the list by a second one; what is always 9.
-    // Result: the number of ports. A name begins with the port's number ("Port 33: ttyUSB0", see
-    // platform/serialport.h); of the modem device they are the names of the modems (comm/modemcatalog.h).
-    int ORCommList(int kind, int what, QString& list) const;
+    // length: room in characters; names that it has none for are left out. Result: the number of names. Each begins
+    // with the port's number ("Port 33: ttyUSB0", see platform/serialport.h); of the modem device they are the names of
+    // the modems (comm/modemcatalog.h).
+    int ORCommList(int kind, int what, QString& list, int length) const;
     // what: 0 country code, 1 area code of the user's dialing location; empty when there is none. length: room in
     // characters, the closing NUL among them. Result: the size of the text.
     int ORDialLocationInfo(int what, QString& text, int length) const;
-    // False: the platform has no dialing properties to show; the caller tells the user.
+    // Lets the user change the dialing location, in a dialog over the window. False: it was not shown, since there is
+    // no user.
     bool ORDialingProperties(quintptr window) const;
     // From the user's dialing location. Without one, or for a number that is not canonical ("+1 (212) 5550100"), it is
     // dialled as it is written: dialable keeps the characters that a modem can dial, displayed all of it. Non-zero on
@@ -78,6 +82,7 @@ private:
     bool hasExtension_;
     QString userFolder_;
     QString programFolder_;
+    DialingForm* dialingForm_;
 };
 
 } // namespace kestrune

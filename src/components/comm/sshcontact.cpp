@@ -21,6 +21,8 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr qsizetype LongestHostWords = 4000;
+// Lines that a host may say before its version (RFC 4253 4.2), in bytes; servers say a few hundred.
+constexpr quint64 LongestGreeting = 65536;
 
 QString Say(const char* text) { return QCoreApplication::translate("SshLine", text); }
 
@@ -58,7 +60,7 @@ SshContact::SshContact(SshMailbox& mail, const LineOptions& options, const SshTa
     if (const QString error = target.Error(options.tcpIdn); !error.isEmpty())
         Fail(LineErrorNumber::InvalidArgument, error);
     ssh_set_blocking(session_.get(), 0);
-    ssh_set_counters(session_.get(), nullptr, &counter_);
+    ssh_set_counters(session_.get(), &traffic_, &counter_);
     DenyRequests();
     SetText(SSH_OPTIONS_SSH_DIR, QDir::homePath() + u"/.ssh"_s);
     SetText(SSH_OPTIONS_HOST, target.host);
@@ -131,8 +133,28 @@ void SshContact::Connect(int socket)
     socket_ = socket;
     duplicate_ = DuplicateSocket(socket);
     ssh_options_set(session_.get(), SSH_OPTIONS_FD, &duplicate_);
-    if (Until([this] { return ssh_connect(session_.get()); }) != SSH_OK)
+    const auto step = [this] {
+        const int result = ssh_connect(session_.get());
+        CheckGreeting();
+        return result;
+    };
+    if (Until(step) != SSH_OK)
         FailToAgree();
+}
+
+// The library bounds the length of a line, and not their number; nor does it tell a version that it has not.
+void SshContact::CheckGreeting() const
+{
+    const QByteArray version = ssh_get_serverbanner(session_.get());
+    if (version.isEmpty() && traffic_.in_bytes > LongestGreeting)
+        Fail(
+            LineErrorNumber::ProtocolNotSupported,
+            Say("Unable to connect to %1: the host talks without end and does not say that it speaks SSH.").arg(host_));
+    if (version.startsWith("SSH-1.") && !version.startsWith("SSH-1.99")) // that one speaks both
+        Fail(LineErrorNumber::ProtocolNotSupported,
+             Say("Unable to connect to %1: the host speaks only version 1 of SSH, which has been unsafe for decades "
+                 "and is not spoken here.")
+                 .arg(host_));
 }
 
 // The library names the list in which nothing was found in common, in English: "no match for method encryption

@@ -90,10 +90,12 @@ public:
 private:
     void SetText(ssh_options_e option, const QString& text);
     [[noreturn]] void FailToAgree();
+    void CheckGreeting() const;
 
     SshMailbox& mail_;
     LineOptions options_;
-    ssh_counter_struct counter_{}; // the library's to write
+    ssh_counter_struct counter_{}; // the library's to write, both
+    ssh_counter_struct traffic_{}; // in bytes, from the first one on
     SshSessionHandle session_;
     QString given_;
     QString host_;

@@ -139,6 +139,30 @@ TEST(EmulatorLine, ADeviceThatIsNotThereIsAnErrorInWords)
     EXPECT_TRUE(bench.RowText(0).startsWith(u"[The Device 5 connection"_s));
 }
 
+TEST(EmulatorLine, ASessionThatWantsVersionOneOfSshAloneIsToldThatThereIsNone)
+{
+    struct Case
+    {
+        Device device;
+        int version;
+        bool refused;
+    };
+    for (const Case& c : {Case{Device::Ssh, 1, true}, Case{Device::Ssh, 0, false}, Case{Device::Ssh, 2, false},
+                          Case{Device::Telnet, 1, false}}) {
+        EmulatorBench bench;
+        bench.lines.devices = {c.device};
+        LineDiary diary(bench.control);
+        bench.control.Settings().Set(u"Device"_s, int(c.device));
+        bench.control.Settings().Set(u"SSHVersion"_s, c.version);
+        bench.control.SetOnLine(true);
+        bench.clock.RunPosted();
+        EXPECT_EQ(bench.lines.current == nullptr, c.refused);
+        EXPECT_EQ(diary.value(0).startsWith(u"error 5273b Unable to connect: this session asks for version 1"_s),
+                  c.refused)
+            << diary.value(0).toStdString();
+    }
+}
+
 TEST(EmulatorLine, AProgramThatDiedInTheMiddleLeavesAUsableScreen)
 {
     EmulatorBench bench;

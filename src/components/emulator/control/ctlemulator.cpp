@@ -240,7 +240,8 @@ void ctlEmulator::OpenLine(std::shared_ptr<LineResume> from)
     const bool telnet = options.device == Device::Telnet || options.device == Device::SslTelnet;
     hostEchoes_ = !telnet || options.telnet.bypass;
     call_->LineOpens(options.device == Device::Modem);
-    line_ = ports_.lines.Make(options, *listener_);
+    if (WhyNoLine(settings_).isEmpty())
+        line_ = ports_.lines.Make(options, *listener_);
     if (line_)
         line_->Open();
     else
@@ -250,14 +251,17 @@ void ctlEmulator::OpenLine(std::shared_ptr<LineResume> from)
 void ctlEmulator::RefuseDevice(Device device)
 {
     const QString name = ports_.lines.Name(device);
-    const QString text = device == Device::None || name.isEmpty()
-                             ? tr("This session has no connection yet: choose one in its settings.")
-                             : tr("The %1 connection has not been implemented at this time.").arg(name);
+    QString text = WhyNoLine(settings_);
+    const quint16 number = text.isEmpty() ? LineErrorNumber::InvalidArgument : LineErrorNumber::ProtocolNotSupported;
+    if (text.isEmpty())
+        text = device == Device::None || name.isEmpty()
+                   ? tr("This session has no connection yet: choose one in its settings.")
+                   : tr("The %1 connection has not been implemented at this time.").arg(name);
     // As with every line the outcome comes from the event loop, not from inside the call.
-    ports_.clock.Post([self = QPointer(this), device, text] {
+    ports_.clock.Post([self = QPointer(this), device, number, text] {
         if (!self || self->shutDown_ || self->line_)
             return;
-        self->LineFailed(LineErrorWord(device, LineErrorNumber::InvalidArgument), text, true);
+        self->LineFailed(LineErrorWord(device, number), text, true);
         if (self)
             self->LineEnded();
     });

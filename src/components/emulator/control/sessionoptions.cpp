@@ -4,6 +4,8 @@
 
 #include <emulator/engine/hostcharsets.h>
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <array>
 
@@ -70,6 +72,18 @@ emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Si
     options.cursor = emu::CursorShape(settings.Integer(Setting("CursorType"))); // the table's range is this list
     options.answerBack = settings.Text(Setting("AnswerBack")).toLatin1().toStdString();
     return options;
+}
+
+// Silently given another one, a user would trust a version that they did not ask for, or wonder why the host refuses.
+QString WhyNoLine(const EmulatorSettings& settings)
+{
+    constexpr int versionOneAlone = 1; // of SSHVersion; with every other value it is version 2
+    const bool overSsh = Device(settings.Integer(Setting("Device"))) == Device::Ssh;
+    if (overSsh && settings.Integer(Setting("SSHVersion")) == versionOneAlone)
+        return QCoreApplication::translate(
+            "SessionOptions", "Unable to connect: this session asks for version 1 of SSH, which has been unsafe for "
+                              "decades and is not spoken here. Set SSHVersion to 2.");
+    return {};
 }
 
 LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personality& type, const TerminalSize& size)

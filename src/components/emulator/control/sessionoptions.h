@@ -18,6 +18,8 @@ emu::HostCharset CharsetOf(const EmulatorSettings& settings);
 // CharacterMapping over the charset's upper half; empty: no mapping; nothing: it cannot be read.
 std::optional<std::u16string> MappingOf(const EmulatorSettings& settings);
 emu::TerminalOptions TerminalOptionsOf(const EmulatorSettings& settings, emu::Size size);
+// What the session asks for and no line can give, in the user's words; empty: nothing.
+QString WhyNoLine(const EmulatorSettings& settings);
 LineOptions LineOptionsOf(const EmulatorSettings& settings, const emu::Personality& type, const TerminalSize& size);
 
 } // namespace kestrune
