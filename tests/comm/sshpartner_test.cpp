@@ -34,7 +34,7 @@ TEST(SshPartner, RunsAShellOnItsTerminal)
     EXPECT_TRUE(rig.UntilReceived("50 132\r\n")) << rig.received.data();
     rig.Type("echo gr\xc3\xbc\xc3\x9f dich; exit 7\n");
     ASSERT_TRUE(rig.UntilClosed());
-    EXPECT_TRUE(rig.received.contains("gr\xc3\xbc\xc3\x9f dich"));
+    EXPECT_TRUE(rig.received.contains("gr\xc3\xbc\xc3\x9f dich")) << rig.received.data();
     EXPECT_EQ(rig.programEnds, 1);
     EXPECT_EQ(rig.exitCode, 7);
     EXPECT_EQ(rig.errors, QStringList());

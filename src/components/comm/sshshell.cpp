@@ -168,6 +168,8 @@ bool SshShell::Receive(bool fromErrors)
     return true;
 }
 
+bool SshShell::IsOver() const { return closed_ || contact_.IsLost(); }
+
 SshEnding SshShell::Run()
 {
     SshMailbox& mail = contact_.Mail();
@@ -181,6 +183,8 @@ SshEnding SshShell::Run()
         const quint64 heard = contact_.Heard();
         Obey();
         Send();
+        // Asked before the reading: the look at errors, too, takes in what has come, the end and what was said last.
+        const bool isOver = IsOver();
         while (Receive(false) || Receive(true)) {
         }
         if (mail.IsCancelled())
@@ -188,14 +192,14 @@ SshEnding SshShell::Run()
         const bool more = forwards_->Move();
         const bool allRead = mail.Room() > 0;
         const bool hasEnded = closed_ || exitCode_ || signalNumber_ != 0; // some hosts tell the end and hang up
-        if (allRead && contact_.IsLost() && !hasEnded)
+        if (allRead && isOver && !hasEnded)
             contact_.FailAsLost();
-        if (allRead && (closed_ || contact_.IsLost()))
+        if (allRead && isOver)
             return {.number = 0,
                     .text = ShellText::tr("The host %1 has closed the connection.").arg(contact_.Host()),
                     .exitCode = exitCode_,
                     .signalNumber = signalNumber_};
-        if (!more && contact_.Heard() == heard)
+        if (!more && contact_.Heard() == heard && IsOver() == isOver)
             ssh_event_dopoll(event_.get(), -1);
     }
 }

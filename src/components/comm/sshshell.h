@@ -24,6 +24,7 @@ private:
     void Obey();
     void KeepAlive();
     void Send();
+    bool IsOver() const;
     bool Receive(bool fromErrors); // false: nothing was there, or there is no room
     [[noreturn]] void Refuse(const QString& what);
 
