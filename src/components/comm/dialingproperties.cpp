@@ -3,11 +3,8 @@
 #include <comm/dialing.h>
 #include <comm/modemcatalog.h>
 #include <dispatch/failure.h>
-#include <platform/inifile.h>
-#include <platform/nativefiles.h>
 
 #include <QCoreApplication>
-#include <QDir>
 
 #include <array>
 
@@ -15,32 +12,29 @@ namespace kestrune::comm {
 
 namespace {
 
-using namespace Qt::StringLiterals;
-
 struct DialingText
 {
     Q_DECLARE_TR_FUNCTIONS(DialingProperties)
 };
 
-struct PlaceKey
+struct PlacePart
 {
     QString DialingPlace::*text;
     std::string DialLocation::*value;
-    QStringView key;
 };
-constexpr std::array PlaceKeys{
-    PlaceKey{&DialingPlace::countryCode, &DialLocation::country, u"CountryCode"},
-    PlaceKey{&DialingPlace::areaCode, &DialLocation::area, u"AreaCode"},
-    PlaceKey{&DialingPlace::outsideLine, &DialLocation::outsideLine, u"OutsideLine"},
-    PlaceKey{&DialingPlace::outsideLineLongDistance, &DialLocation::outsideLineFar, u"OutsideLineLongDistance"},
-    PlaceKey{&DialingPlace::longDistance, &DialLocation::longDistance, u"LongDistance"},
-    PlaceKey{&DialingPlace::international, &DialLocation::international, u"International"},
+constexpr std::array PlaceParts{
+    PlacePart{&DialingPlace::countryCode, &DialLocation::country},
+    PlacePart{&DialingPlace::areaCode, &DialLocation::area},
+    PlacePart{&DialingPlace::outsideLine, &DialLocation::outsideLine},
+    PlacePart{&DialingPlace::outsideLineLongDistance, &DialLocation::outsideLineFar},
+    PlacePart{&DialingPlace::longDistance, &DialLocation::longDistance},
+    PlacePart{&DialingPlace::international, &DialLocation::international},
 };
 
 DialingPlace PlaceOf(const DialLocation& location)
 {
     DialingPlace place;
-    for (const PlaceKey& row : PlaceKeys)
+    for (const PlacePart& row : PlaceParts)
         place.*row.text = QString::fromStdString(location.*row.value);
     place.dialAreaCode = location.areaAlways;
     return place;
@@ -49,7 +43,7 @@ DialingPlace PlaceOf(const DialLocation& location)
 DialLocation LocationOf(const DialingPlace& place)
 {
     DialLocation location;
-    for (const PlaceKey& row : PlaceKeys)
+    for (const PlacePart& row : PlaceParts)
         location.*row.value = (place.*row.text).trimmed().toStdString();
     location.areaAlways = place.dialAreaCode;
     return location;
@@ -81,32 +75,6 @@ QString Sample(const DialingPlace& place)
     return lines.join(u'\n');
 }
 
-// The file's other lines stay as they are. Empty, or why it could not be written.
-QString Save(const QString& userFolder, const DialingPlace& place)
-{
-    const DialLocation location = LocationOf(place);
-    const QString section = u"Location"_s;
-    const auto change = [&](const std::optional<QByteArray>& old) {
-        IniDocument file = IniDocument::Parse(old.value_or(QByteArray()));
-        for (const PlaceKey& row : PlaceKeys) {
-            const std::string& value = location.*row.value;
-            if (value.empty())
-                file.Remove(section, row.key.toString());
-            else
-                file.Set(section, row.key.toString(), QString::fromStdString(value));
-        }
-        file.Set(section, u"DialAreaCode"_s, location.areaAlways ? u"True"_s : u"False"_s);
-        return std::optional(file.Serialise());
-    };
-    try {
-        QDir().mkpath(userFolder); // what comes of it is told by what follows
-        NativeFileSystem().Edit(QDir(userFolder).filePath(u"dialing.ini"_s), change);
-    } catch (const Failure& failure) {
-        return failure.Text();
-    }
-    return {};
-}
-
 } // namespace
 
 bool ShowDialingProperties(DialingForm& form, quintptr window, const QString& userFolder)
@@ -115,10 +83,18 @@ bool ShowDialingProperties(DialingForm& form, quintptr window, const QString& us
         return false;
     DialingForm::Request request;
     request.window = window;
-    request.place = PlaceOf(ModemCatalog({}, userFolder).Location());
+    const ModemCatalog catalog({}, userFolder);
+    request.place = PlaceOf(catalog.Location());
     request.dialCharacters = QString::fromLatin1(DialCharacters.data(), static_cast<qsizetype>(DialCharacters.size()));
     request.sample = &Sample;
-    request.save = [userFolder](const DialingPlace& place) { return Save(userFolder, place); };
+    request.save = [&catalog](const DialingPlace& place) {
+        try {
+            catalog.KeepLocation(LocationOf(place));
+        } catch (const Failure& failure) {
+            return failure.Text();
+        }
+        return QString();
+    };
     return form.Show(request);
 }
 

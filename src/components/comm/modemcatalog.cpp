@@ -1,8 +1,10 @@
 #include <comm/modemcatalog.h>
 
 #include <platform/inifile.h>
+#include <platform/nativefiles.h>
 #include <platform/serialport.h>
 
+#include <QDir>
 #include <QFile>
 
 #include <algorithm>
@@ -124,6 +126,23 @@ QString PortPath(const QString& port)
 }
 
 QString ModemFile() { return u"modems.ini"_s; }
+QString LocationFile() { return u"dialing.ini"_s; }
+QString LocationName() { return u"Location"_s; }
+
+struct LocationKey
+{
+    std::string DialLocation::*value;
+    QStringView key;
+};
+constexpr std::array LocationKeys{
+    LocationKey{&DialLocation::country, u"CountryCode"},
+    LocationKey{&DialLocation::area, u"AreaCode"},
+    LocationKey{&DialLocation::outsideLine, u"OutsideLine"},
+    LocationKey{&DialLocation::outsideLineFar, u"OutsideLineLongDistance"},
+    LocationKey{&DialLocation::longDistance, u"LongDistance"},
+    LocationKey{&DialLocation::international, u"International"},
+};
+constexpr QStringView AreaAlwaysKey = u"DialAreaCode";
 
 } // namespace
 
@@ -162,18 +181,32 @@ std::optional<Modem> ModemCatalog::Find(const LineOptions& options) const
 
 DialLocation ModemCatalog::Location() const
 {
-    const IniDocument file = ReadIni(userFolder_, u"dialing.ini"_s);
-    const QString name = u"Location"_s;
+    const IniDocument file = ReadIni(userFolder_, LocationFile());
+    const QString name = LocationName();
     const ModemSection section(file, name);
     DialLocation location;
-    section.Read(u"CountryCode"_s, location.country);
-    section.Read(u"AreaCode"_s, location.area);
-    section.Read(u"OutsideLine"_s, location.outsideLine);
-    section.Read(u"OutsideLineLongDistance"_s, location.outsideLineFar);
-    section.Read(u"LongDistance"_s, location.longDistance);
-    section.Read(u"International"_s, location.international);
-    section.Read(u"DialAreaCode"_s, location.areaAlways);
+    for (const LocationKey& row : LocationKeys)
+        section.Read(row.key.toString(), location.*row.value);
+    section.Read(AreaAlwaysKey.toString(), location.areaAlways);
     return location;
+}
+
+void ModemCatalog::KeepLocation(const DialLocation& location) const
+{
+    const auto change = [&location](const std::optional<QByteArray>& old) {
+        IniDocument file = IniDocument::Parse(old.value_or(QByteArray()));
+        for (const LocationKey& row : LocationKeys) {
+            const std::string& value = location.*row.value;
+            if (value.empty())
+                file.Remove(LocationName(), row.key.toString());
+            else
+                file.Set(LocationName(), row.key.toString(), QString::fromStdString(value));
+        }
+        file.Set(LocationName(), AreaAlwaysKey.toString(), location.areaAlways ? u"True"_s : u"False"_s);
+        return std::optional(file.Serialise());
+    };
+    QDir().mkpath(userFolder_); // what comes of it is told by what follows
+    NativeFileSystem().Edit(QDir(userFolder_).filePath(LocationFile()), change);
 }
 
 } // namespace kestrune::comm

@@ -34,6 +34,7 @@ public:
     // path; a name that nobody knows gives nothing.
     std::optional<Modem> Find(const LineOptions& options) const;
     DialLocation Location() const;
+    void KeepLocation(const DialLocation& location) const; // the file's other lines stay; raises Failure
 
 private:
     QString installationFolder_;
